@@ -1,0 +1,211 @@
+#include "backend/Compute.h"
+
+#include "backend/ParamInput.h"
+#include "backend/Results.h"
+#include "backend/SpectInput.h"
+#include "platform/TextFiles.h"
+#include "settings/SettingsState.h"
+#include "shell/Frame.h"
+#include "spectrum/SpectrumScale.h"
+#include "spectrum/SpectrumDrawing.h"
+#include "workspace/Helpers.h"
+#include "workspace/Workspace.h"
+
+namespace zelvanor {
+
+namespace {
+
+WorkspaceState& W = Workspace;
+
+constexpr const char* NoNuclearSpins =
+    "No Nuclear Spins!\r\r"
+    "You must have selected a subset of the atoms (the NMR atoms) "
+    "to have nuclear spins.  Either use Setup to select these atoms "
+    "or \"Get\" a molecule from Morvantis where these atoms have "
+    "explicitly been made a named selection called \"nmr-atoms\".";
+
+bool IsCouplingOn() { return W.CalculateCoupling != 0.0F; }
+
+const char* ComputedItem() {
+  if (!IsSet(W.CalculateShielding)) return "coupling constants";
+  return W.CalculateCoupling == -1.0F ? "shielding and coupling constants" : "shielding constants";
+}
+
+// Starts a stage and waits for it. Purpose stands in the message behind the program's name. False when it can't start.
+bool RunBackend(TextView Stage, const char* Purpose) {
+  Long Process = 0;
+  try {
+    Process = Platform.Shell(BackendCommandLine(Stage));
+  } catch (const Failure& Problem) {
+    ShowError(Join("Unable to run the backend: ", "<", Settings.CalcExeFile, Purpose, Problem.What, "."));
+    return false;
+  }
+  WaitForBackend(Process);
+  return true;
+}
+
+bool RunStage1(const char* Purpose) {
+  ShowStatus(Join("Computing the NMR ", ComputedItem(), "..."));
+  return IsSet(EmptyResultFile(Settings.ParamOutputFile)) && IsSet(WriteParamInput(Settings.ParamInputFile)) &&
+         RunBackend("1", Purpose) && IsSet(ReadParamResults(Settings.ParamOutputFile));
+}
+
+// At most one question about the size of the spin system. False: the user does not want to go on.
+bool AcceptSize() {
+  const int Count = W.NumNMRAtoms;
+  if (Count >= 12 && Count < 31 && !IsSet(W.WeakCouplingApproximation)) {
+    return AskYesNo(Join("There are so many NMR atoms (", Long{Count}, ").  ",
+                         "You may need to use the weak coupling approximation ",
+                         "that is available in the Spectral Options dialog box. ", "Would you like to continue?")) ==
+           BoxAnswer::Yes;
+  }
+  if (Count > 29) {
+    return AskYesNo(Join("There are too many NMR atoms (", Long{Count}, ").  ",
+                         "You may not be able to complete the spectral calculation. ",
+                         "Would you like to continue?")) == BoxAnswer::Yes;
+  }
+  return true;
+}
+
+bool RunStage2(const char* Purpose) {
+  if (!AcceptSize()) return false;
+  ShowStatus("Computing the NMR spectrum...");
+  if (!IsSet(EmptyResultFile(Settings.SpectOutputFile)) || !IsSet(WriteSpectInput(Settings.SpectInputFile)) ||
+      !RunBackend("2", Purpose) || !IsSet(ReadSpectResults(Settings.SpectOutputFile))) {
+    return false;
+  }
+  Normalize();
+  ShowStatus("Calculation has completed.");
+  return true;
+}
+
+void EnterBusy() {
+  W.IsBusy = True;
+  SetBusy(False);
+}
+
+void LeaveBusy() {
+  W.IsBusy = False;
+  SetBusy(True);
+}
+
+void SetStage1Results(Flag Available) { W.ShieldingAvailable = W.CouplingAvailable = Available; }
+
+// A view of a spectrum that is gone gives way to the molecule, or to the shieldings where there is none.
+void LeaveSpectrumView() {
+  if (W.ViewMode == SpectrumViewMode) W.ViewMode = IsSet(W.MoleculeLoaded) ? MoleculeView : ShieldingView;
+}
+
+void SetFlagsAfterStage1(bool Success) {
+  SetStage1Results(ToFlag(Success));
+  W.SpectraAvailable = False;
+  W.ParamResultsStale = ToFlag(!Success);
+  W.SpectResultsStale = True;
+  if (Success) W.DocumentDirty = True;
+  if (!Success || W.ViewMode == SpectrumViewMode) W.ViewMode = MoleculeView;
+}
+
+void SetFlagsAfterStage2(bool Success) {
+  W.SpectraAvailable = ToFlag(Success);
+  W.SpectResultsStale = ToFlag(!Success);
+  if (Success) {
+    W.DocumentDirty = True;
+  } else {
+    LeaveSpectrumView();
+  }
+}
+
+void SetFlagsAfterBoth(int DoneStages) {
+  SetStage1Results(ToFlag(DoneStages >= 1));
+  W.SpectraAvailable = ToFlag(DoneStages == 2);
+  W.ParamResultsStale = ToFlag(DoneStages == 0);
+  W.SpectResultsStale = ToFlag(DoneStages < 2);
+  if (DoneStages >= 1) W.DocumentDirty = True;
+  if (DoneStages == 1) LeaveSpectrumView();
+  if (DoneStages == 0) W.ViewMode = MoleculeView;
+}
+
+// The new peak list goes into the view; without one, or where it can't be scaled, the view stays as it was.
+void TakeSpectrum() {
+  try {
+    TransferVBX();
+  } catch (const Failure&) {
+    // Drawing meets the same and leaves the surface empty.
+  }
+}
+
+bool AcceptOptions() {
+  if (IsCouplingOn() && IsSet(W.CalculateShielding)) return true;
+  const char* Item = IsSet(W.CalculateShielding) ? "<spin-coupling constants>" : "<shielding constants>";
+  return AskYesNo(Join("The calculation flag of computing ", Item,
+                       " in the Setup/Shielding & Coupling dialog box has not been checked.", "\r",
+                       "Would you like to continue?")) == BoxAnswer::Yes;
+}
+
+}  // namespace
+
+Text BackendCommandLine(TextView Stage) {
+  return Join(Settings.CalcExeFile, " ", Settings.NMRParmPath, " ", Settings.NMRIniPath, " ", Stage, " ",
+              W.LogFilePath);
+}
+
+Flag EmptyResultFile(const Text& Path) {
+  try {
+    W.FileNumber = FreeFile();
+    OpenForOutput(Path, W.FileNumber);
+  } catch (const Failure&) {
+    ShowWarning(Join("Error opening file: ", Path, "."));
+    return False;
+  }
+  try {
+    CloseFile(W.FileNumber);
+    return True;
+  } catch (const Failure& Problem) {
+    WarnOfFailure(Problem);
+    return False;
+  }
+}
+
+void WaitForBackend(Long ProcessId) {
+  for (;;) {
+    const Long Handle = Platform.OpenProcess(ProcessId);
+    Platform.DoEvents();
+    const ProcessStatus Status = Platform.GetExitCodeProcess(Handle);
+    if (!Status.Known || Status.ExitCode != StillActive) return;
+  }
+}
+
+void mnuComputeNMR_Click() {
+  if (W.NumNMRAtoms == 0) return ShowError(NoNuclearSpins);
+  EnterBusy();
+  const bool Success = RunStage1("> ");
+  if (Success) ShowStatus("Calculation has completed.");
+  SetFlagsAfterStage1(Success);
+  LeaveBusy();
+  RefreshView();
+}
+
+void mnuComputeSpectra_Click() {
+  EnterBusy();
+  SetFlagsAfterStage2(RunStage2("> "));
+  LeaveBusy();
+  TakeSpectrum();
+  RefreshView();
+}
+
+void mnuComputeAll_Click() {
+  if (W.NumNMRAtoms == 0) return ShowError(NoNuclearSpins);
+  if (!AcceptOptions()) return;
+  EnterBusy();
+  int DoneStages = 0;
+  if (RunStage1("> for computing the NMR shielding and/or coupling constants. ")) {
+    DoneStages = 1;
+    if (RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
+  }
+  SetFlagsAfterBoth(DoneStages);
+  LeaveBusy();
+  TakeSpectrum();
+  RefreshView();
+}
+
+}  // namespace zelvanor

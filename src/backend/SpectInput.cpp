@@ -1,0 +1,191 @@
+#include "backend/SpectInput.h"
+
+#include <vector>
+
+#include "basic/Numbers.h"
+#include "platform/TextFiles.h"
+#include "settings/SettingsState.h"
+#include "setup/ReferenceShieldings.h"
+#include "workspace/Helpers.h"
+#include "workspace/Workspace.h"
+
+namespace zelvanor {
+
+namespace {
+
+WorkspaceState& W = Workspace;
+
+// Nuclei that are not observed stand this many ppm apart, beyond SpectrumSpan.
+constexpr Double OutOfRangeStep = 100.0;
+
+// Whether an atom carries a spin that the calculation counts: carbon, nitrogen and oxygen only as labelled isotopes,
+// hydrogen only as the common one, every other element in any case.
+bool HasCountedSpin(int AtomicNumber, bool Labelled) {
+  switch (AtomicNumber) {
+    case 1:
+      return !Labelled;
+    case 6:
+    case 7:
+    case 8:
+      return Labelled;
+    default:
+      return true;
+  }
+}
+
+// A magnetically distinct group of NMR atoms.
+struct Site {
+  int Atom = 0;  // index of the NMR atom that stands for it
+  int Degeneracy = 1;
+  Double Shift = 0;  // ppm
+};
+
+// Duplicate members of an equivalent set have degeneracy 0; its first member has the set's size.
+int FindDegeneracy(int Atom) {
+  int Degeneracy = 1;
+  for (int Set = 0; Set < NumSavedSets; ++Set) {
+    const int Size = W.EquivalentSetSize[Set];
+    for (int Member = 0; Member < Size; ++Member) {
+      if (W.EquivalentAtom(Set, Member) != W.NMRAtom[Atom]) continue;
+      if (Member > 0) return 0;
+      Degeneracy = Size;
+      break;
+    }
+  }
+  return Degeneracy;
+}
+
+std::vector<Site> BuildSites() {
+  std::vector<Site> Sites;
+  int OutOfRange = 0;
+  for (int Atom = 0; Atom < W.NumNMRAtoms; ++Atom) {
+    const int Degeneracy = FindDegeneracy(Atom);
+    if (Degeneracy == 0) continue;
+    Double Shift = W.ChemicalShift[Atom];
+    if (!IsSet(W.NMRAtomSpinHalf[Atom])) Shift = W.SpectrumSpan + OutOfRangeStep * OutOfRange++;
+    Sites.push_back({Atom, Degeneracy, Shift});
+  }
+  return Sites;
+}
+
+// Only the sites with a counted spin, which the file holds.
+std::vector<Site> KeepCounted(const std::vector<Site>& All) {
+  std::vector<Site> Kept;
+  W.NumSpinHalfNMRAtoms = 0;
+  for (const Site& Each : All) {
+    if (!IsSet(W.NMRPairSpinHalf(Each.Atom, Each.Atom))) continue;
+    Kept.push_back(Each);
+    W.NumSpinHalfNMRAtoms += Each.Degeneracy;
+  }
+  return Kept;
+}
+
+void Print(TextView Line) { PrintLine(W.FileNumber, Line); }
+
+void PrintSiteCounts(const std::vector<Site>& Sites) {
+  Text Line;
+  for (const Site& Each : Sites) Line += Join(W.NMRAtomicNumber[Each.Atom], " ");
+  Line += ' ';
+  for (const Site& Each : Sites) Line += Join(Long{Each.Degeneracy}, " ");
+  Print(Line + " ");
+}
+
+void PrintCouplings(const std::vector<Site>& Sites) {
+  for (const Site& Row : Sites) {
+    Text Line;
+    for (const Site& Column : Sites) {
+      if (!Line.empty()) Line += ' ';
+      // Both sites have a counted spin, so their pair has.
+      Line += FormatNumber(W.Coupling(Row.Atom, Column.Atom), "0.000");
+    }
+    Print(Line);
+  }
+}
+
+void WriteSites(const std::vector<Site>& Sites) {
+  Print(W.ParamDescription);
+  Print(PrintForm(static_cast<Long>(Sites.size())));
+  PrintSiteCounts(Sites);
+  Print("FIELD");
+  Print(PrintForm(W.NMRFrequency));
+  Print("SHIELDING");
+  if (!Sites.empty()) {
+    Text Line;
+    for (const Site& Each : Sites) Line += (Line.empty() ? "" : " ") + FormatNumber(Each.Shift, "0.000");
+    Print(Line);
+  }
+  Print("COUPLING");
+  PrintCouplings(Sites);
+  Print("MINIMALINTENSITY");
+  Print(FormatNumber(W.MinimalIntensity, "0.00000"));
+  Print("WEAKCOUPLINGAPPROXIMATION");
+  Print(IsSet(W.WeakCouplingApproximation) ? "1" : "0");
+}
+
+bool AnyObserved() {
+  for (int Atom = 0; Atom < W.NumNMRAtoms; ++Atom) {
+    if (IsSet(W.NMRAtomSpinHalf[Atom])) return true;
+  }
+  return false;
+}
+
+void WarnOfNoObserved() {
+  const Text& Name = W.ReferenceElementName[W.SpectraType];
+  ShowWarning(Join(Name,
+                   " is not present in the current NMR atom selection.  Please make sure that the current NMR atoms "
+                   "include ",
+                   Name, "."));
+}
+
+}  // namespace
+
+Flag FindSpinHalfNuclei() {
+  try {
+    FillReferenceElements();
+    W.NMRAtomSpinHalf.ReDim(W.NumNMRAtoms);
+    W.NMRPairSpinHalf.ReDim(W.NumNMRAtoms, W.NumNMRAtoms);
+    std::vector<bool> Counted;
+    for (int Atom = 0; Atom < W.NumNMRAtoms; ++Atom) {
+      const bool Labelled = IsLabelled(W.NMRAtom[Atom]);
+      const int Element = W.NMRAtomicNumber[Atom];
+      W.NMRAtomSpinHalf[Atom] = ToFlag(IsObservedNucleus(Element, Labelled, W.SpectraType));
+      Counted.push_back(HasCountedSpin(Element, Labelled));
+    }
+    for (int Row = 0; Row < W.NumNMRAtoms; ++Row) {
+      const std::span<Flag> Flags = W.NMRPairSpinHalf.Row(Row);
+      for (std::size_t Column = 0; Column < Counted.size(); ++Column) {
+        Flags[Column] = ToFlag(Counted[static_cast<std::size_t>(Row)] && Counted[Column]);
+      }
+    }
+    return True;
+  } catch (const Failure&) {
+    ShowWarning("Error ocurred when selecting the type of NMR spectrum.");
+    return False;
+  }
+}
+
+Flag WriteSpectInput(const Text& Path) {
+  bool Written = false;
+  try {
+    if (IsSet(FindSpinHalfNuclei())) {
+      W.FileNumber = FreeFile();
+      OpenForOutput(Path, W.FileNumber);
+      ComputeChemicalShifts();
+      WriteSites(KeepCounted(BuildSites()));
+      CloseFile(W.FileNumber);
+      Written = true;
+    }
+  } catch (const Failure&) {
+    CloseFileQuietly(W.FileNumber);
+  }
+  if (!Written) {
+    ShowWarning(Join("Error writing the file ", Settings.SpectInputFile, "."));
+    return False;
+  }
+  const bool Observed = AnyObserved();
+  if (!Observed) WarnOfNoObserved();
+  CountSpinHalfAtoms();
+  return ToFlag(Observed);
+}
+
+}  // namespace zelvanor

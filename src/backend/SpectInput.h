@@ -1,0 +1,14 @@
+#pragma once
+
+#include "basic/Types.h"
+
+namespace zelvanor {
+
+// Fills ReferenceElement, NMRAtomSpinHalf and NMRPairSpinHalf for the present SpectraType. Reports its failure.
+Flag FindSpinHalfNuclei();
+
+// Reduces the NMR atoms to spin sites and writes the input of stage 2; sets ChemicalShift, SpectrumSpan and the counts
+// of spins on the way. Reports its failures; without an observed nucleus the file is written and the result is 0.
+Flag WriteSpectInput(const Text& Path);
+
+}  // namespace zelvanor

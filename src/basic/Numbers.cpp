@@ -1,0 +1,122 @@
+#include "basic/Numbers.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+#include "basic/TextTools.h"
+
+namespace zelvanor {
+
+namespace {
+
+bool IsDigit(char C) { return C >= '0' && C <= '9'; }
+
+TextView SkipWhite(TextView Value) {
+  const std::size_t First = Value.find_first_not_of(" \t");
+  return First == TextView::npos ? TextView() : Value.substr(First);
+}
+
+std::size_t CountDigits(TextView Value, std::size_t From) {
+  std::size_t End = From;
+  while (End < Value.size() && IsDigit(Value[End])) ++End;
+  return End - From;
+}
+
+// Where the number at the head of Value ends; 0 when there is none. MarkPlace gets the exponent letter's place, or npos.
+std::size_t ScanNumber(TextView Value, std::size_t& MarkPlace) {
+  MarkPlace = TextView::npos;
+  std::size_t End = !Value.empty() && (Value[0] == '+' || Value[0] == '-') ? 1 : 0;
+  std::size_t Digits = CountDigits(Value, End);
+  End += Digits;
+  if (End < Value.size() && Value[End] == '.') {
+    const std::size_t Decimals = CountDigits(Value, End + 1);
+    Digits += Decimals;
+    End += 1 + Decimals;
+  }
+  if (Digits == 0) return 0;
+  if (End < Value.size() && TextView("eEdD").find(Value[End]) != TextView::npos) {
+    std::size_t Behind = End + 1;
+    if (Behind < Value.size() && (Value[Behind] == '+' || Value[Behind] == '-')) ++Behind;
+    const std::size_t ExponentDigits = CountDigits(Value, Behind);
+    if (ExponentDigits > 0) {
+      MarkPlace = End;
+      End = Behind + ExponentDigits;
+    }
+  }
+  return End;
+}
+
+// The value of text that ScanNumber has accepted. from_chars takes no leading plus and no D, hence the two detours.
+Double ConvertNumber(TextView Value, std::size_t MarkPlace) {
+  Text Rewritten;
+  if (MarkPlace != TextView::npos && UpperChar(Value[MarkPlace]) == 'D') {
+    Rewritten = Value;
+    Rewritten[MarkPlace] = 'e';
+    Value = Rewritten;
+  }
+  const bool Negative = Value[0] == '-';
+  if (Negative || Value[0] == '+') Value.remove_prefix(1);
+  Double Result = 0.0;
+  const auto Outcome = std::from_chars(Value.data(), Value.data() + Value.size(), Result);
+  if (Outcome.ec == std::errc::result_out_of_range) {
+    // Too large or too small: the digits in front of the exponent alone can't tell, the sign of the exponent can,
+    // and a text without exponent that leaves the range is large unless it starts with zeros.
+    const std::size_t Mark = Value.find_first_of("eE");
+    const bool Tiny = Mark != TextView::npos ? Value.substr(Mark + 1).starts_with('-')
+                                             : Value.find_first_of("123456789") > Value.find('.');
+    Result = Tiny ? 0.0 : std::numeric_limits<Double>::infinity();
+  }
+  return Negative ? -Result : Result;
+}
+
+}  // namespace
+
+Double PrefixNumber(TextView Value) {
+  Value = SkipWhite(Value);
+  std::size_t MarkPlace = 0;
+  const std::size_t End = ScanNumber(Value, MarkPlace);
+  return End == 0 ? 0.0 : ConvertNumber(Value.substr(0, End), MarkPlace);
+}
+
+Double StrictNumber(TextView Value) {
+  Value = SkipWhite(Value);
+  Value = Value.substr(0, Value.find_last_not_of(" \t") + 1);
+  std::size_t MarkPlace = 0;
+  const std::size_t End = ScanNumber(Value, MarkPlace);
+  if (End == 0 || End != Value.size()) throw Failure(failures::TypeMismatch);
+  const Double Result = ConvertNumber(Value, MarkPlace);
+  if (std::isinf(Result)) throw Failure(failures::Overflow);
+  return Result;
+}
+
+Integer StrictInteger(TextView Value) { return ToInteger(StrictNumber(Value)); }
+Long StrictLong(TextView Value) { return ToLong(StrictNumber(Value)); }
+Single StrictSingle(TextView Value) { return ToSingle(StrictNumber(Value)); }
+
+Double RoundEven(Double Value) { return std::nearbyint(Value); }
+
+Integer ToInteger(Double Value) {
+  const Double Rounded = RoundEven(Value);
+  if (!(Rounded >= -32768.0 && Rounded <= 32767.0)) throw Failure(failures::Overflow);
+  return {static_cast<int>(Rounded)};
+}
+
+Long ToLong(Double Value) {
+  const Double Rounded = RoundEven(Value);
+  if (!(Rounded >= -2147483648.0 && Rounded <= 2147483647.0)) throw Failure(failures::Overflow);
+  return static_cast<Long>(Rounded);
+}
+
+Single ToSingle(Double Value) {
+  const auto Result = static_cast<Single>(Value);
+  if (!std::isfinite(Result)) throw Failure(failures::Overflow);
+  return Result;
+}
+
+Double Divide(Double Left, Double Right) {
+  if (Right == 0.0) throw Failure(failures::DivisionByZero);
+  return Left / Right;
+}
+
+}  // namespace zelvanor

@@ -1,0 +1,35 @@
+#include "basic/TextTools.h"
+
+#include <algorithm>
+
+namespace zelvanor {
+
+Text UpperCase(TextView Value) {
+  Text Result(Value);
+  std::transform(Result.begin(), Result.end(), Result.begin(), UpperChar);
+  return Result;
+}
+
+bool EqualsIgnoringCase(TextView Left, TextView Right) {
+  return std::equal(Left.begin(), Left.end(), Right.begin(), Right.end(),
+                    [](char A, char B) { return UpperChar(A) == UpperChar(B); });
+}
+
+namespace {
+TextView Trim(TextView Value, TextView Characters) {
+  const std::size_t First = Value.find_first_not_of(Characters);
+  if (First == TextView::npos) return {};
+  return Value.substr(First, Value.find_last_not_of(Characters) - First + 1);
+}
+}  // namespace
+
+TextView TrimBlanks(TextView Value) { return Trim(Value, " "); }
+
+TextView TrimLeftBlanks(TextView Value) {
+  const std::size_t First = Value.find_first_not_of(' ');
+  return First == TextView::npos ? TextView() : Value.substr(First);
+}
+
+TextView TrimWhite(TextView Value) { return Trim(Value, " \t\r\n"); }
+
+}  // namespace zelvanor

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "basic/Types.h"
+
+namespace zelvanor {
+
+// Upper and lower case of the 26 Latin letters; every other byte stands as it is, in every locale.
+constexpr char UpperChar(char C) { return C >= 'a' && C <= 'z' ? static_cast<char>(C - 'a' + 'A') : C; }
+Text UpperCase(TextView Value);
+bool EqualsIgnoringCase(TextView Left, TextView Right);
+
+// Without the blanks (not tabs) at both ends, or at the left alone.
+TextView TrimBlanks(TextView Value);
+TextView TrimLeftBlanks(TextView Value);
+// Without blanks, tabs and line ends at both ends.
+TextView TrimWhite(TextView Value);
+
+}  // namespace zelvanor

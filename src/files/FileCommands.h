@@ -1,0 +1,26 @@
+#pragma once
+
+#include "basic/Types.h"
+
+namespace zelvanor {
+
+// The File menu's commands on the one document.
+
+// Guards unsaved work: 0 go on, -1 the user cancelled or a wanted save did not happen.
+Flag QuerySave();
+
+// What a file holds, by the words its lines begin with.
+enum FileKind { UnknownFile = 0, DocumentFile = 1, HostTextFile = 2, ZMatrixFile = 3 };
+// Reports its failure, which counts as unknown.
+FileKind DetectFileType(const Text& Path);
+
+// The name of a document for a system from a file of another kind: the path up to its first "." behind the last
+// separator, with "NMR" as the ending.
+Text SuggestDocumentName(const Text& Path);
+
+void mnuFileNew_Click();
+void mnuFileOpen_Click();
+void mnuFileSave_Click();
+void mnuFileSaveAs_Click();
+
+}  // namespace zelvanor

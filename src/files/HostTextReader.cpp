@@ -1,0 +1,207 @@
+#include <vector>
+
+#include "basic/Numbers.h"
+#include "files/HostText.h"
+#include "platform/Paths.h"
+#include "platform/TextFiles.h"
+#include "workspace/Helpers.h"
+#include "workspace/Workspace.h"
+
+namespace zelvanor {
+
+namespace {
+
+WorkspaceState& W = Workspace;
+
+constexpr int LeastAtomTokens = 10;
+constexpr int FirstNeighbourToken = 12;
+
+// Where the read pass stands.
+struct ParseState {
+  Text Title;
+  Integer Molecule;         // number of the molecule at hand, 1-based, 0 before the first
+  Integer AtomsInMolecule;  // read of it so far
+  Integer AtomsBefore;      // of the molecules that have ended
+};
+
+// Counts on the stored lines as they stand, padding and leading blanks included, down to the spare last one.
+void CountAtomsAndMolecules() {
+  W.NumAtoms = 0;
+  W.NumMolecules = 0;
+  for (int Line = 0; Line <= W.HostTextLineCount; ++Line) {
+    const TextView Stored = W.HostTextLine[Line].View();
+    if (Stored.starts_with("atom ")) ++W.NumAtoms;
+    if (Stored.starts_with("mol ")) ++W.NumMolecules;
+  }
+}
+
+void ReadNeighbours(const ParseState& State) {
+  const int Atom = W.NumAtoms;
+  const int Coordination = W.AtomCoordination[Atom];
+  for (int Neighbour = 0; Neighbour < Coordination; ++Neighbour) {
+    const int Token = FirstNeighbourToken + 2 * Neighbour;
+    W.AtomNeighbour(Atom, Neighbour) = StrictInteger(W.Tokens[Token]) - 1 + State.AtomsBefore;
+    W.AtomBondType(Atom, Neighbour) = TextView(W.Tokens[Token + 1]);
+  }
+}
+
+void ReadAtomFields(const ParseState& State) {
+  const int Atom = W.NumAtoms;
+  W.AtomNumber[Atom] = StrictInteger(W.Tokens[2]);
+  W.AtomName[Atom] = TextView(W.Tokens[3]);
+  W.AtomElement[Atom] = TextView(W.Tokens[4]);
+  W.AtomicNumber[Atom] = ElementNumber(W.AtomElement[Atom].Trimmed());
+  W.AtomType[Atom] = TextView(W.Tokens[5]);
+  W.AtomFlags[Atom] = TextView(W.Tokens[6]);
+  W.AtomCharge[Atom] = StrictSingle(W.Tokens[7]);
+  W.AtomX[Atom] = StrictSingle(W.Tokens[8]);
+  W.AtomY[Atom] = StrictSingle(W.Tokens[9]);
+  W.AtomZ[Atom] = StrictSingle(W.Tokens[10]);
+  const Integer Coordination = StrictInteger(W.Tokens[11]);
+  if (Coordination < 0 || Coordination > MaxCoordination) {
+    ShowError(Join("The atomic coordination has to be greater than 0 and ",
+                   "less than or equal to 12 in the current version ", "of Zelvanor, but it is ", Coordination,
+                   " for atom ", State.AtomsInMolecule, " in molecule ", State.Molecule, "."));
+    W.AtomCoordination[Atom] = 0;
+    return;
+  }
+  W.AtomCoordination[Atom] = Coordination;
+  ReadNeighbours(State);
+}
+
+void ReadAtomLine(ParseState& State, TextView Line, int LineIndex) {
+  ShowStatus(Join("Reading atom ", W.NumAtoms + 1, "..."));
+  ++State.AtomsInMolecule;
+  W.AtomMolecule[W.NumAtoms] = State.Molecule;
+  W.AtomInMolecule[W.NumAtoms] = State.AtomsInMolecule;
+  W.TokenCount = Tokenize(Line);
+  if (W.TokenCount < LeastAtomTokens) {
+    ShowWarning(Join("Error at line ", Long{LineIndex}, " in file ", State.Title, "."));
+    return;
+  }
+  ReadAtomFields(State);
+  ++W.NumAtoms;
+}
+
+void ReadViewLine(TextView Line) {
+  W.TokenCount = Tokenize(Line);
+  W.HostViewText.clear();
+  for (int Token = 2; Token <= W.TokenCount; ++Token) W.HostViewText += W.Tokens[Token] + " ";
+}
+
+void ReadForceFieldLine(const ParseState& State, TextView Line) {
+  W.TokenCount = Tokenize(Line);
+  if (W.TokenCount != 2) return;
+  const Text Name = W.Tokens[2];
+  if (EqualsIgnoringCase(Name, "AMBER") || EqualsIgnoringCase(Name, "KRDO")) return;
+  ShowWarning(Join("The current force field is ", Name, " in the file ", State.Title,
+                   ".  Some atom types may not be available Zelvanor."));
+}
+
+void ReadRecords(const Text& Title) {
+  ParseState State;
+  State.Title = Title;
+  for (int Index = 0; Index <= W.HostTextLineCount; ++Index) {
+    FixedText<HostLineLength>& Stored = W.HostTextLine[Index];
+    Stored = Text(TrimBlanks(Stored.View()));
+    const TextView Line = Stored.Trimmed();
+    if (Line.starts_with("atom ")) {
+      ReadAtomLine(State, Line, Index);
+    } else if (Line.starts_with("mol ")) {
+      ++State.Molecule;
+    } else if (Line.starts_with("endmol ")) {
+      W.MoleculeAtomCount[State.Molecule - 1] = State.AtomsInMolecule;
+      State.AtomsBefore += State.AtomsInMolecule;
+      State.AtomsInMolecule = 0;
+    } else if (Line.starts_with("view ")) {
+      ReadViewLine(Line);
+    } else if (Line.starts_with("forcefield ")) {
+      ReadForceFieldLine(State, Line);
+    }
+  }
+}
+
+// First is the index of the molecule's first atom; both numbers in the message count within the molecule.
+bool CheckAtom(int Molecule, int First, int AtomInMolecule) {
+  const int Atom = First + AtomInMolecule;
+  const int End = First + W.MoleculeAtomCount[Molecule];
+  for (int Place = 0; Place < W.AtomCoordination[Atom]; ++Place) {
+    const int Neighbour = W.AtomNeighbour(Atom, Place);
+    if (Neighbour >= First && Neighbour < End) continue;
+    ShowError(Join("Bad reference to atom ", Long{Neighbour - First + 1}, " from atom ", Long{AtomInMolecule + 1},
+                   " in molecule ", Long{Molecule + 1}, "."));
+    return false;
+  }
+  if (W.AtomicNumber[Atom] >= 0 && W.AtomicNumber[Atom] <= LargestElement) return true;
+  const Text Element(TrimBlanks(W.AtomElement[Atom].View()));
+  W.AtomElement[Atom] = TextView(Element);
+  ShowError(Join("Invalid atom element ", Element, " for atom ", Long{AtomInMolecule + 1}, " in molecule ",
+                 Long{Molecule + 1}, "."));
+  return false;
+}
+
+bool CheckAtoms() {
+  int First = 0;
+  for (int Molecule = 0; Molecule < W.NumMolecules; ++Molecule) {
+    const int Count = W.MoleculeAtomCount[Molecule];
+    for (int Atom = 0; Atom < Count; ++Atom) {
+      if (!CheckAtom(Molecule, First, Atom)) return false;
+    }
+    First += Count;
+  }
+  return true;
+}
+
+}  // namespace
+
+Flag ReadHostFile(const Text& Path) {
+  try {
+    W.FileNumber = FreeFile();
+    OpenForInput(Path, W.FileNumber);
+  } catch (const Failure& Problem) {
+    ShowWarning(Join("Could not open file ", Quoted(Path), ": ", Problem.What, "."));
+    return False;
+  }
+  Flag Result = False;
+  try {
+    std::vector<TextView> Lines;
+    while (!AtEnd(W.FileNumber)) Lines.push_back(LineInput(W.FileNumber));
+    if (Lines.empty()) {
+      ShowWarning(Path + " is empty.");
+    } else {
+      W.HostTextLineCount = ToLong(static_cast<Double>(Lines.size()));
+      W.HostTextLine.ReDim(W.HostTextLineCount);
+      for (int Line = 0; Line < W.HostTextLineCount; ++Line) {
+        W.HostTextLine[Line] = Lines[static_cast<std::size_t>(Line)];
+      }
+      Result = True;
+    }
+  } catch (const Failure& Problem) {
+    WarnOfFailure(Problem);
+  }
+  CloseFileQuietly(W.FileNumber);
+  return Result;
+}
+
+Flag ParseHostText(const Text& Title) {
+  try {
+    W.HostViewText.clear();
+    CountAtomsAndMolecules();
+    if (W.NumAtoms <= 0) {
+      ShowWarning(Title + " does not contain any atom.");
+      return False;
+    }
+    AllocateAtomTable(W.NumAtoms);
+    W.MoleculeAtomCount.ReDim(W.NumMolecules);
+    W.NumAtoms = 0;
+    ReadRecords(Title);
+    if (!CheckAtoms()) return False;
+    ShowStatus(Join("Read ", W.NumAtoms, " atoms."));
+    return True;
+  } catch (const Failure& Problem) {
+    WarnOfFailure(Problem);
+    return False;
+  }
+}
+
+}  // namespace zelvanor

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "platform/Controls.h"
+
+namespace zelvanor {
+
+struct PictureLine {
+  int X1 = 0;
+  int Y1 = 0;
+  int X2 = 0;
+  int Y2 = 0;
+  Colour Pen = 0;
+};
+
+// A text hangs from its position: X, Y is its top left corner.
+struct PictureText {
+  int X = 0;
+  int Y = 0;
+  Text Value;
+  Colour Pen = 0;
+};
+
+// A surface that records what is drawn on it, in pixels from its top left corner; a front end replays the record on
+// the screen and into files. Mouse positions come in twips.
+struct PictureSurface : Control {
+  PictureSurface(Form* Owner, Text Name) : Control(ControlKind::PictureSurface, Owner, std::move(Name)) {}
+
+  using MouseEvent = std::function<void(int Button, int Shift, Single X, Single Y)>;
+
+  Colour BackColor = Black;
+  std::vector<PictureLine> Lines;
+  std::vector<PictureText> Texts;
+  MouseEvent MouseDown;
+  MouseEvent MouseMove;
+  MouseEvent MouseUp;
+};
+
+// Button codes of mouse events.
+inline constexpr int LeftButton = 1;
+inline constexpr int RightButton = 2;
+inline constexpr int MiddleButton = 4;
+
+// Drawing goes through a context: the pen selected and the point reached. Pens are solid and one pixel wide.
+struct DrawingContext {
+  PictureSurface* Surface = nullptr;
+  Colour Pen = Black;
+  int X = 0;
+  int Y = 0;
+};
+
+DrawingContext GetDC(PictureSurface& Surface);
+// Ends the drawing: the front end shows what was recorded.
+void ReleaseDC(DrawingContext& Context);
+// Returns the pen selected before.
+Colour SelectPen(DrawingContext& Context, Colour Pen);
+void MoveTo(DrawingContext& Context, int X, int Y);
+void LineTo(DrawingContext& Context, int X, int Y);
+// A text at a position in twips of the surface.
+void PrintAt(DrawingContext& Context, int XTwips, int YTwips, TextView Value, Colour Pen);
+
+void ClearPicture(PictureSurface& Surface);
+void SetBackColor(PictureSurface& Surface, Colour BackColor);
+
+// The font of surfaces: a plain face of this pixel size, in which a digit is at most DigitPixels wide.
+inline constexpr int SurfaceFontPixels = 11;
+inline constexpr int DigitPixels = 7;
+inline int TextPixels(TextView Value) { return static_cast<int>(Value.size()) * DigitPixels; }
+
+}  // namespace zelvanor

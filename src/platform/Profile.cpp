@@ -1,0 +1,166 @@
+#include "platform/Profile.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <optional>
+
+#include "basic/TextTools.h"
+#include "platform/Services.h"
+
+namespace zelvanor {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// One file as lines; EndsWith is the end of its first line, which new lines take too.
+struct ProfileLines {
+  std::vector<Text> Lines;
+  Text EndsWith = "\n";
+};
+
+ProfileLines ReadLines(const Text& File) {
+  ProfileLines Result;
+  std::ifstream Stream(File, std::ios::binary);
+  if (fs::is_directory(File) || !Stream) return Result;
+  const Text Content((std::istreambuf_iterator<char>(Stream)), std::istreambuf_iterator<char>());
+  for (std::size_t Place = 0; Place < Content.size();) {
+    const std::size_t End = std::min(Content.find('\n', Place), Content.size());
+    Text Line = Content.substr(Place, End - Place);
+    if (!Line.empty() && Line.back() == '\r') {
+      if (Place == 0) Result.EndsWith = "\r\n";
+      Line.pop_back();
+    }
+    Result.Lines.push_back(std::move(Line));
+    Place = End + 1;
+  }
+  return Result;
+}
+
+// The section name of a line such as "[nmr]".
+std::optional<TextView> SectionOf(TextView Line) {
+  Line = TrimWhite(Line);
+  const std::size_t Close = Line.find(']');
+  if (!Line.starts_with('[') || Close == TextView::npos) return {};
+  return TrimWhite(Line.substr(1, Close - 1));
+}
+
+struct KeyValue {
+  TextView Key;
+  TextView Value;
+};
+
+std::optional<KeyValue> KeyValueOf(TextView Line) {
+  Line = TrimWhite(Line);
+  const std::size_t Equals = Line.find('=');
+  if (Line.starts_with(';') || Line.starts_with('#') || Equals == TextView::npos) return {};
+  TextView Value = TrimWhite(Line.substr(Equals + 1));
+  if (Value.size() >= 2 && (Value.front() == '"' || Value.front() == '\'') && Value.front() == Value.back()) {
+    Value = Value.substr(1, Value.size() - 2);
+  }
+  return KeyValue{TrimWhite(Line.substr(0, Equals)), Value};
+}
+
+using ValueTable = std::map<Text, Text>;
+
+Text TableKey(TextView Section, TextView Key) { return UpperCase(Section) + "\n" + UpperCase(Key); }
+
+ValueTable ReadTable(const Text& File) {
+  ValueTable Table;
+  Text Section;
+  for (const Text& Line : ReadLines(File).Lines) {
+    if (const auto Name = SectionOf(Line)) {
+      Section = *Name;
+    } else if (const auto Entry = KeyValueOf(Line)) {
+      Table.emplace(TableKey(Section, Entry->Key), Entry->Value);
+    }
+  }
+  return Table;
+}
+
+// A start-up looks up some four hundred keys of one file: the table is kept until the file is another one.
+struct CachedTable {
+  Text File;
+  fs::file_time_type Time;
+  std::uintmax_t Size = 0;
+  ValueTable Table;
+};
+
+const ValueTable& TableOf(const Text& File) {
+  static CachedTable Cache;
+  std::error_code Ignored;
+  const fs::file_time_type Time = fs::last_write_time(File, Ignored);
+  const std::uintmax_t Size = fs::file_size(File, Ignored);
+  if (Cache.File != File || Cache.Time != Time || Cache.Size != Size) Cache = {File, Time, Size, ReadTable(File)};
+  return Cache.Table;
+}
+
+// Puts one value into the lines: over the first line with its key, else behind the last filled line of its section,
+// else in a new section at the end.
+void PutValue(std::vector<Text>& Lines, const ProfileEntry& Entry) {
+  const Text Fresh = Entry.Key + "=" + Entry.Value;
+  bool Inside = false;
+  std::optional<std::size_t> Behind;
+  for (std::size_t Place = 0; Place < Lines.size(); ++Place) {
+    if (const auto Name = SectionOf(Lines[Place])) {
+      if (Behind) break;  // a second section of the same name is never read from
+      Inside = EqualsIgnoringCase(*Name, Entry.Section);
+      if (Inside) Behind = Place + 1;
+    } else if (Inside) {
+      const auto Found = KeyValueOf(Lines[Place]);
+      if (Found && EqualsIgnoringCase(Found->Key, Entry.Key)) {
+        Lines[Place] = Fresh;
+        return;
+      }
+      if (!TrimWhite(Lines[Place]).empty()) Behind = Place + 1;
+    }
+  }
+  if (Behind) {
+    Lines.insert(Lines.begin() + static_cast<std::ptrdiff_t>(*Behind), Fresh);
+    return;
+  }
+  if (!Lines.empty() && !TrimWhite(Lines.back()).empty()) Lines.emplace_back();
+  Lines.push_back("[" + Entry.Section + "]");
+  Lines.push_back(Fresh);
+}
+
+}  // namespace
+
+Text GetPrivateProfileString(TextView Section, TextView Key, TextView Default, const Text& File) {
+  const ValueTable& Table = TableOf(File);
+  const auto Entry = Table.find(TableKey(Section, Key));
+  return Text((Entry == Table.end() ? Default : TextView(Entry->second)).substr(0, ProfileTextLimit));
+}
+
+Text GetProfileString(TextView Section, TextView Key, TextView Default) {
+  return GetPrivateProfileString(Section, Key, Default, Platform.WinIniPath());
+}
+
+bool WritePrivateProfileStrings(const std::vector<ProfileEntry>& Entries, const Text& File) {
+  ProfileLines Content = ReadLines(File);
+  for (const ProfileEntry& Entry : Entries) PutValue(Content.Lines, Entry);
+  std::error_code Problem;
+  // A file that is a link stays one: what it points to is replaced.
+  fs::path Target = fs::weakly_canonical(File, Problem);
+  if (Problem) Target = File;
+  const fs::path Fresh = Target.string() + ".new";
+  {
+    std::ofstream Stream(Fresh, std::ios::binary | std::ios::trunc);
+    for (const Text& Line : Content.Lines) Stream << Line << Content.EndsWith;
+    Stream.flush();
+    if (!Stream) {
+      fs::remove(Fresh, Problem);
+      return false;
+    }
+  }
+  const fs::file_status Status = fs::status(Target, Problem);
+  if (fs::is_regular_file(Status)) fs::permissions(Fresh, Status.permissions(), Problem);
+  fs::rename(Fresh, Target, Problem);
+  if (!Problem) return true;
+  fs::remove(Fresh, Problem);
+  return false;
+}
+
+}  // namespace zelvanor

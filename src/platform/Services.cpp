@@ -1,0 +1,7 @@
+#include "platform/Services.h"
+
+namespace zelvanor {
+
+PlatformServices Platform;
+
+}  // namespace zelvanor

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "basic/Types.h"
+#include "platform/Controls.h"
+
+namespace zelvanor {
+
+// What the program asks of the machine and the desktop. A front end fills the slots before start-up; those that are the
+// same everywhere (processes, directories) are filled by UsePosixServices.
+
+enum class BoxKind { Warning, Error, Question, Plain };
+enum class BoxButtons { Ok, OkCancel, YesNo, YesNoCancel, RetryCancel };
+enum class BoxAnswer { Ok = 1, Cancel = 2, Retry = 4, Yes = 6, No = 7 };
+
+struct MessageBox {
+  BoxKind Kind = BoxKind::Plain;
+  BoxButtons Buttons = BoxButtons::Ok;
+  Text Title;
+  Text Message;
+};
+
+// The common file dialog. Filter holds pairs of name and pattern, all separated by "|"; patterns by ";".
+struct FileDialog {
+  Text Title;
+  Text FileName;  // shown when it comes up
+  Text Filter;
+  int FilterIndex = 1;
+  Text DefaultExtension;
+  bool Save = false;
+};
+
+enum class MousePointer { Default, Hourglass };
+
+// WinHelp-like commands.
+enum class HelpCommand { Contents = 3, HelpOnHelp = 4 };
+
+struct ProcessStatus {
+  bool Known = false;  // false: the process can't be asked (any more)
+  Long ExitCode = 0;
+};
+
+// The exit code of a process that still runs.
+inline constexpr Long StillActive = 259;
+
+// The number of the failure "no application answers" when a host conversation is opened.
+inline constexpr int NoApplicationAnswers = 282;
+
+struct HostConversation {
+  std::function<void(const Text& Topic)> Open;  // throws a Failure; number 282: no application answers
+  std::function<void()> Close;
+  std::function<void(const Text& Command)> Execute;
+  std::function<Text(const Text& Item)> Request;
+};
+
+struct PlatformServices {
+  std::function<void(Control& Target, Property What)> ControlChanged;
+
+  std::function<BoxAnswer(const MessageBox& Box)> ShowBox;
+  std::function<std::optional<Text>(const FileDialog& Dialog)> ShowFileDialog;         // none: cancelled
+  std::function<std::optional<Colour>(Colour Current)> ShowColourDialog;               // none: cancelled
+  std::function<void(Form& Target)> RunModal;                                          // until the form is hidden
+  std::function<void()> DoEvents;  // serves pending window events; may wait some milliseconds while a process runs
+  std::function<void(MousePointer Pointer)> SetPointer;
+  std::function<void(const Text& File, HelpCommand Command)> ShowHelp;
+  std::function<Text()> GetClipboard;
+  std::function<void(const Text& Value)> SetClipboard;
+
+  std::function<Text()> DecimalSeparator;    // of the regional settings
+  std::function<bool()> OtherInstanceRuns;   // takes the instance lock as well
+  std::function<Text()> ProgramDirectory;    // of the running program, without a separator at its end
+  std::function<Text()> WinIniPath;
+
+  std::function<Long(const Text& CommandLine)> Shell;            // starts a process; its id; throws a Failure
+  std::function<Long(Long ProcessId)> OpenProcess;               // a handle, 0 for none
+  std::function<ProcessStatus(Long Handle)> GetExitCodeProcess;
+
+  HostConversation Host;
+};
+
+extern PlatformServices Platform;
+
+// Thrown by EndProgram and passed on by every routine, up to the front end's dispatch of the event.
+struct ProgramEnded {};
+
+}  // namespace zelvanor

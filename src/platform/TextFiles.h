@@ -1,0 +1,40 @@
+#pragma once
+
+#include "basic/Types.h"
+
+namespace zelvanor {
+
+// Text files under file numbers. A reader takes the whole file in when it is opened; lines end with CR LF, LF or CR.
+// A writer ends its lines with CR LF and hands its text over in large pieces, the last one when the file is closed.
+// Every routine throws a Failure with the system's text.
+
+Integer FreeFile();
+void OpenForInput(const Text& Path, Integer FileNumber);
+// Creates the file, or empties the one that is there.
+void OpenForOutput(const Text& Path, Integer FileNumber);
+
+bool AtEnd(Integer FileNumber);
+// The next line without its end; it stays valid until the file is closed. Throws "Input past end of file".
+TextView LineInput(Integer FileNumber);
+
+// What a reader has not given yet, in bytes: no list in it can be longer.
+Double RemainingBytes(Integer FileNumber);
+
+void PrintLine(Integer FileNumber, TextView Line);
+
+// Writes what is left and closes. Closing a number that is not open does nothing.
+void CloseFile(Integer FileNumber);
+// The same where a failure has been met already: no further one is reported.
+void CloseFileQuietly(Integer FileNumber);
+
+// Why the file can't be opened for reading; empty when it can.
+Text WhyUnreadable(const Text& Path);
+// Whether the file can be opened for reading.
+Flag FileExists(const Text& Path);
+
+// Copies a regular file to its own path with "~" behind it, so that a failed replacement loses nothing; does nothing
+// for other kinds of file and for one that is not there. True when there is a copy now. Throws when it can't be made.
+bool KeepFormerContent(const Text& Path);
+void DropFormerContent(const Text& Path);
+
+}  // namespace zelvanor

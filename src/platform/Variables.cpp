@@ -1,0 +1,10 @@
+#include "platform/Variables.h"
+
+namespace zelvanor {
+
+VariableTable& Variables() {
+  static VariableTable Table;
+  return Table;
+}
+
+}  // namespace zelvanor

@@ -1,0 +1,94 @@
+#include "platform/posix/PosixServices.h"
+
+#include <fcntl.h>
+#include <langinfo.h>
+#include <locale.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+
+#include "platform/Form.h"
+#include "platform/Services.h"
+#include "platform/posix/Processes.h"
+
+namespace zelvanor {
+
+namespace {
+
+Text Environment(const char* Name) {
+  const char* Value = std::getenv(Name);
+  return Value == nullptr ? Text() : Text(Value);
+}
+
+// Read from a locale object of its own: the process keeps the plain locale for its numbers.
+Text ReadDecimalSeparator() {
+  const locale_t Regional = newlocale(LC_NUMERIC_MASK, "", nullptr);
+  if (Regional == nullptr) return ".";
+  const Text Separator = nl_langinfo_l(RADIXCHAR, Regional);
+  freelocale(Regional);
+  return Separator;
+}
+
+// The lock stays with the process; the file itself is left behind and means nothing.
+bool FindOtherInstance() {
+  Text Folder = Environment("XDG_RUNTIME_DIR");
+  if (Folder.empty()) Folder = "/tmp";
+  const Text Path = Folder + "/zelvanor-" + std::to_string(getuid()) + ".lock";
+  const int Lock = open(Path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+  return Lock >= 0 && flock(Lock, LOCK_EX | LOCK_NB) != 0;
+}
+
+Text FindProgramDirectory() {
+  std::array<char, 4096> Buffer{};
+  const ssize_t Length = readlink("/proc/self/exe", Buffer.data(), Buffer.size());
+  const Text Path(Buffer.data(), Length > 0 ? static_cast<std::size_t>(Length) : 0);
+  const std::size_t Slash = Path.rfind('/');
+  return Slash == Text::npos ? "." : Path.substr(0, Slash);
+}
+
+// The user's own win.ini, else the first one in the system's directories, else where the user's own would be.
+Text FindWinIni() {
+  if (Text Named = Environment("ZELVANOR_WIN_INI"); !Named.empty()) return Named;
+  Text Home = Environment("XDG_CONFIG_HOME");
+  if (Home.empty()) Home = Environment("HOME") + "/.config";
+  const Text Own = Home + "/zelvanor/win.ini";
+  if (access(Own.c_str(), R_OK) == 0) return Own;
+  Text Folders = Environment("XDG_CONFIG_DIRS");
+  if (Folders.empty()) Folders = "/etc/xdg";
+  for (std::size_t Place = 0; Place <= Folders.size();) {
+    const std::size_t End = std::min(Folders.find(':', Place), Folders.size());
+    const Text Shared = Folders.substr(Place, End - Place) + "/zelvanor/win.ini";
+    if (End > Place && access(Shared.c_str(), R_OK) == 0) return Shared;
+    Place = End + 1;
+  }
+  return Own;
+}
+
+}  // namespace
+
+void UsePosixServices() {
+  Platform.ShowBox = [](const MessageBox& Box) { return Box.Buttons == BoxButtons::Ok ? BoxAnswer::Ok : BoxAnswer::Cancel; };
+  Platform.ShowFileDialog = [](const FileDialog&) { return std::optional<Text>(); };
+  Platform.ShowColourDialog = [](Colour) { return std::optional<Colour>(); };
+  Platform.RunModal = [](Form& Target) { HideForm(Target); };
+  Platform.DoEvents = [] {};
+  Platform.SetPointer = [](MousePointer) {};
+  Platform.ShowHelp = [](const Text&, HelpCommand) {};
+  Platform.GetClipboard = [] { return Text(); };
+  Platform.SetClipboard = [](const Text&) {};
+  Platform.DecimalSeparator = ReadDecimalSeparator;
+  Platform.OtherInstanceRuns = FindOtherInstance;
+  Platform.ProgramDirectory = FindProgramDirectory;
+  Platform.WinIniPath = FindWinIni;
+  Platform.Shell = StartProcess;
+  Platform.OpenProcess = OpenStartedProcess;
+  Platform.GetExitCodeProcess = QueryProcess;
+  Platform.Host.Open = [](const Text&) { throw Failure("No application answers", NoApplicationAnswers); };
+  Platform.Host.Close = [] {};
+  Platform.Host.Execute = [](const Text&) { throw Failure("No conversation is open"); };
+  Platform.Host.Request = [](const Text&) -> Text { throw Failure("No conversation is open"); };
+}
+
+}  // namespace zelvanor

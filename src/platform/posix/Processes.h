@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/Services.h"
+
+namespace zelvanor {
+
+// Starts the program named by the first word of the line, with the other words as its arguments; the line is split at
+// blanks and nothing is quoted, no shell stands between. Its input is empty and its output dropped. Returns the process
+// id; throws a Failure when the program can't be started.
+Long StartProcess(const Text& CommandLine);
+
+// A handle is the process id itself; 0 when no such process was started here or it has been waited for already.
+Long OpenStartedProcess(Long ProcessId);
+// Takes the process off the table once it has ended. One that a signal ended has 128 + the signal's number.
+ProcessStatus QueryProcess(Long Handle);
+
+}  // namespace zelvanor

@@ -1,0 +1,206 @@
+#include "program.h"
+
+#include "backend/Compute.h"
+#include "basic/NumberText.h"
+#include "files/FileCommands.h"
+#include "host/GetCommand.h"
+#include "platform/Paths.h"
+#include "platform/Variables.h"
+#include "settings/ColorSets.h"
+#include "settings/Settings.h"
+#include "setup/ReferenceShieldings.h"
+#include "shell/Frame.h"
+#include "shell/ShellVariables.h"
+#include "shell/frmAbout.h"
+#include "spectrum/SpectrumDrawing.h"
+#include "spectrum/SpectrumInteraction.h"
+#include "spectrum/SpectrumScale.h"
+#include "spectrum/SpectrumView.h"
+#include "workspace/Helpers.h"
+#include "workspace/Workspace.h"
+#include "workspace/WorkspaceVariables.h"
+
+namespace zelvanor {
+
+namespace {
+
+WorkspaceState& W = Workspace;
+
+constexpr const char* HostWord = "MORVANTIS";
+
+Flag StartedAlone = True;
+
+// Which handler a menu item runs. Items without a row show nothing when they are used.
+struct MenuHandler {
+  MenuItem MainForm::*Item;
+  void (*Click)();
+};
+
+constexpr MenuHandler MenuHandlers[] = {
+    {&MainForm::mnuFileNew, mnuFileNew_Click},
+    {&MainForm::mnuFileOpen, mnuFileOpen_Click},
+    {&MainForm::mnuFileSave, mnuFileSave_Click},
+    {&MainForm::mnuFileSaveAs, mnuFileSaveAs_Click},
+    {&MainForm::mnuFileGet, mnuFileGet_Click},
+    {&MainForm::mnuFileExit, mnuFileExit_Click},
+    {&MainForm::mnuViewMolecule, mnuViewMolecule_Click},
+    {&MainForm::mnuViewShielding, mnuViewShielding_Click},
+    {&MainForm::mnuViewCoupling, mnuViewCoupling_Click},
+    {&MainForm::mnuViewSpectra, mnuViewSpectra_Click},
+    {&MainForm::mnuLines, mnuLines_Click},
+    {&MainForm::mnuEnvelop, mnuEnvelop_Click},
+    {&MainForm::mnuLinesAndEnvelop, mnuLinesAndEnvelop_Click},
+    {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click},
+    {&MainForm::mnuLorentzian, mnuLorentzian_Click},
+    {&MainForm::mnuGaussian, mnuGaussian_Click},
+    {&MainForm::mnuComputeNMR, mnuComputeNMR_Click},
+    {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
+    {&MainForm::mnuComputeAll, mnuComputeAll_Click},
+    {&MainForm::mnuHelpContents, mnuHelpContents_Click},
+    {&MainForm::mnuHelpUsing, mnuHelpUsing_Click},
+    {&MainForm::mnuAbout, mnuAbout_Click},
+};
+
+void Form_QueryUnload(Flag& Cancel) {
+  if (QuerySave() != False) Cancel = True;
+}
+
+void Form_Unload() {
+  WriteSettings();
+  for (Form* Window : AllForms()) {
+    if (Window != &Main.frmNMR) HideForm(*Window);
+  }
+  EndProgram();
+}
+
+void ConnectMainForm() {
+  for (const MenuHandler& Row : MenuHandlers) (Main.*Row.Item).Click = Row.Click;
+  for (int Index = 0; Index < NumToolButtons; ++Index) {
+    Main.picToolbar[Index].Click = [Index] { picToolbar_Click(Index); };
+    Main.picToolbar[Index].MouseDown = [Index] { picToolbar_MouseDown(Index); };
+    Main.picToolbar[Index].MouseUp = [Index] { picToolbar_MouseUp(Index); };
+  }
+  Main.frmNMR.QueryUnload = Form_QueryUnload;
+  Main.frmNMR.Unload = Form_Unload;
+  Main.frmNMR.Resize = Form_Resize;
+  Main.frmNMR.KeyDown = Form_KeyDown;
+  Main.HScroll1.Change = HScroll1_Change;
+  Main.HScroll2.Change = HScroll2_Change;
+  Main.Spectrum1.MouseDown = Spectrum1_MouseDown;
+  Main.Spectrum1.MouseMove = Spectrum1_MouseMove;
+  Main.Spectrum1.MouseUp = Spectrum1_MouseUp;
+  StatusSink = [](TextView Value) { SetStatus(Main.StatusBar, Value); };
+}
+
+void ConnectRooms() {
+  Rooms.ShowSpectrumView = ShowSpectrumView;
+  Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
+  Rooms.TakeOpenedSpectrum = TakeOpenedSpectrum;
+  Rooms.LinesCommand = mnuLines_Click;
+  Rooms.EnvelopCommand = mnuEnvelop_Click;
+  Rooms.LinesAndEnvelopCommand = mnuLinesAndEnvelop_Click;
+}
+
+void ReadCommandLine(const Text& CommandLine) {
+  StartedAlone = ToFlag(CommandLine != HostWord);
+  Main.LinkMode = IsSet(StartedAlone) ? 0 : 1;
+  SetEnabled(Main.mnuFile, StartedAlone);
+}
+
+void RefuseWhereWrong() {
+  if (Platform.OtherInstanceRuns()) {
+    ShowError("Zelvanor is already running.");
+    EndProgram();
+  }
+  // Every text file of the program has "." in its numbers; under other settings they could not go to other programs.
+  Text Sample = GeneralForm(12.3);
+  Sample.replace(Sample.find('.'), 1, Platform.DecimalSeparator());
+  if (Sample != "12.3") {
+    ShowError(
+        "Sorry, Zelvanor will not run with the current Windows number format.  Please change the International Settings "
+        "using the Windows Control Panel and use \".\" for the decimal separator.");
+    EndProgram();
+  }
+}
+
+void SetFixedState() {
+  W.DocumentTitle.clear();
+  UpdateTitle();
+  Settings.MolSelectColor = Rgb(0, 255, 0);
+  Settings.MolMonochrome = 0;
+  Main.AtomLabelMode = 0;
+  SetVisible(Main.StatusBar, ToFlag(Main.frmNMR.Height > Main.ToolbarHeight));
+  W.ViewMode = MoleculeView;
+  W.MoleculeLoaded = False;
+  UpdateCommands(MoleculeView);
+  SetVisible(Main.HScroll1, False);
+  SetVisible(Main.HScroll2, False);
+  SetVisible(Main.ShieldTable, False);
+  LayOutWindow();
+  InitSpectrumView();
+  SetChecked(Main.mnuLorentzian, True);
+  SetChecked(Main.mnuGaussian, False);
+  SetChecked(Main.mnuMultipleLineWidths, False);
+  SetEnabled(Main.mnuReplace, False);
+}
+
+void SetUpTables() {
+  InitRadiusSets();
+  Settings.SelectionColor = Rgb(0, 255, 0);
+  Main.NumSelectedAtoms = 0;
+  Main.SelectedAtom.ReDim(0);
+  Main.SelectedAtomColor.ReDim(0);
+  InitColorSets();
+  InitReferenceElements();
+  W.NumReferenceElements = NumReferenceEntries - 1;
+  Main.MouseMode = 2;
+  for (int Index = 0; Index < NumToolButtons; ++Index) {
+    SetEnabled(Main.picToolbar[Index], ToFlag(Index == ToolOpen || Index == ToolGet));
+  }
+}
+
+void TakeSettings() {
+  ReadSettings();
+  SetGraphClr(Settings.SpectrumLineColor);
+  SetEnvelop(Settings.SpectrumEnvelopColor);
+  SetSelectionClr(Settings.SpectrumSelectionColor);
+  Main.HelpFile = Settings.NMRExePath + PathSeparator + "nmr.hlp";
+  Settings.PrefGraphColor = GetGraphClr();
+  Settings.PrefSelectionColor = GetSelectionClr();
+  Settings.PrefEnvelopColor = GetEnvelop();
+}
+
+}  // namespace
+
+void BuildProgram() {
+  BuildMainForm();
+  BuildAboutForm();
+  ConnectMainForm();
+  ConnectRooms();
+  AddWorkspaceVariables();
+  AddSettingsVariables();
+  AddShellVariables();
+  AddSpectrumVariables();
+  AddVariable("StartedAlone", StartedAlone);
+}
+
+void Form_Load(const Text& CommandLine) {
+  ReadCommandLine(CommandLine);
+  RefuseWhereWrong();
+  SetFixedState();
+  SetUpTables();
+  TakeSettings();
+  W.ParamDescription = "Description of NMR shielding and coupling constants";
+  W.SpectDescription = "Description of NMR Spectrum";
+  W.DocumentDirty = False;
+  SetVisible(Main.frmNMR, True);
+  mnuFileGet_Click();
+}
+
+void Form_Resize() {
+  IgnoreFailure(BeginSpectrumResize);
+  LayOutWindow();
+  IgnoreFailure(EndSpectrumResize);
+}
+
+}  // namespace zelvanor

@@ -1,0 +1,12 @@
+#pragma once
+
+namespace zelvanor {
+
+// Fills options, colours and sets from nmr.ini, with a warning for each value it refuses. A value that is no number at
+// all, or no colour, ends the program with an error box. Needs the set names and the reference elements.
+void ReadSettings();
+
+// Writes the current options and colours back to nmr.ini.
+void WriteSettings();
+
+}  // namespace zelvanor

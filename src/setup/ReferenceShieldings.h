@@ -1,0 +1,11 @@
+#pragma once
+
+namespace zelvanor {
+
+// Allocates the seven entries of the reference tables and fills 0..5 with H, C, N, O, F, P; their shieldings are 0.
+void InitReferenceElements();
+
+// Fills entries 0..5 of ReferenceElement once more.
+void FillReferenceElements();
+
+}  // namespace zelvanor

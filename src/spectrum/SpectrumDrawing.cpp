@@ -1,0 +1,299 @@
+#include "spectrum/SpectrumDrawing.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+
+#include "basic/Numbers.h"
+#include "basic/NumberText.h"
+#include "shell/Frame.h"
+#include "spectrum/Envelope.h"
+#include "spectrum/SpectrumScale.h"
+#include "spectrum/SpectrumView.h"
+#include "workspace/Workspace.h"
+
+namespace zelvanor {
+
+namespace {
+
+SpectrumViewState& V = SpectrumView;
+WorkspaceState& W = Workspace;
+
+// Rows, in pixels above the bottom of the surface.
+constexpr int AxisRow = 20;
+constexpr int MinorTickRow = 23;
+constexpr int MajorTickRow = 26;
+constexpr int FootRow = 30;
+// Peak markers hang down this share of the height from its top.
+constexpr Double MarkerShare = 20.0;
+
+constexpr Double NoWidth = 1e-20;
+constexpr Double Headroom = 1.2;
+// Peaks farther than this many windows outside the window take no part in the envelope.
+constexpr Double EnvelopeReach = 5.0;
+
+struct PeakRange {
+  Long First = 0;
+  Long Last = 0;  // behind the last
+};
+
+// Fills the work arrays of the peaks near the window. The list falls: it ends at the first peak below.
+PeakRange FillWorkArrays() {
+  const Double Span = GetHighLow();
+  const auto Top = static_cast<Single>(V.ViewHigh + EnvelopeReach * Span);
+  const auto Bottom = static_cast<Single>(V.ViewLow - EnvelopeReach * Span);
+  const Double Width = V.CurrentLineWidth;
+  Double Factor = 0;
+  if (IsSet(V.UseGaussian)) {
+    Factor = Width > NoWidth ? 2.0 / Width : 0.0;
+  } else {
+    Factor = Width > NoWidth ? Width * 0.5 : NoWidth * 0.5;
+  }
+  PeakRange Range{0, V.ViewPeakCount};
+  for (Long Peak = 0; Peak < V.ViewPeakCount; ++Peak) {
+    if (W.PeakFrequency[Peak] > Top) {
+      Range.First = Peak + 1;
+    } else if (W.PeakFrequency[Peak] < Bottom) {
+      Range.Last = Peak;
+      break;
+    } else {
+      W.PeakWork1[Peak] = ToSingle(Factor * Factor);
+      W.PeakWork2[Peak] = ToSingle(Factor * W.PeakIntensity[Peak]);
+    }
+  }
+  return Range;
+}
+
+// The largest sample.
+Double FillEnvelope(const PeakRange& Range, int NumColumns) {
+  const auto First = static_cast<std::size_t>(Range.First);
+  const auto Count = static_cast<std::size_t>(std::max(Range.Last - Range.First, 0));
+  const auto Part = [&](const Array<Single>& Values) { return Values.Span().subspan(First, Count); };
+  const EnvelopePeaks Peaks{Part(W.PeakFrequency), Part(W.PeakWork1), Part(W.PeakWork2)};
+  const std::span<Double> Samples = std::span(V.EnvelopeSamples).first(static_cast<std::size_t>(NumColumns));
+  const Double Start = V.HorizontalOffset + V.ViewLow;
+  const Double Step = GetHighLow() / NumColumns;
+  if (IsSet(V.UseGaussian)) {
+    SumGaussians(Peaks, Start, Step, Samples);
+  } else {
+    SumLorentzians(Peaks, Start, Step, Samples);
+  }
+  return Samples.empty() ? 0.0 : std::max(0.0, *std::max_element(Samples.begin(), Samples.end()));
+}
+
+void TakePeakList(bool Negate) {
+  TakeViewSize();
+  V.SpectrometerMHz = W.NMRFrequency;
+  V.ViewPeakCount = W.PeakCount;
+  if (Negate) {
+    for (Long Peak = 0; Peak < W.PeakCount; ++Peak) W.PeakFrequency[Peak] = -W.PeakFrequency[Peak];
+  }
+  NewFrequencyLimits();
+  V.ViewLow = V.FullLow;
+  V.ViewHigh = V.FullHigh;
+  FindCenterFrequency();
+  SetHorizontalScale(1.0);
+  SetFreqLabel();
+  NewMaxIntensity();
+  V.LoadedHigh = V.ViewHigh;
+  V.LoadedLow = V.ViewLow;
+  V.ListPeakCount = V.ViewPeakCount;
+  FitHorizontalScale();
+  ComputeLineWidths(true);
+}
+
+}  // namespace
+
+void TransferVBX() { TakePeakList(true); }
+
+void TakeOpenedSpectrum() {
+  IgnoreFailure([] { TakePeakList(false); });
+}
+
+void ComputeLineWidths(bool UpdateScale) {
+  if (V.DisplayMode == LinesOnly && UpdateScale) NewMaxIntensity();
+  const int NumColumns = EnvelopeColumns();
+  if (NumColumns <= 0) throw Failure(failures::DivisionByZero);
+  const Double Largest = FillEnvelope(FillWorkArrays(), NumColumns);
+  if (!UpdateScale) return;
+  const Double Scaled = Headroom * Largest;
+  V.EnvelopeScale = Scaled <= NoWidth ? 1.0 / NoWidth : int(V.ViewHeight) / Scaled;
+  NewMaxIntensity();
+}
+
+namespace {
+
+struct Pens {
+  Colour Line;
+  Colour Selection;
+  Colour Axis;
+};
+
+Pens ChoosePens() {
+  if (V.Monochrome != 0) return {Black, Black, Black};
+  return {V.GraphClr, V.SelectionClr, White};
+}
+
+void DrawLine(DrawingContext& Context, int X1, int Y1, int X2, int Y2) {
+  MoveTo(Context, X1, Y1);
+  LineTo(Context, X2, Y2);
+}
+
+// The smallest of 10000, 1000, ... 0.001 ppm at which the window has at least ten steps.
+Double ChooseTickStep(Double Range) {
+  constexpr std::array<Double, 8> Steps = {10000.0, 1000.0, 100.0, 10.0, 1.0, 0.1, 0.01, 0.001};
+  const auto Step = std::find_if(Steps.begin(), Steps.end(), [&](Double S) { return Range / S >= 10.0; });
+  return Step == Steps.end() ? Steps.back() : *Step;
+}
+
+// Rounding up, an exact whole number of 0 or more going up by one.
+Double RoundUp(Double Value) { return Value < 0 ? std::trunc(Value) : std::trunc(Value) + 1.0; }
+
+// Labels stand side by side from left to right and inside the surface: one at an end moves inwards, one without room
+// beside the label before it is left out.
+struct LabelRow {
+  int Width = 0;   // of the surface
+  int FreeFrom = 0;
+
+  void Print(DrawingContext& Context, int X, int Y, const Text& Label, Colour Pen) {
+    constexpr int LeftOfTick = 15;
+    constexpr int Gap = 4;
+    const int Room = Width - TextPixels(Label);
+    const int Place = std::clamp(X - LeftOfTick, 0, std::max(Room, 0));
+    if (Room < 0 || Place < FreeFrom) return;
+    PrintAt(Context, Place * TwipsPerPixelX, Y * TwipsPerPixelY, Label, Pen);
+    FreeFrom = Place + TextPixels(Label) + Gap;
+  }
+};
+
+void DrawTicks(DrawingContext& Context, Colour Axis, int Width, int Height) {
+  // Far more ticks than columns say that the limits are no spectrum's.
+  constexpr Double MostTicks = 100000.0;
+  constexpr std::int64_t TicksPerLabel = 10;
+  const Double Low = V.HorizontalOffset + V.ViewLow;
+  const Double High = V.HorizontalOffset + V.ViewHigh;
+  const Double Range = Divide(High - Low, V.SpectrometerMHz);
+  const Double Step = ChooseTickStep(Range);
+  if (!(Range / Step < MostTicks)) return;
+  const Double HighPpm = High / V.SpectrometerMHz;
+  const Double FirstTick = RoundUp(Low / V.SpectrometerMHz / Step);
+  if (!(std::fabs(FirstTick) < 1.0e15)) return;
+  LabelRow Labels{Width};
+  for (auto Tick = static_cast<std::int64_t>(FirstTick);; ++Tick) {
+    const Double Place = static_cast<Double>(Tick) * Step;
+    if (!(Place < HighPpm)) return;
+    const int X = FGetPeakRX(Place * V.SpectrometerMHz);
+    const bool Major = Tick % TicksPerLabel == 0;
+    DrawLine(Context, X, Height - (Major ? MajorTickRow : MinorTickRow), X, Height - AxisRow);
+    if (Major) Labels.Print(Context, X, Height - AxisRow, FormatNumber(-Place, "#0.000"), Axis);
+  }
+}
+
+// Marker and line of a peak. A line that is higher than the surface ends at its top; the selected one does not.
+void DrawPeak(DrawingContext& Context, Single Frequency, Single Intensity, int Height, bool Clip) {
+  const int X = FGetPeakRX(Frequency);
+  DrawLine(Context, X, 0, X, ToLong(Height / MarkerShare));
+  if (V.DisplayMode == EnvelopeOnly) return;
+  const int Foot = Height - FootRow;
+  const Double Tall = Intensity * V.VerticalScale;
+  DrawLine(Context, X, Foot, X, Clip && !(Tall <= Foot) ? 0 : ToLong(Foot - Tall));
+}
+
+void DrawPeaks(DrawingContext& Context, const Pens& Use, int Height) {
+  SelectPen(Context, Use.Line);
+  for (Long Peak = 0; Peak < V.ViewPeakCount; ++Peak) {
+    if (Peak != V.SelectedPeak) DrawPeak(Context, W.PeakFrequency[Peak], W.PeakIntensity[Peak], Height, true);
+  }
+  if (V.SelectedPeak < 0 || V.SelectedPeak >= V.ViewPeakCount) return;
+  const Single Frequency = W.PeakFrequency[V.SelectedPeak];
+  const Single Intensity = W.PeakIntensity[V.SelectedPeak];
+  if (Frequency == 0.0F && Intensity == 0.0F) return;
+  SelectPen(Context, Use.Selection);
+  DrawPeak(Context, Frequency, Intensity, Height, false);
+}
+
+}  // namespace
+
+void DrawSpectra() {
+  ClearPicture(Main.Spectrum1);
+  DrawingContext Context = GetDC(Main.Spectrum1);
+  IgnoreFailure([&] { PaintSpectrum(Context); });
+  ReleaseDC(Context);
+}
+
+void PaintSpectrum(DrawingContext& Context) {
+  const Pens Use = ChoosePens();
+  TakeViewSize();
+  const int Width = V.ViewWidth;
+  const int Height = V.ViewHeight;
+  SelectPen(Context, Use.Axis);
+  DrawLine(Context, 0, Height - AxisRow, Width, Height - AxisRow);
+  DrawTicks(Context, Use.Axis, Width, Height);
+  if (V.CurrentLineWidth != 0.0F && V.DisplayMode != LinesOnly) DrawWithLineWidths(Context);
+  DrawPeaks(Context, Use, Height);
+}
+
+void DrawWithLineWidths(DrawingContext& Context) {
+  if (V.DisplayMode == LinesOnly) return;
+  const Colour Former = SelectPen(Context, V.EnvelopClr);
+  const int Height = V.ViewHeight;
+  const int NumColumns = EnvelopeColumns();
+  bool Clipped = false;
+  for (int Column = 0; Column < NumColumns; ++Column) {
+    const Double Tall = V.EnvelopeScale * V.EnvelopeSamples[static_cast<std::size_t>(Column)];
+    int Row = 0;
+    if (!(Tall > Height - FootRow)) {
+      Clipped = false;
+      const Long Rounded = ToLong(Tall);
+      Row = Height - FootRow - (Rounded == 0 ? 1 : Rounded);
+    }
+    // Columns are samples, unless the view is wider than the samples reach: then these spread over it.
+    const int X = NumColumns == V.ViewWidth ? Column : ToLong(Double(Column) * int(V.ViewWidth) / NumColumns);
+    if (Column == 0 || Clipped) {
+      MoveTo(Context, X, Row);
+    } else if (Row > 0) {
+      LineTo(Context, X, Row);
+    } else {
+      LineTo(Context, X, 0);
+      Clipped = true;
+    }
+  }
+  SelectPen(Context, Former);
+}
+
+namespace {
+
+void ChooseDisplay(SpectrumDisplay Mode) {
+  if (!IsSet(Main.Spectrum1.Visible)) EnterSpectrumView();
+  V.DisplayMode = Mode;
+  SetVisible(Main.mnuViewWidths, ToFlag(Mode != LinesOnly));
+  SetChecked(Main.mnuLines, ToFlag(Mode == LinesOnly));
+  SetChecked(Main.mnuEnvelop, ToFlag(Mode == EnvelopeOnly));
+  SetChecked(Main.mnuLinesAndEnvelop, ToFlag(Mode == LinesAndEnvelope));
+  SetCaption(Main.mnuViewValues, SpectralValuesCaption);
+  IgnoreFailure([] { ComputeLineWidths(true); });
+  RefreshView();
+}
+
+void ChooseLineShape(MenuItem& Chosen, MenuItem& Other, Flag Gaussian) {
+  if (IsSet(Chosen.Checked)) return;
+  SetChecked(Chosen, True);
+  SetChecked(Other, False);
+  V.UseGaussian = Gaussian;
+  IgnoreFailure([] { ComputeLineWidths(true); });
+  RefreshView();
+}
+
+}  // namespace
+
+void mnuLines_Click() { ChooseDisplay(LinesOnly); }
+void mnuEnvelop_Click() { ChooseDisplay(EnvelopeOnly); }
+void mnuLinesAndEnvelop_Click() { ChooseDisplay(LinesAndEnvelope); }
+void mnuGaussian_Click() { ChooseLineShape(Main.mnuGaussian, Main.mnuLorentzian, True); }
+void mnuLorentzian_Click() { ChooseLineShape(Main.mnuLorentzian, Main.mnuGaussian, False); }
+void mnuMultipleLineWidths_Click() {
+  SetChecked(Main.mnuMultipleLineWidths, ToFlag(!IsSet(Main.mnuMultipleLineWidths.Checked)));
+}
+
+}  // namespace zelvanor

@@ -1,0 +1,206 @@
+#include "spectrum/SpectrumInteraction.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "basic/Numbers.h"
+#include "shell/Frame.h"
+#include "spectrum/SpectrumDrawing.h"
+#include "spectrum/SpectrumScale.h"
+#include "spectrum/SpectrumView.h"
+#include "workspace/Helpers.h"
+#include "workspace/Workspace.h"
+
+namespace zelvanor {
+
+namespace {
+
+SpectrumViewState& V = SpectrumView;
+WorkspaceState& W = Workspace;
+
+// A drag of this many pixels is a zoom, a shorter one a pick.
+constexpr int LeastDragPixels = 4;
+constexpr Double WidthPerBarStep = 0.005;
+// A window under this many MHz-ths, that is 0.001 ppm, does not change the scale.
+constexpr Double LeastZoomPpm = 0.001;
+
+bool IsPickedInList() { return V.PickedPeak >= 0 && V.PickedPeak < V.ListPeakCount; }
+
+void RepeatReadout() {
+  if (IsPickedInList()) {
+    ShowPeakReadout(V.PickedPeak);
+  } else {
+    ShowStatus("");
+  }
+}
+
+// The width that the bar stands for, as a share of the window.
+void TakeRelativeLineWidth() {
+  V.CurrentLineWidth = ToSingle(GetHighLow() * Main.HScroll2.Value * WidthPerBarStep);
+}
+
+void ResetView() {
+  V.HorizontalOffset = 0;
+  SetValue(Main.HScroll1, 0);
+  SetChanges(Main.HScroll1, 10, 1000);
+  V.MaxIntensity = 0;
+  SetHorizontalScale(1.0);
+  V.ViewLow = V.FullLow;
+  V.ViewHigh = V.FullHigh;
+  TakeRelativeLineWidth();
+  IgnoreFailure([] { ComputeLineWidths(true); });
+  RefreshView();
+}
+
+void GiveLineWidth(Long Peak) {
+  W.PeakLineWidth[Peak] = V.CurrentLineWidth;
+  V.Linewidth = V.CurrentLineWidth;
+}
+
+// Who gets the new width: every peak, with multiple widths the picked one alone, or without a pick those of the list's
+// own window.
+void SpreadLineWidth() {
+  if (IsSet(Main.mnuMultipleLineWidths.Checked) && IsPickedInList()) return GiveLineWidth(V.PickedPeak);
+  const bool All = !IsSet(Main.mnuMultipleLineWidths.Checked);
+  for (Long Peak = 0; Peak < V.ListPeakCount; ++Peak) {
+    const Double Frequency = W.PeakFrequency[Peak];
+    if (All || (V.LoadedLow < Frequency && Frequency < V.LoadedHigh)) GiveLineWidth(Peak);
+  }
+}
+
+void EndDrag(Single X) {
+  Integer Place = ToInteger(X);
+  const int Distance = std::abs(int(V.BandStartX) - int(Place));
+  if (LeastDragPixels * TwipsPerPixelX <= Distance) {
+    Integer Low = MinInteger(V.BandStartX, Place);
+    Integer High = MaxInteger(V.BandStartX, Place);
+    ZoomIn(Low, High);
+  } else if (FPickPeak(Place)) {
+    RefreshView();
+  }
+}
+
+}  // namespace
+
+void Spectrum1_MouseDown(int Button, int /*Shift*/, Single X, Single Y) {
+  if (Button != LeftButton) return ResetView();
+  V.BandStartX = V.BandEndX = ToInteger(X);
+  V.BandStartY = V.BandEndY = ToInteger(Y);
+  V.BandActive = True;
+}
+
+void Spectrum1_MouseMove(int /*Button*/, int /*Shift*/, Single X, Single Y) {
+  if (!IsSet(V.BandActive)) return;
+  V.BandEndX = ToInteger(X);
+  V.BandEndY = ToInteger(Y);
+}
+
+void Spectrum1_MouseUp(int /*Button*/, int /*Shift*/, Single X, Single /*Y*/) {
+  if (!IsSet(V.BandActive)) return;
+  IgnoreFailure([X] { EndDrag(X); });
+  V.BandActive = False;
+}
+
+void HScroll1_Change() {
+  V.HorizontalOffset = -Main.HScroll1.Value;
+  IgnoreFailure(NewMaxIntensity);
+  IgnoreFailure([] { ComputeLineWidths(true); });
+  RefreshView();
+}
+
+void HScroll2_Change() {
+  if (IsSet(W.AbsLineWidth)) {
+    V.CurrentLineWidth = static_cast<Single>(Main.HScroll2.Value);
+  } else {
+    TakeRelativeLineWidth();
+  }
+  if (!IsSet(V.LineWidthBarLive)) return;
+  SpreadLineWidth();
+  IgnoreFailure([] { ComputeLineWidths(true); });
+  ShowSpectrumView();
+  RepeatReadout();
+  RefreshView();
+}
+
+void ZoomIn(Integer& Low, Integer& High) {
+  Low = ToInteger(Double(Low) / TwipsPerPixelX);
+  High = ToInteger(Double(High) / TwipsPerPixelX);
+  const auto FrequencyAt = [](Integer Pixel) {
+    return Divide(Pixel + Double(V.HorizontalOffset), V.HorizontalScale) + V.ViewLow;
+  };
+  const Double Width = FrequencyAt(High) - FrequencyAt(Low);
+  if (std::fabs(V.SpectrometerMHz * LeastZoomPpm) <= Width) V.HorizontalScale = int(V.ViewWidth) / Width;
+  const Double Step = Divide(GetHighLow(), int(V.ViewWidth));
+  const Double NewLow = Step * int(Low) + V.ViewLow;
+  const Double NewHigh = Step * int(High) + V.ViewLow;
+  Spectrum1_ZoomChanged(NewLow, NewHigh);
+  V.ViewLow = NewLow;
+  V.ViewHigh = NewHigh;
+  V.HorizontalOffset = 0;
+  SetValue(Main.HScroll1, 0);
+  NewMaxIntensity();
+  ComputeLineWidths(true);
+  DrawSpectra();
+}
+
+void Spectrum1_ZoomChanged(Double ZoomLow, Double ZoomHigh) {
+  const Double Share = Divide(std::fabs(ZoomHigh - ZoomLow), V.FrequencyRange);
+  const int LargeChange = Share <= 0.001 ? 1 : int(ToInteger(Share * 1000.0));
+  const int SmallChange = Share <= 0.1 ? 1 : int(ToInteger(Share * 10.0));
+  SetChanges(Main.HScroll1, SmallChange, LargeChange);
+  RepeatReadout();
+}
+
+bool FPickPeak(Integer X) {
+  const Long Pixel = ToLong(Double(X) / TwipsPerPixelX);
+  Long Nearest = 0;
+  Long LeastDistance = int(V.ViewWidth);
+  for (Long Peak = 0; Peak < V.ViewPeakCount; ++Peak) {
+    if (W.PeakFrequency[Peak] == 0.0F && W.PeakIntensity[Peak] == 0.0F) continue;
+    const Long Distance = std::abs(FGetPeakRX(W.PeakFrequency[Peak]) - Pixel);
+    if (Distance < LeastDistance) {
+      Nearest = Peak;
+      LeastDistance = Distance;
+    }
+  }
+  if (Nearest == V.SelectedPeak) {
+    V.SelectedPeak = -1;
+    return false;
+  }
+  V.SelectedPeak = Nearest;
+  ShowPeakReadout(Nearest);
+  return true;
+}
+
+void ShowPeakReadout(Long Peak) {
+  if (Peak < 0) {
+    V.PickedPeak = -1;
+    return ShowStatus("");
+  }
+  V.PickedPeak = Peak;
+  const Single Frequency = W.PeakFrequency[Peak] == 0.0F ? 0.0F : -W.PeakFrequency[Peak];
+  const Single Shift = ToSingle(Divide(Frequency, W.NMRFrequency));
+  ShowStatus(Join("Shift=", FormatNumber(Shift, "######.000"), " ppm", "  Freq=", Frequency,
+                  " Hz  Inten=", W.PeakIntensity[Peak], "  Degen=", W.PeakDegeneracy[Peak],
+                  "  Width=", W.PeakLineWidth[Peak]));
+}
+
+void IntegrateRange(Single Low, Single High) {
+  Double Sum = 0;
+  for (Long Peak = 0; Peak < V.ListPeakCount; ++Peak) {
+    const Single Frequency = W.PeakFrequency[Peak];
+    if (-Low < Frequency && Frequency < -High) Sum += W.PeakIntensity[Peak];
+  }
+  const Double Equivalent = Divide(int(W.NumSpinHalfAtoms) * Sum, V.TotalIntensity);
+  Text Name = W.ReferenceElementName[W.SpectraType];
+  std::transform(Name.begin(), Name.end(), Name.begin(),
+                 [](char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C - 'A' + 'a') : C; });
+  const auto Ppm = [](Single Frequency) {
+    return FormatNumber(Divide(-Double{Frequency}, W.NMRFrequency), "0.000");
+  };
+  ShowStatus(Join("Integrated intensity from ", Ppm(Low), " to ", Ppm(High), " ppm equivalent to ",
+                  FormatNumber(Equivalent, "0.0"), " ", Name, "(s)."));
+}
+
+}  // namespace zelvanor

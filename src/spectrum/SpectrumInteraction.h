@@ -1,0 +1,25 @@
+#pragma once
+
+#include "basic/Types.h"
+
+namespace zelvanor {
+
+// The spectrum by hand. Mouse positions are in twips of the surface.
+void Spectrum1_MouseDown(int Button, int Shift, Single X, Single Y);
+void Spectrum1_MouseMove(int Button, int Shift, Single X, Single Y);
+void Spectrum1_MouseUp(int Button, int Shift, Single X, Single Y);
+// The pan bar and the line width bar have moved.
+void HScroll1_Change();
+void HScroll2_Change();
+
+// Zooms to a range of the window now shown; twips on entry, pixels on return.
+void ZoomIn(Integer& Low, Integer& High);
+void Spectrum1_ZoomChanged(Double ZoomLow, Double ZoomHigh);
+// Selects the peak nearest to a place; true when it is another one than before.
+bool FPickPeak(Integer X);
+// Puts the read-out of a peak into the status line; -1 clears it.
+void ShowPeakReadout(Long Peak);
+// Tells the intensity between two frequencies (Hz, in the sign of the read-out), as a number of observed nuclei.
+void IntegrateRange(Single Low, Single High);
+
+}  // namespace zelvanor

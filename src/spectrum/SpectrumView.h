@@ -1,0 +1,73 @@
+#pragma once
+
+#include <array>
+
+#include "basic/Types.h"
+#include "platform/Controls.h"
+
+namespace zelvanor {
+
+// An envelope has one sample for each pixel column, up to this many.
+inline constexpr int MaxEnvelopeSamples = 1282;
+
+enum SpectrumDisplay { LinesOnly = 0, EnvelopeOnly = 1, LinesAndEnvelope = 2 };
+
+// The state of the spectrum view. Frequencies are in Hz and in the view's sign, that is negated: they rise from left to
+// right while the chemical shift falls.
+struct SpectrumViewState {
+  Integer ViewWidth;  // pixels
+  Integer ViewHeight;
+  Long ViewPeakCount = 0;
+  Long ListPeakCount = 0;  // the limit of the loops over picked and integrated peaks
+  Flag UseGaussian = False;
+  Integer DisplayMode;
+  Long SelectedPeak = 0;  // drawn in the selection colour; -1 for none
+  Double Linewidth = 0;  // Hz, last one given to a peak
+  Double LoadedHigh = 0;
+  Double LoadedLow = 0;
+  Double FullLow = 0;  // limits of the whole spectrum, margin included
+  Double FullHigh = 0;
+  Double ViewLow = 0;  // limits of the window, before panning
+  Double ViewHigh = 0;
+  Double CenterFrequency = 0;
+  Double MaxIntensity = 0;     // 1.2 times the tallest line in the window
+  Double VerticalScale = 0;    // pixels per unit of intensity
+  Double EnvelopeScale = 0;    // pixels per unit of envelope
+  Long HorizontalOffset = 0;   // Hz, panning: added to both limits of the window
+  Double HorizontalScale = 0;  // pixels per Hz
+  Double SpectrometerMHz = 0;  // of the peak list at hand
+  Long SpectrometerFrequency = 0;  // MHz, as last told
+  Colour GraphClr = 0;
+  Colour EnvelopClr = White;
+  Colour SelectionClr = 0;
+  Integer Monochrome;
+  Integer BandStartX, BandStartY, BandEndX, BandEndY;  // twips
+  Flag BandActive = False;
+
+  Single CurrentLineWidth = 0;  // Hz
+  Double FrequencyRange = 0;    // -1 while another view is refreshed
+  Double TotalIntensity = 0;
+  Flag LineWidthBarLive = False;
+  Long PickedPeak = 0;  // of the read-out; -1 for none
+  std::array<Double, MaxEnvelopeSamples> EnvelopeSamples{};
+};
+
+extern SpectrumViewState SpectrumView;
+
+// Start values of the state and of the spectrum's controls.
+void InitSpectrumView();
+void AddSpectrumVariables();
+
+// Samples that the envelope of the present view has.
+int EnvelopeColumns();
+
+// Colours and monochrome display; none of them redraws.
+void SetEnvelop(Colour Value);
+Colour GetEnvelop();
+void SetSelectionClr(Colour Value);
+Colour GetSelectionClr();
+void SetGraphClr(Colour Value);
+Colour GetGraphClr();
+void SetMonochrome(Integer Value);
+
+}  // namespace zelvanor

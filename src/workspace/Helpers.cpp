@@ -1,0 +1,93 @@
+#include "workspace/Helpers.h"
+
+#include <algorithm>
+#include <array>
+
+#include "basic/Numbers.h"
+#include "workspace/Workspace.h"
+
+namespace zelvanor {
+
+std::function<void(TextView)> StatusSink;
+
+namespace {
+
+constexpr std::array<const char*, 104> Symbols = {
+    "Lp", "H",  "He", "Li", "Be", "B",  "C",  "N",  "O",  "F",  "Ne", "Na", "Mg", "Al", "Si", "P",  "S",  "Cl",
+    "Ar", "K",  "Ca", "Sc", "Ti", "V",  "Cr", "Mn", "Fe", "Co", "Ni", "Cu", "Zn", "Ga", "Ge", "As", "Se", "Br",
+    "Kr", "Rb", "Sr", "Y",  "Zr", "Nb", "Mo", "Tc", "Ru", "Rh", "Pd", "Ag", "Cd", "In", "Sn", "Sb", "Te", "I",
+    "Xe", "Cs", "Ba", "La", "Ce", "Pr", "Nd", "Pm", "Sm", "Eu", "Gd", "Tb", "Dy", "Ho", "Er", "Tm", "Yb", "Lu",
+    "Hf", "Ta", "W",  "Re", "Os", "Ir", "Pt", "Au", "Hg", "Tl", "Pb", "Bi", "Po", "At", "Rn", "Fr", "Ra", "Ac",
+    "Th", "Pa", "U",  "Np", "Pu", "Am", "Cm", "Bk", "Cf", "Es", "Fm", "Md", "No", "Lr"};
+
+constexpr const char* Separators = " \t";
+
+BoxAnswer ShowBox(BoxKind Kind, BoxButtons Buttons, Text Message) {
+  return Platform.ShowBox({Kind, Buttons, ProgramTitle, std::move(Message)});
+}
+
+}  // namespace
+
+Integer NextTokenStart(TextView Value, Integer From) {
+  const std::size_t Place = Value.find_first_not_of(Separators, static_cast<std::size_t>(From - 1));
+  return Place == TextView::npos ? Integer(0) : ToInteger(static_cast<Double>(Place) + 1);
+}
+
+Integer NextTokenEnd(TextView Value, Integer From) {
+  const std::size_t Place = Value.find_first_of(Separators, static_cast<std::size_t>(From - 1));
+  return ToInteger(static_cast<Double>(std::min(Place, Value.size())) + 1);
+}
+
+Integer Tokenize(TextView Value) {
+  // The loop of NextTokenStart and NextTokenEnd, on plain offsets: lines may be longer than an Integer counts.
+  Array<Text>& Tokens = Workspace.Tokens;
+  const auto Separates = [](char C) { return C == ' ' || C == '\t'; };
+  Integer Count = 0;
+  auto Place = Value.begin();
+  for (;;) {
+    Place = std::find_if_not(Place, Value.end(), Separates);
+    if (Place == Value.end()) return Count;
+    const auto End = std::find_if(Place, Value.end(), Separates);
+    ++Count;
+    Tokens.ReDimPreserve(Count + 1);
+    Tokens[Count].assign(Place, End);
+    Place = End;
+  }
+}
+
+Text ElementSymbol(int Number) {
+  return Number >= 0 && Number < static_cast<int>(Symbols.size()) ? Symbols[static_cast<std::size_t>(Number)] : "??";
+}
+
+Integer ElementNumber(TextView Symbol) {
+  const auto Entry =
+      std::find_if(Symbols.begin(), Symbols.end(), [&](const char* Name) { return EqualsIgnoringCase(Name, Symbol); });
+  if (Entry != Symbols.end()) return {static_cast<int>(Entry - Symbols.begin())};
+  return Symbol == "??" ? Integer(static_cast<int>(Symbols.size())) : Integer(-1);
+}
+
+Flag BoolFromText(TextView Value) {
+  constexpr std::array<const char*, 5> Words = {"Y", "YES", "TRUE", "T", "1"};
+  return ToFlag(std::any_of(Words.begin(), Words.end(),
+                            [&](const char* Word) { return EqualsIgnoringCase(Word, Value); }));
+}
+
+Text TextFromBool(int Value) { return Value == True ? "Yes" : "No"; }
+
+void ShowStatus(TextView Value) {
+  if (StatusSink) StatusSink(" " + Text(Value));
+}
+
+void ShowWarning(TextView Message) { ShowBox(BoxKind::Warning, BoxButtons::Ok, "WARNING: " + Text(Message)); }
+void ShowError(TextView Message) { ShowBox(BoxKind::Error, BoxButtons::Ok, "ERROR: " + Text(Message)); }
+BoxAnswer AskYesNo(TextView Message) { return ShowBox(BoxKind::Question, BoxButtons::YesNo, Text(Message)); }
+BoxAnswer AskYesNoCancel(TextView Message) {
+  return ShowBox(BoxKind::Question, BoxButtons::YesNoCancel, Text(Message));
+}
+BoxAnswer AskOkCancel(TextView Message) { return ShowBox(BoxKind::Question, BoxButtons::OkCancel, Text(Message)); }
+
+void WarnOfFailure(const Failure& Problem) { ShowWarning(Problem.What + "."); }
+
+void EndProgram() { throw ProgramEnded(); }
+
+}  // namespace zelvanor

@@ -1,0 +1,130 @@
+#include "workspace/Workspace.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "basic/Numbers.h"
+
+namespace zelvanor {
+
+WorkspaceState Workspace;
+
+namespace {
+constexpr std::array<int, 6> ReferenceNumbers = {1, 6, 7, 8, 9, 15};
+// SpectrumSpan lies this many times farther out than the largest shift.
+constexpr Double SpanFactor = 10000.0;
+}  // namespace
+
+void AllocateAtomTable(int NumAtoms) {
+  WorkspaceState& W = Workspace;
+  W.AtomNumber.ReDim(NumAtoms);
+  W.AtomName.ReDim(NumAtoms);
+  W.AtomicNumber.ReDim(NumAtoms);
+  W.AtomElement.ReDim(NumAtoms);
+  W.AtomType.ReDim(NumAtoms);
+  W.AtomFlags.ReDim(NumAtoms);
+  W.AtomCharge.ReDim(NumAtoms);
+  W.AtomX.ReDim(NumAtoms);
+  W.AtomY.ReDim(NumAtoms);
+  W.AtomZ.ReDim(NumAtoms);
+  W.AtomCoordination.ReDim(NumAtoms);
+  W.AtomNeighbour.ReDim(NumAtoms, MaxCoordination);
+  W.AtomBondType.ReDim(NumAtoms, MaxCoordination);
+  W.AtomMolecule.ReDim(NumAtoms);
+  W.AtomInMolecule.ReDim(NumAtoms);
+}
+
+void ClearWorkspace() {
+  WorkspaceState& W = Workspace;
+  W.NumAtoms = W.NumMolecules = W.NumQuantumAtoms = W.NumNMRAtoms = W.NumLabelledAtoms = W.NumEquivalentSets = 0;
+  AllocateAtomTable(0);
+  W.MoleculeAtomCount.ReDim(0);
+  W.QuantumAtom.ReDim(0);
+  W.NMRAtom.ReDim(0);
+  W.LabelledAtom.ReDim(0);
+  W.NMRAtomicNumber.ReDim(0);
+  W.Shielding.ReDim(0);
+  W.ChemicalShift.ReDim(0);
+  W.Coupling.ReDim(0, 0);
+  for (int Set = 0; Set < NumSavedSets; ++Set) W.EquivalentSetSize[Set] = 0;
+  W.NMRAtomsValid = W.ShieldingAvailable = W.CouplingAvailable = False;
+}
+
+void AllocatePeaks(int NumPeaks) {
+  WorkspaceState& W = Workspace;
+  W.PeakFrequency.ReDim(NumPeaks);
+  W.PeakIntensity.ReDim(NumPeaks);
+  W.PeakDegeneracy.ReDim(NumPeaks);
+  W.PeakLineWidth.ReDim(NumPeaks);
+  W.PeakWork1.ReDim(NumPeaks);
+  W.PeakWork2.ReDim(NumPeaks);
+}
+
+void ClearSpectrum() {
+  AllocatePeaks(0);
+  Workspace.SpectraAvailable = False;
+}
+
+void ExtendForResults() {
+  WorkspaceState& W = Workspace;
+  W.AtomNumber.ReDimPreserve(W.NumNMRAtoms);
+  W.AtomName.ReDimPreserve(W.NumNMRAtoms);
+  W.AtomicNumber.ReDimPreserve(W.NumNMRAtoms);
+  W.AtomElement.ReDimPreserve(W.NumNMRAtoms);
+  W.AtomType.ReDimPreserve(W.NumNMRAtoms);
+  W.AtomInMolecule.ReDimPreserve(W.NumNMRAtoms);
+  W.AtomMolecule.ReDimPreserve(W.NumNMRAtoms);
+  W.MoleculeAtomCount.ReDimPreserve(W.NumMolecules + 1);
+}
+
+bool IsLabelled(int AtomNumber) {
+  for (int Place = 0; Place < Workspace.NumLabelledAtoms; ++Place) {
+    if (Workspace.LabelledAtom[Place] == AtomNumber) return true;
+  }
+  return false;
+}
+
+int ReferenceEntryOf(int AtomicNumber) {
+  return static_cast<int>(std::find(ReferenceNumbers.begin(), ReferenceNumbers.end(), AtomicNumber) -
+                          ReferenceNumbers.begin());
+}
+
+void ComputeChemicalShifts() {
+  WorkspaceState& W = Workspace;
+  Double Largest = 1.0;
+  for (int Atom = 0; Atom < W.NumNMRAtoms; ++Atom) {
+    const int Entry = ReferenceEntryOf(W.NMRAtomicNumber[Atom]);
+    W.ChemicalShift[Atom] = ToSingle(Double{W.ReferenceShielding[Entry]} - W.Shielding[Atom]);
+    Largest = std::max(Largest, std::fabs(Double{W.ChemicalShift[Atom]}));
+  }
+  const Double Sign = W.NMRFrequency < 0 ? -1.0 : 1.0;
+  W.SpectrumSpan = ToLong(Largest * SpanFactor * Sign);
+}
+
+bool IsObservedNucleus(int AtomicNumber, bool Labelled, int SpectraType) {
+  if (SpectraType < 0 || SpectraType >= static_cast<int>(ReferenceNumbers.size())) return false;
+  if (AtomicNumber != ReferenceNumbers[static_cast<std::size_t>(SpectraType)]) return false;
+  switch (AtomicNumber) {
+    case 1:
+      return !Labelled;
+    case 6:
+    case 7:
+    case 8:
+      return Labelled;
+    default:
+      return true;
+  }
+}
+
+void CountSpinHalfAtoms() {
+  WorkspaceState& W = Workspace;
+  W.NumSpinHalfAtoms = W.NumNMRAtoms;
+  if (W.SpectraType < 0 || W.SpectraType >= static_cast<int>(ReferenceNumbers.size())) return;
+  W.NumSpinHalfAtoms = 0;
+  for (int Atom = 0; Atom < W.NumNMRAtoms; ++Atom) {
+    if (IsObservedNucleus(W.NMRAtomicNumber[Atom], IsLabelled(W.NMRAtom[Atom]), W.SpectraType)) ++W.NumSpinHalfAtoms;
+  }
+}
+
+}  // namespace zelvanor

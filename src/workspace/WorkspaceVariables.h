@@ -1,0 +1,8 @@
+#pragma once
+
+namespace zelvanor {
+
+// Makes the document's variables known by name.
+void AddWorkspaceVariables();
+
+}  // namespace zelvanor
