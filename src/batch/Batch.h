@@ -1,0 +1,99 @@
+#pragma once
+
+#include <deque>
+#include <fstream>
+#include <optional>
+#include <vector>
+
+#include "basic/Types.h"
+#include "platform/Form.h"
+#include "platform/Services.h"
+
+namespace zelvanor::batch {
+
+// How a script ended, as the process's exit status.
+enum ExitStatus { RanToItsEnd = 0, ExpectationFailed = 1, CannotCarryOut = 2, NoAnswerQueued = 3 };
+
+// Ends the script at once with this status; Reason goes to standard error behind the line's number.
+struct ScriptStop {
+  ExitStatus Status;
+  Text Reason;
+};
+
+// One argument of a script line.
+struct Argument {
+  Text Value;
+  bool WasQuoted = false;
+};
+
+struct ShownBox {
+  Text Kind;
+  Text Message;
+};
+
+struct BatchState {
+  std::istream* Script = nullptr;
+  int LineNumber = 0;
+  Text CommandLine;  // of the program itself
+  bool Started = false;
+  bool Ended = false;  // the program has ended itself
+  bool KeepGoing = false;
+  bool Trace = false;
+  ExitStatus Status = RanToItsEnd;
+
+  std::deque<BoxAnswer> Answers;
+  std::deque<std::optional<Text>> Files;  // none: the dialog is cancelled
+  std::deque<std::optional<Colour>> Colours;
+  std::deque<ShownBox> Boxes;  // not yet expected
+  Text Clipboard;
+  Text DecimalSeparator = ".";
+  bool OtherInstance = false;
+  int MouseButton = 0;  // held down on a surface
+};
+
+extern BatchState State;
+
+// Runs the script from where it stands; with a form, only until the form is hidden.
+void RunScript(const Form* Until);
+// Runs the whole script and returns the exit status.
+ExitStatus RunWholeScript(std::istream& Script, const Text& CommandLine);
+
+// One line of output, seen at once by whoever reads it.
+void PrintOut(TextView Line);
+// A text in double quotes with the escapes of scripts.
+Text Escaped(TextView Value);
+// Splits a script line. Throws ScriptStop for an open quote or an unknown escape.
+std::vector<Argument> SplitArguments(TextView Line);
+
+// Carries out one command; throws ScriptStop where it can't.
+void RunCommand(const std::vector<Argument>& Words);
+
+// Fills the slots of Platform for a run without a display.
+void UseBatchServices();
+
+// A value as scripts print and compare it: one element, or those of a whole array.
+struct ScriptValue {
+  std::vector<Text> Elements;
+  bool IsText = false;
+  bool IsArray = false;
+};
+
+Text PrintedValue(const ScriptValue& Value);
+// The variable of a name such as "Coupling[0,1]"; throws ScriptStop for an unknown one.
+ScriptValue ReadVariable(const Text& Name);
+void AssignVariable(const Text& Name, const Text& Value);
+bool IsVariable(const Text& Name);
+// A control's property, by "CONTROL.PROPERTY".
+ScriptValue ReadProperty(const Text& Name);
+// The control of this name; throws ScriptStop for an unknown one.
+Control& NeedControl(const Text& Name);
+
+// Compares with what a script line says behind "=": numbers to 7 digits, texts exactly.
+bool Matches(const ScriptValue& Actual, const std::vector<Argument>& Expected);
+
+// Writes the picture of the view; the ending of the path decides on the form. Throws ScriptStop.
+void WriteView(const Text& Path);
+// Writes the peak list as CSV or JCAMP-DX. Throws ScriptStop.
+void SavePeaks(const Text& Path);
+
+}  // namespace zelvanor::batch

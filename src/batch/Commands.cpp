@@ -1,0 +1,223 @@
+#include <time.h>
+
+#include <algorithm>
+#include <map>
+
+#include "basic/NumberText.h"
+#include "basic/Numbers.h"
+#include "batch/Batch.h"
+#include "batch/Expect.h"
+#include "batch/UserActions.h"
+#include "program.h"
+#include "shell/Frame.h"
+
+namespace zelvanor::batch {
+
+namespace {
+
+using Words = std::vector<Argument>;
+
+void Start(const Words& /*All*/) {
+  if (State.Started) throw ScriptStop{CannotCarryOut, "the program has started already"};
+  State.Started = true;
+  Form_Load(State.CommandLine);
+}
+
+void Quit(const Words& /*All*/) {
+  if (!UnloadForm(Main.frmNMR)) return;
+}
+
+void Size(const Words& All) {
+  Main.frmNMR.Width = TwipsFromPixels(NeedNumber(All, 1));
+  Main.frmNMR.Height = TwipsFromPixels(NeedNumber(All, 2));
+  if (State.Started) Fire(Main.frmNMR.Resize);
+}
+
+void QueueAnswers(const Words& All) {
+  static const std::map<Text, BoxAnswer> Names = {{"yes", BoxAnswer::Yes},
+                                                  {"no", BoxAnswer::No},
+                                                  {"cancel", BoxAnswer::Cancel},
+                                                  {"ok", BoxAnswer::Ok},
+                                                  {"retry", BoxAnswer::Retry}};
+  for (std::size_t Word = 1; Word < All.size(); ++Word) {
+    const auto Entry = Names.find(All[Word].Value);
+    if (Entry == Names.end()) throw ScriptStop{CannotCarryOut, "there is no answer " + All[Word].Value};
+    State.Answers.push_back(Entry->second);
+  }
+}
+
+bool IsCancel(const Argument& Word) { return Word.Value == "cancel" && !Word.WasQuoted; }
+
+void QueueFile(const Words& All) {
+  if (IsCancel(All[1])) {
+    State.Files.emplace_back();
+  } else {
+    State.Files.emplace_back(All[1].Value);
+  }
+}
+
+void QueueColour(const Words& All) {
+  if (IsCancel(All[1])) {
+    State.Colours.emplace_back();
+  } else {
+    State.Colours.emplace_back(Rgb(NeedNumber(All, 1), NeedNumber(All, 2), NeedNumber(All, 3)));
+  }
+}
+
+void ClipboardCommand(const Words& All) {
+  if (All.size() > 1) {
+    State.Clipboard = All[1].Value;
+  } else {
+    PrintOut(Escaped(State.Clipboard));
+  }
+}
+
+void BeforeStart(const char* What) {
+  if (State.Started) throw ScriptStop{CannotCarryOut, Text(What) + " comes before start"};
+}
+
+void LocaleCommand(const Words& All) {
+  BeforeStart("locale");
+  State.DecimalSeparator = All[1].Value;
+}
+
+void Instance(const Words& /*All*/) {
+  BeforeStart("instance");
+  State.OtherInstance = true;
+}
+
+void HostCommand(const Words& All) {
+  // Unless told, no host is there: so this is what it says already.
+  if (All[1].Value != "none" || All.size() > 2) throw ScriptStop{CannotCarryOut, "only `host none` is known"};
+}
+
+void Get(const Words& All) { PrintOut(All[1].Value + " = " + PrintedValue(ReadProperty(All[1].Value))); }
+void Print(const Words& All) { PrintOut(All[1].Value + " = " + PrintedValue(ReadVariable(All[1].Value))); }
+
+void Let(const Words& All) {
+  if (All[2].Value != "=") throw ScriptStop{CannotCarryOut, "let V = VALUE"};
+  AssignVariable(All[1].Value, All[3].Value);
+}
+
+void KeepGoing(const Words& All) {
+  if (All[1].Value != "going") throw ScriptStop{CannotCarryOut, "keep going"};
+  State.KeepGoing = true;
+}
+
+void Trace(const Words& All) {
+  if (All[1].Value != "on" && All[1].Value != "off") throw ScriptStop{CannotCarryOut, "trace on, or trace off"};
+  State.Trace = All[1].Value == "on";
+}
+
+void ListForms(const Words& /*All*/) {
+  for (const Form* Window : AllForms()) {
+    if (IsSet(Window->Visible)) PrintOut("form " + Window->Name + " " + Escaped(Window->Caption));
+  }
+}
+
+void Dump(const Words& All) {
+  const Control& Target = NeedControl(All[1].Value);
+  if (Target.Kind == ControlKind::ListBox) {
+    const auto& List = static_cast<const ListBox&>(Target);
+    for (std::size_t Row = 0; Row < List.Items.size(); ++Row) {
+      const bool Marked = List.Multiple ? List.Selected[Row] : static_cast<int>(Row) == List.ListIndex;
+      PrintOut((Marked ? "*" : "") + Escaped(List.Items[Row]));
+    }
+  } else if (Target.Kind == ControlKind::ComboBox) {
+    const auto& List = static_cast<const ComboBox&>(Target);
+    for (std::size_t Row = 0; Row < List.Items.size(); ++Row) {
+      PrintOut((static_cast<int>(Row) == List.ListIndex ? "*" : "") + Escaped(List.Items[Row]));
+    }
+  } else {
+    throw ScriptStop{CannotCarryOut, "nothing to dump in " + All[1].Value};
+  }
+}
+
+void Wait(const Words& All) {
+  const auto Now = [] {
+    timespec Time{};
+    clock_gettime(CLOCK_MONOTONIC, &Time);
+    return static_cast<Double>(Time.tv_sec) * 1000.0 + static_cast<Double>(Time.tv_nsec) / 1.0e6;
+  };
+  const Double End = Now() + NeedNumber(All, 1);
+  do {
+    Platform.DoEvents();
+    constexpr timespec Millisecond{0, 1000000};
+    nanosleep(&Millisecond, nullptr);
+  } while (Now() < End);
+}
+
+void Echo(const Words& All) {
+  Text Line;
+  for (std::size_t Word = 1; Word < All.size(); ++Word) Line += (Word > 1 ? " " : "") + All[Word].Value;
+  PrintOut(Line);
+}
+
+// The commands: what each runs, how many words it needs behind its name, and whether the program must have started.
+struct CommandRow {
+  void (*Run)(const Words& All);
+  std::size_t LeastArguments;
+  bool NeedsStart;
+};
+
+const std::map<Text, CommandRow>& Commands() {
+  static const std::map<Text, CommandRow> Rows = {
+      {"start", {Start, 0, false}},
+      {"quit", {Quit, 0, true}},
+      {"click", {ClickControl, 1, true}},
+      {"press", {PressControl, 1, true}},
+      {"release", {ReleaseControl, 1, true}},
+      {"type", {TypeText, 2, true}},
+      {"enter", {EnterText, 2, true}},
+      {"choose", {ChooseEntry, 2, true}},
+      {"select", {SelectRows, 1, true}},
+      {"scroll", {ScrollBarTo, 2, true}},
+      {"spin", {Spin, 2, true}},
+      {"mouse", {MoveMouse, 4, true}},
+      {"key", {PressKey, 1, true}},
+      {"size", {Size, 2, false}},
+      {"menu", {[](const Words& All) { SubClass1_MenuSelect(0, All[1].Value); }, 1, true}},
+      {"answer", {QueueAnswers, 1, false}},
+      {"file", {QueueFile, 1, false}},
+      {"colour", {QueueColour, 1, false}},
+      {"clipboard", {ClipboardCommand, 0, false}},
+      {"locale", {LocaleCommand, 1, false}},
+      {"instance", {Instance, 0, false}},
+      {"host", {HostCommand, 1, false}},
+      {"get", {Get, 1, false}},
+      {"print", {Print, 1, false}},
+      {"let", {Let, 3, false}},
+      {"expect", {Expect, 1, false}},
+      {"keep", {KeepGoing, 1, false}},
+      {"trace", {Trace, 1, false}},
+      {"forms", {ListForms, 0, false}},
+      {"dump", {Dump, 1, true}},
+      {"view", {[](const Words& All) { WriteView(All[1].Value); }, 1, true}},
+      {"save", {[](const Words& All) { SavePeaks(All[1].Value); }, 1, true}},
+      {"wait", {Wait, 1, false}},
+      {"echo", {Echo, 0, false}},
+  };
+  return Rows;
+}
+
+}  // namespace
+
+int NeedNumber(const std::vector<Argument>& All, std::size_t Place) {
+  if (Place >= All.size()) throw ScriptStop{CannotCarryOut, "a number is missing behind " + All[0].Value};
+  return ToLong(StrictNumber(All[Place].Value));
+}
+
+void RunCommand(const std::vector<Argument>& All) {
+  const auto Entry = Commands().find(All[0].Value);
+  if (Entry == Commands().end()) throw ScriptStop{CannotCarryOut, "unknown command " + All[0].Value};
+  const CommandRow& Row = Entry->second;
+  if (All.size() - 1 < Row.LeastArguments) {
+    throw ScriptStop{CannotCarryOut, "arguments are missing behind " + All[0].Value};
+  }
+  if (Row.NeedsStart && !State.Started) {
+    throw ScriptStop{CannotCarryOut, All[0].Value + " comes after start"};
+  }
+  Row.Run(All);
+}
+
+}  // namespace zelvanor::batch

@@ -1,0 +1,228 @@
+#include "batch/UserActions.h"
+
+#include <algorithm>
+
+#include "basic/TextTools.h"
+#include "platform/Picture.h"
+#include "shell/MainForm.h"
+
+namespace zelvanor::batch {
+
+namespace {
+
+// The form that takes the user's actions: the innermost open one.
+const Form* ActiveForm() {
+  const Form* Active = &Main.frmNMR;
+  for (const Form* Window : AllForms()) {
+    if (IsSet(Window->Visible) && Window != &Main.frmNMR) Active = Window;
+  }
+  return Active;
+}
+
+bool IsReachable(const Control& Target) {
+  if (Target.Owner != ActiveForm() || !IsSet(Target.Enabled) || !IsSet(Target.Visible)) return false;
+  if (Target.Kind != ControlKind::MenuItem) return true;
+  const MenuItem* Above = static_cast<const MenuItem&>(Target).Parent;
+  for (; Above != nullptr; Above = Above->Parent) {
+    if (!IsSet(Above->Enabled) || !IsSet(Above->Visible)) return false;
+  }
+  return true;
+}
+
+// The control of the command's first word when it can be acted on; null after `refused`.
+Control* FindReachable(const std::vector<Argument>& All) {
+  Control& Target = NeedControl(All[1].Value);
+  if (IsReachable(Target)) return &Target;
+  PrintOut("refused " + All[1].Value);
+  return nullptr;
+}
+
+[[noreturn]] void RefuseKind(const std::vector<Argument>& All) {
+  throw ScriptStop{CannotCarryOut, All[0].Value + " does not work on " + All[1].Value};
+}
+
+template <class Kind>
+Kind& NeedKind(Control& Target, ControlKind Is, const std::vector<Argument>& All) {
+  if (Target.Kind != Is) RefuseKind(All);
+  return static_cast<Kind&>(Target);
+}
+
+void Click(Control& Target, const std::vector<Argument>& All) {
+  switch (Target.Kind) {
+    case ControlKind::MenuItem:
+      return Fire(static_cast<MenuItem&>(Target).Click);
+    case ControlKind::ToolButton:
+      return Fire(static_cast<ToolButton&>(Target).Click);
+    case ControlKind::CommandButton:
+      return Fire(static_cast<CommandButton&>(Target).Click);
+    case ControlKind::CheckBox: {
+      auto& Box = static_cast<CheckBox&>(Target);
+      return SetValue(Box, Box.Value == 0 ? 1 : 0);
+    }
+    case ControlKind::OptionButton:
+      return SetValue(static_cast<OptionButton&>(Target), True);
+    default:
+      RefuseKind(All);
+  }
+}
+
+// Presses the form's default button, as Enter does in a field.
+void PressDefault(const Form& Owner) {
+  for (Control* Item : Owner.Controls) {
+    if (Item->Kind != ControlKind::CommandButton) continue;
+    auto& Button = static_cast<CommandButton&>(*Item);
+    if (Button.IsDefault && IsReachable(Button)) return Fire(Button.Click);
+  }
+}
+
+void TypeKey(TextField& Field, char Key) {
+  int KeyAscii = static_cast<unsigned char>(Key);
+  if (Field.KeyPress) Field.KeyPress(KeyAscii);
+  if (KeyAscii == '\r') return PressDefault(*Field.Owner);
+  if (KeyAscii == 0) return;
+  Text Value = Field.Value;
+  if (KeyAscii == '\b') {
+    if (Value.empty()) return;
+    Value.pop_back();
+  } else {
+    Value += static_cast<char>(KeyAscii);
+  }
+  SetText(Field, Value);
+}
+
+// In a word without quotes the two key escapes stand as they are written.
+Text KeysOf(const Argument& Word) {
+  if (Word.WasQuoted) return Word.Value;
+  Text Keys;
+  for (std::size_t Place = 0; Place < Word.Value.size(); ++Place) {
+    const TextView Pair = TextView(Word.Value).substr(Place, 2);
+    if (Pair == "\\b" || Pair == "\\r") {
+      Keys += Pair == "\\b" ? '\b' : '\r';
+      ++Place;
+    } else {
+      Keys += Word.Value[Place];
+    }
+  }
+  return Keys;
+}
+
+int ShiftState(const std::vector<Argument>& All, std::size_t From) {
+  int Shift = 0;
+  for (std::size_t Word = From; Word < All.size(); ++Word) {
+    if (All[Word].Value == "shift") {
+      Shift |= ShiftKey;
+    } else if (All[Word].Value == "ctrl") {
+      Shift |= CtrlKey;
+    } else {
+      throw ScriptStop{CannotCarryOut, "shift or ctrl, not " + All[Word].Value};
+    }
+  }
+  return Shift;
+}
+
+}  // namespace
+
+void ClickControl(const std::vector<Argument>& All) {
+  if (Control* Target = FindReachable(All)) Click(*Target, All);
+}
+
+void PressControl(const std::vector<Argument>& All) {
+  if (Control* Target = FindReachable(All)) Fire(NeedKind<ToolButton>(*Target, ControlKind::ToolButton, All).MouseDown);
+}
+
+void ReleaseControl(const std::vector<Argument>& All) {
+  if (Control* Target = FindReachable(All)) Fire(NeedKind<ToolButton>(*Target, ControlKind::ToolButton, All).MouseUp);
+}
+
+void TypeText(const std::vector<Argument>& All) {
+  Control* Target = FindReachable(All);
+  if (Target == nullptr) return;
+  auto& Field = NeedKind<TextField>(*Target, ControlKind::TextField, All);
+  for (const char Key : KeysOf(All[2])) TypeKey(Field, Key);
+}
+
+void EnterText(const std::vector<Argument>& All) {
+  if (Control* Target = FindReachable(All)) {
+    SetText(NeedKind<TextField>(*Target, ControlKind::TextField, All), All[2].Value);
+  }
+}
+
+void ChooseEntry(const std::vector<Argument>& All) {
+  Control* Target = FindReachable(All);
+  if (Target == nullptr) return;
+  const int Entry = NeedNumber(All, 2);
+  const auto Choose = [&](auto& List) {
+    if (Entry < 0 || Entry >= static_cast<int>(List.Items.size())) {
+      throw ScriptStop{CannotCarryOut, "there is no such entry in " + All[1].Value};
+    }
+    SetListIndex(List, Entry);
+  };
+  if (Target->Kind == ControlKind::ComboBox) return Choose(static_cast<ComboBox&>(*Target));
+  Choose(NeedKind<ListBox>(*Target, ControlKind::ListBox, All));
+}
+
+void SelectRows(const std::vector<Argument>& All) {
+  Control* Target = FindReachable(All);
+  if (Target == nullptr) return;
+  auto& List = NeedKind<ListBox>(*Target, ControlKind::ListBox, All);
+  if (!List.Multiple) RefuseKind(All);
+  std::vector<int> Rows;
+  for (std::size_t Word = 2; Word < All.size(); ++Word) Rows.push_back(NeedNumber(All, Word));
+  for (int Row = 0; Row < static_cast<int>(List.Items.size()); ++Row) {
+    SetSelected(List, Row, std::find(Rows.begin(), Rows.end(), Row) != Rows.end());
+  }
+  Fire(List.Click);
+}
+
+void ScrollBarTo(const std::vector<Argument>& All) {
+  if (Control* Target = FindReachable(All)) {
+    SetValue(NeedKind<ScrollBar>(*Target, ControlKind::ScrollBar, All), NeedNumber(All, 2));
+  }
+}
+
+void Spin(const std::vector<Argument>& All) {
+  Control* Target = FindReachable(All);
+  if (Target == nullptr) return;
+  const auto& Button = NeedKind<SpinButton>(*Target, ControlKind::SpinButton, All);
+  if (All[2].Value != "up" && All[2].Value != "down") throw ScriptStop{CannotCarryOut, "spin C up, or spin C down"};
+  Fire(All[2].Value == "up" ? Button.SpinUp : Button.SpinDown);
+}
+
+void MoveMouse(const std::vector<Argument>& All) {
+  Control* Target = FindReachable(All);
+  if (Target == nullptr) return;
+  const auto& Surface = NeedKind<PictureSurface>(*Target, ControlKind::PictureSurface, All);
+  const Text& Action = All[2].Value;
+  const std::size_t Place = Action == "move" ? 3 : 4;
+  const auto X = static_cast<Single>(TwipsFromPixels(NeedNumber(All, Place)));
+  const auto Y = static_cast<Single>(TwipsFromPixels(NeedNumber(All, Place + 1)));
+  const int Shift = ShiftState(All, Place + 2);
+  if (Action == "down") {
+    State.MouseButton = NeedNumber(All, 3);
+    if (Surface.MouseDown) Surface.MouseDown(State.MouseButton, Shift, X, Y);
+  } else if (Action == "move") {
+    if (Surface.MouseMove) Surface.MouseMove(State.MouseButton, Shift, X, Y);
+  } else if (Action == "up") {
+    State.MouseButton = 0;
+    if (Surface.MouseUp) Surface.MouseUp(NeedNumber(All, 3), Shift, X, Y);
+  } else {
+    throw ScriptStop{CannotCarryOut, "the mouse goes down, move or up, not " + Action};
+  }
+}
+
+void PressKey(const std::vector<Argument>& All) {
+  if (ActiveForm() != &Main.frmNMR) return PrintOut("refused frmNMR");
+  int KeyCode = NeedNumber(All, 1);
+  const int Shift = ShiftState(All, 2);
+  if (Main.frmNMR.KeyDown) Main.frmNMR.KeyDown(KeyCode, Shift);
+  if (Shift != CtrlKey || KeyCode < 'A' || KeyCode > 'Z') return;
+  // A key that nobody has taken may be a menu item's.
+  const Text Shortcut = Text("Ctrl+") + static_cast<char>(KeyCode);
+  for (Control* Item : Main.frmNMR.Controls) {
+    if (Item->Kind != ControlKind::MenuItem || static_cast<MenuItem*>(Item)->Shortcut != Shortcut) continue;
+    if (IsReachable(*Item)) Fire(static_cast<MenuItem*>(Item)->Click);
+    return;
+  }
+}
+
+}  // namespace zelvanor::batch
