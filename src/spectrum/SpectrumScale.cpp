@@ -164,7 +164,8 @@ void SetUpLineWidthBar() {
   }
   SetValue(Bar, 0);
   const Integer LargeChange = ToInteger((Bar.Max - Bar.Min) / 20.0);
-  SetChanges(Bar, ToInteger(int(LargeChange) / 10.0), LargeChange);
+  // A bar moves by one at least.
+  SetChanges(Bar, std::max<int>(ToInteger(int(LargeChange) / 10.0), 1), std::max<int>(LargeChange, 1));
   SetValue(Bar, ToInteger(V.Linewidth));
 }
 
