@@ -1,0 +1,177 @@
+#include "nmrcalc/Command.h"
+
+#include <malloc.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <new>
+
+#include "basic/Failure.h"
+#include "nmrcalc/Estimate.h"
+#include "nmrcalc/InputText.h"
+#include "nmrcalc/LinearAlgebra.h"
+#include "nmrcalc/Memory.h"
+#include "nmrcalc/Spectrum.h"
+
+namespace nmrcalc {
+
+namespace {
+
+// What is left to the rest of the machine.
+constexpr double UsableShare = 0.9;
+
+constexpr const char* Usage =
+    "usage: nmrcalc.exe PARAMETER-DIRECTORY WORK-DIRECTORY 1|2 [LOG-FILE]\n"
+    "  1  estimates shieldings and couplings: nmrparam.in to nmrparam.out\n"
+    "  2  simulates the spectrum: nmrspect.in to nmrspect.out";
+
+struct StageFiles {
+  const char* Input;
+  const char* Output;
+};
+constexpr StageFiles Stages[] = {{"nmrparam.in", "nmrparam.out"}, {"nmrspect.in", "nmrspect.out"}};
+
+std::string JoinArguments(const std::vector<std::string>& Arguments, std::size_t First, std::size_t End) {
+  std::string Joined;
+  for (std::size_t K = First; K < End; ++K) Joined += (K > First ? " " : "") + Arguments[K];
+  return Joined;
+}
+
+std::string PathIn(const std::string& Directory, const std::string& Name) {
+  const bool Ends = Directory.empty() || Directory.back() == '/' || Directory.back() == '\\';
+  return Directory + (Ends ? "" : "/") + Name;
+}
+
+bool WriteBytes(const std::string& Path, const std::string& Text) {
+  std::FILE* File = std::fopen(Path.c_str(), "wb");
+  if (File == nullptr) return false;
+  const bool Written = std::fwrite(Text.data(), 1, Text.size(), File) == Text.size();
+  return std::fclose(File) == 0 && Written;
+}
+
+// Writes beside the file and renames, so that nobody reads half a result. Where no file can be made beside it (a
+// directory without write permission, a device), it is written in place.
+void WriteOutput(const std::string& Path, const std::string& Text) {
+  const std::string Temporary = Path + ".tmp";
+  std::error_code Error;
+  const bool Plain = !std::filesystem::exists(Path, Error) || std::filesystem::is_regular_file(Path, Error);
+  if (Plain && WriteBytes(Temporary, Text)) {
+    std::filesystem::rename(Temporary, Path, Error);
+    if (!Error) return;
+  }
+  const int Code = errno;
+  std::filesystem::remove(Temporary, Error);
+  if (WriteBytes(Path, Text)) return;
+  throw zelvanor::Failure("Could not write " + Path + ": " + zelvanor::FailureTextFromErrno(errno ? errno : Code));
+}
+
+// The log level lies in the input of stage 1; stage 2 goes by the one of the latest stage 1.
+int FindLogLevel(const CommandLine& Command) {
+  try {
+    return ReadLogLevel(PathIn(Command.WorkDirectory, Stages[0].Input));
+  } catch (const zelvanor::Failure&) {
+    return 0;
+  }
+}
+
+std::string RunStage(const CommandLine& Command, Log& Report) {
+  const std::string Input = PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Input);
+  if (Command.Stage == 1) return EstimateParameters(Input, Command.ParameterDirectory, Report);
+  const SpectrumInput System = ReadSpectrumInput(Input);
+  AddToLog(Report, 0,
+           std::string("Stage 2: ") + (System.WeakCoupling ? "first-order" : "exact") + " simulation of " +
+               std::to_string(System.Sites.size()) + " sites at " + FixedNumber(System.Field, 3) + " MHz");
+  for (std::size_t Site = 0; Site < System.Sites.size() && LogWants(Report, 2); ++Site) {
+    const SpinSite& Own = System.Sites[Site];
+    AddToLog(Report, 2,
+             "site " + std::to_string(Site + 1) + ": atomic number " + std::to_string(Own.AtomicNumber) + ", " +
+                 std::to_string(Own.Degeneracy) + " spins, " + FixedNumber(Own.Shift, 3) + " ppm" +
+                 (Own.Observed ? "" : ", not observed"));
+  }
+  const std::vector<Line> Lines = SimulateSpectrum(System, UsableShare * FreeMemory(), Report);
+  AddToLog(Report, 0, std::to_string(Lines.size()) + " lines");
+  return FormatSpectrum(System, Lines);
+}
+
+// The output of the stage, or its failure as one ERRMSG line; Failed tells which.
+std::string RunStageSafely(const CommandLine& Command, Log& Report, bool& Failed) {
+  std::string Reason;
+  try {
+    Failed = false;
+    return RunStage(Command, Report);
+  } catch (const zelvanor::Failure& Problem) {
+    Reason = Problem.What;
+  } catch (const std::bad_alloc&) {
+    Reason = "Out of memory; use the weak coupling approximation or select fewer atoms";
+  } catch (const std::exception& Problem) {
+    Reason = std::string("Internal error: ") + Problem.what();
+  }
+  Failed = true;
+  AddToLog(Report, 0, "Failed: " + Reason);
+  return "ERRMSG: " + Reason + ".\n";
+}
+
+// Matrices come and go by the thousand. Kept in the heap, their pages are paid for once and not at each use.
+void KeepFreedMemory() {
+#ifdef __GLIBC__
+  constexpr int LargestKept = 32 << 20;
+  mallopt(M_MMAP_THRESHOLD, LargestKept);
+  mallopt(M_TRIM_THRESHOLD, 4 * LargestKept);
+  mallopt(M_ARENA_MAX, 1);  // what one thread frees, the next may use
+#endif
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(const std::vector<std::string>& Arguments) {
+  std::size_t StagePlace = 2;
+  while (StagePlace < Arguments.size() && Arguments[StagePlace] != "1" && Arguments[StagePlace] != "2") ++StagePlace;
+  if (StagePlace >= Arguments.size()) throw zelvanor::Failure(Usage);
+  CommandLine Command{.ParameterDirectory = JoinArguments(Arguments, 0, 1),
+                      .WorkDirectory = JoinArguments(Arguments, 1, StagePlace),
+                      .Stage = Arguments[StagePlace] == "1" ? 1 : 2,
+                      .LogPath = JoinArguments(Arguments, StagePlace + 1, Arguments.size())};
+  for (std::size_t Cut = 1; Cut < StagePlace; ++Cut) {
+    std::error_code Error;
+    const std::string Left = JoinArguments(Arguments, 0, Cut);
+    const std::string Right = JoinArguments(Arguments, Cut, StagePlace);
+    if (!std::filesystem::is_directory(Left, Error) || !std::filesystem::is_directory(Right, Error)) continue;
+    Command.ParameterDirectory = Left;
+    Command.WorkDirectory = Right;
+    break;
+  }
+  return Command;
+}
+
+int RunCommand(const CommandLine& Command) {
+  const auto Start = std::chrono::steady_clock::now();
+  UseOneLibraryThread();
+  KeepFreedMemory();
+  Log Report{.Path = Command.LogPath, .Level = FindLogLevel(Command)};
+  bool Failed = false;
+  std::string Output = RunStageSafely(Command, Report, Failed);
+  try {
+    WriteOutput(PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Output), Output);
+  } catch (const zelvanor::Failure& Problem) {
+    Failed = true;
+    AddToLog(Report, 0, "Failed: " + Problem.What);
+    std::fprintf(stderr, "nmrcalc.exe: %s.\n", Problem.What.c_str());
+  }
+  const std::chrono::duration<double> Elapsed = std::chrono::steady_clock::now() - Start;
+  AddToLog(Report, 0, "Elapsed " + FixedNumber(Elapsed.count(), 3) + " s");
+  if (!WriteLog(Report)) std::fprintf(stderr, "nmrcalc.exe: could not write the log %s.\n", Report.Path.c_str());
+  return Failed ? 1 : 0;
+}
+
+int RunProgram(const std::vector<std::string>& Arguments) {
+  try {
+    return RunCommand(ParseCommandLine(Arguments));
+  } catch (const zelvanor::Failure& Problem) {
+    std::fprintf(stderr, "%s\n", Problem.What.c_str());
+    return 2;
+  }
+}
+
+}  // namespace nmrcalc

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "nmrcalc/Log.h"
+
+namespace nmrcalc {
+
+// The command line: PARAMETER-DIRECTORY WORK-DIRECTORY STAGE [LOG-FILE], STAGE being 1 or 2.
+
+struct CommandLine {
+  std::string ParameterDirectory;
+  std::string WorkDirectory;
+  int Stage = 0;
+  std::string LogPath;  // empty: no log
+};
+
+// Arguments without the program's name. A caller that does not quote cuts a path at its blanks; the pieces are joined
+// again as far as the directories exist. Throws Failure with the usage.
+CommandLine ParseCommandLine(const std::vector<std::string>& Arguments);
+
+// Runs the stage: input file of the work directory to its output file. The output is written whole, at the end; a
+// failure stands on its first line behind "ERRMSG: ". The return value is the exit code: 0, or 1 after a failure.
+int RunCommand(const CommandLine& Command);
+
+// The whole program: parses, runs, tells a bad command line on the standard error (exit code 2).
+int RunProgram(const std::vector<std::string>& Arguments);
+
+}  // namespace nmrcalc

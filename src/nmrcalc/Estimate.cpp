@@ -1,0 +1,115 @@
+#include "nmrcalc/Estimate.h"
+
+#include <vector>
+
+#include "nmrcalc/Coupling.h"
+#include "nmrcalc/InputText.h"
+#include "nmrcalc/ParamInput.h"
+#include "nmrcalc/Shielding.h"
+#include "nmrcalc/Tensor.h"
+
+namespace nmrcalc {
+
+namespace {
+
+constexpr const char* ShiftFile = "nmr_shft.abp";
+constexpr const char* CouplingFile = "nmr_cupl.abp";
+constexpr const char* Description =
+    "NMR parameters estimated by additive increments; not a result of KRDO/1 or KRDO/2 or of any other quantum "
+    "chemical method";
+
+struct ParamResults {
+  std::vector<double> Shieldings{};        // ppm, one for each NMR atom
+  std::vector<ShieldingTensor> Tensors{};  // as the shieldings, or empty
+  std::vector<double> Couplings{};         // Hz, NMR atoms x NMR atoms
+};
+
+std::string AtomLabel(const Molecule& System, std::size_t Index) {
+  const Atom& Item = System.Atoms[Index];
+  return SymbolOf(Item.AtomicNumber) + " " + std::to_string(Item.InMolecule) + " of molecule " +
+         std::to_string(Item.Molecule);
+}
+
+void ComputeShieldings(const ParamInput& Input, const std::string& TablePath, ParamResults& Results, Log& Report) {
+  const TableFile Tables = ReadTables(TablePath, RequiredShiftTables());
+  for (std::size_t K = 0; K < Input.NMRAtoms.size(); ++K) {
+    const std::size_t Center = Input.NMRAtoms[K];
+    const ShiftEstimate Estimate = EstimateShift(Tables, Input.System, Center);
+    const double Shielding = ShieldingFromShift(Tables, Input.System.Atoms[Center].AtomicNumber, Estimate);
+    if (Input.WantsShielding) Results.Shieldings[K] = Shielding;
+    if (Input.WantsTensor) Results.Tensors.push_back(EstimateTensor(Tables, Input.System, Center, Shielding));
+    if (!Estimate.Known) {
+      AddToLog(Report, 0, "No estimate for " + AtomLabel(Input.System, Center) + ": " + Estimate.Origin);
+    } else if (LogWants(Report, 2)) {
+      AddToLog(
+          Report, 2,
+          AtomLabel(Input.System, Center) + ": " + FixedNumber(Estimate.Shift, 2) + " ppm (" + Estimate.Origin + ")");
+    }
+  }
+}
+
+void ComputeCouplings(const ParamInput& Input, const std::string& TablePath, ParamResults& Results, Log& Report) {
+  const TableFile Tables = ReadTables(TablePath, RequiredCouplingTables());
+  CouplingModel Model{.Tables = Tables, .System = Input.System};
+  Results.Couplings = EstimateCouplings(Model, Input.NMRAtoms);
+  const std::size_t NumAtoms = Input.NMRAtoms.size();
+  for (std::size_t Row = 0; Row < NumAtoms && LogWants(Report, 2); ++Row) {
+    for (std::size_t Column = Row + 1; Column < NumAtoms; ++Column) {
+      const double J = Results.Couplings[Row * NumAtoms + Column];
+      if (J == 0.0) continue;
+      AddToLog(Report, 2,
+               AtomLabel(Input.System, Input.NMRAtoms[Row]) + " - " + AtomLabel(Input.System, Input.NMRAtoms[Column]) +
+                   ": " + FixedNumber(J, 2) + " Hz");
+    }
+  }
+}
+
+void AppendRow(std::string& Text, const double* First, std::size_t Count, int Decimals) {
+  for (std::size_t K = 0; K < Count; ++K) {
+    if (K > 0) Text += ' ';
+    Text += FixedNumber(First[K], Decimals);
+  }
+  Text += '\n';
+}
+
+std::string FormatResults(const ParamInput& Input, const ParamResults& Results) {
+  const std::size_t NumAtoms = Input.NMRAtoms.size();
+  std::string Text = std::string(Description) + "\n" + std::to_string(NumAtoms) + "\n";
+  for (std::size_t K = 0; K < NumAtoms; ++K) {
+    Text += (K > 0 ? " " : "") + std::to_string(Input.System.Atoms[Input.NMRAtoms[K]].AtomicNumber);
+  }
+  Text += "\nFIELD\n" + std::to_string(Input.Frequency) + "\nSHIELDING\n";
+  AppendRow(Text, Results.Shieldings.data(), NumAtoms, 4);
+  if (Input.WantsTensor) {
+    Text += "TENSOR\n";
+    for (const ShieldingTensor& Tensor : Results.Tensors) {
+      AppendRow(Text, Tensor.Components.data(), 9, 6);
+      const double Second[] = {Tensor.Eigenvalues[0], Tensor.Eigenvalues[1], Tensor.Eigenvalues[2], Tensor.Isotropic,
+                               Tensor.Anisotropy};
+      AppendRow(Text, Second, 5, 6);
+    }
+  }
+  Text += "COUPLING\n";
+  for (std::size_t Row = 0; Row < NumAtoms; ++Row) {
+    AppendRow(Text, Results.Couplings.data() + Row * NumAtoms, NumAtoms, 4);
+  }
+  return Text;
+}
+
+}  // namespace
+
+std::string EstimateParameters(const std::string& InputPath, const std::string& ParameterDirectory, Log& Report) {
+  const ParamInput Input = ReadParamInput(InputPath);
+  const std::string Directory = ParameterDirectory + (ParameterDirectory.ends_with('/') ? "" : "/");
+  const std::size_t NumAtoms = Input.NMRAtoms.size();
+  AddToLog(Report, 0, std::string("Stage 1: ") + Description);
+  AddToLog(Report, 0,
+           std::to_string(NumAtoms) + " NMR atoms of " + std::to_string(Input.System.Atoms.size()) + " atoms");
+  ParamResults Results{.Shieldings = std::vector<double>(NumAtoms),
+                       .Couplings = std::vector<double>(NumAtoms * NumAtoms)};
+  if (Input.WantsShielding || Input.WantsTensor) ComputeShieldings(Input, Directory + ShiftFile, Results, Report);
+  if (Input.WantsCoupling) ComputeCouplings(Input, Directory + CouplingFile, Results, Report);
+  return FormatResults(Input, Results);
+}
+
+}  // namespace nmrcalc

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+#include "nmrcalc/Log.h"
+
+namespace nmrcalc {
+
+// Stage 1: shieldings and couplings by increments.
+
+// Reads the input file and the tables nmr_shft.abp and nmr_cupl.abp of the parameter directory; the text of
+// nmrparam.out. Only what the options ask for is computed, the rest of the numbers are 0.
+// Throws Failure with file, line and reason.
+std::string EstimateParameters(const std::string& InputPath, const std::string& ParameterDirectory, Log& Report);
+
+// The option LogPrintLevel of the input file, 0 when it is absent. Throws Failure when the file cannot be read.
+int ReadLogLevel(const std::string& InputPath);
+
+}  // namespace nmrcalc

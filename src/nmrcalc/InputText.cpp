@@ -1,0 +1,124 @@
+#include "nmrcalc/InputText.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+
+#include "basic/Numbers.h"
+#include "basic/TextTools.h"
+
+namespace nmrcalc {
+
+namespace {
+
+constexpr std::size_t LargestFile = std::size_t{256} << 20;
+constexpr double LargestNumber = 1e12;
+
+struct FileCloser {
+  void operator()(std::FILE* File) const { std::fclose(File); }
+};
+
+[[noreturn]] void FailToRead(const std::string& Path, int Code) {
+  throw zelvanor::Failure("Could not read " + Path + ": " + zelvanor::FailureTextFromErrno(Code));
+}
+
+std::string ReadBytes(const std::string& Path) {
+  errno = 0;
+  const std::unique_ptr<std::FILE, FileCloser> File(std::fopen(Path.c_str(), "rb"));
+  if (!File) FailToRead(Path, errno);
+  std::string Bytes;
+  std::array<char, 65536> Buffer{};
+  while (const std::size_t Count = std::fread(Buffer.data(), 1, Buffer.size(), File.get())) {
+    Bytes.append(Buffer.data(), Count);
+    if (Bytes.size() > LargestFile) throw zelvanor::Failure("The file " + Path + " is larger than 256 MiB");
+  }
+  if (std::ferror(File.get())) FailToRead(Path, errno);
+  return Bytes;
+}
+
+// What a message shows of a token that may be long or binary.
+std::string Quoted(std::string_view Token) {
+  std::string Shown = "\"";
+  for (const char C : Token.substr(0, 40)) Shown += (C >= ' ' && C != '\x7f') ? C : '?';
+  return Shown + (Token.size() > 40 ? "...\"" : "\"");
+}
+
+}  // namespace
+
+TextFile ReadTextFile(const std::string& Path) {
+  const std::string Bytes = ReadBytes(Path);
+  TextFile File{.Path = Path, .Lines = {}};
+  for (std::size_t Start = 0; Start < Bytes.size();) {
+    const std::size_t End = std::min(Bytes.find('\n', Start), Bytes.size());
+    std::size_t Length = End - Start;
+    if (Length > 0 && Bytes[Start + Length - 1] == '\r') --Length;
+    File.Lines.push_back(Bytes.substr(Start, Length));
+    Start = End + 1;
+  }
+  return File;
+}
+
+void FailAtLine(const TextFile& File, std::size_t Line, const std::string& Reason) {
+  throw zelvanor::Failure(File.Path + ", line " + std::to_string(Line + 1) + ": " + Reason);
+}
+
+const std::string& TakeLine(const TextFile& File, std::size_t Line, const std::string& What) {
+  if (Line >= File.Lines.size()) FailAtLine(File, Line, "the file ends where " + What + " should stand");
+  return File.Lines[Line];
+}
+
+std::vector<std::string_view> SplitTokens(std::string_view Text) {
+  constexpr std::string_view Separators = " \t\r";
+  std::vector<std::string_view> Tokens;
+  std::size_t Start = Text.find_first_not_of(Separators);
+  while (Start != std::string_view::npos) {
+    const std::size_t End = std::min(Text.find_first_of(Separators, Start), Text.size());
+    Tokens.push_back(Text.substr(Start, End - Start));
+    Start = Text.find_first_not_of(Separators, End);
+  }
+  return Tokens;
+}
+
+double NumberAt(const TextFile& File, std::size_t Line, std::string_view Token, const std::string& What) {
+  double Value = 0.0;
+  try {
+    Value = zelvanor::StrictNumber(Token);
+  } catch (const zelvanor::Failure&) {
+    FailAtLine(File, Line, What + " should be a number, but is " + Quoted(Token));
+  }
+  if (!(std::fabs(Value) <= LargestNumber)) FailAtLine(File, Line, What + " is out of range: " + Quoted(Token));
+  return Value;
+}
+
+int WholeNumberAt(const TextFile& File, std::size_t Line, std::string_view Token, int Lowest, int Highest,
+                  const std::string& What) {
+  const double Value = NumberAt(File, Line, Token, What);
+  if (Value != std::floor(Value)) FailAtLine(File, Line, What + " should be a whole number, but is " + Quoted(Token));
+  if (Value < Lowest || Value > Highest) {
+    FailAtLine(File, Line,
+               What + " should lie in " + std::to_string(Lowest) + " to " + std::to_string(Highest) + ", but is " +
+                   Quoted(Token));
+  }
+  return static_cast<int>(Value);
+}
+
+void AppendFixedNumber(std::string& Target, double Value, int Decimals) {
+  std::array<char, 400> Buffer;  // the longest finite Double has 309 digits in front of the point
+  const char* End =
+      std::to_chars(Buffer.data(), Buffer.data() + Buffer.size(), Value, std::chars_format::fixed, Decimals).ptr;
+  const char* Start = Buffer.data();
+  if (*Start == '-' && std::all_of(Start + 1, End, [](char C) { return C == '0' || C == '.'; })) ++Start;
+  Target.append(Start, End);
+}
+
+std::string FixedNumber(double Value, int Decimals) {
+  std::string Result;
+  AppendFixedNumber(Result, Value, Decimals);
+  return Result;
+}
+
+}  // namespace nmrcalc

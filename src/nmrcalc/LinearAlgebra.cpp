@@ -1,0 +1,64 @@
+#include "nmrcalc/LinearAlgebra.h"
+
+#include <limits>
+#include <string>
+
+#include "basic/Failure.h"
+
+extern "C" {
+void dsyevd_(const char* Job, const char* Triangle, const int* Size, double* Matrix, const int* Leading, double* Values,
+             double* Work, const int* WorkSize, int* WholeWork, const int* WholeWorkSize, int* Info);
+void dgemm_(const char* LeftForm, const char* RightForm, const int* Rows, const int* Columns, const int* Inner,
+            const double* Alpha, const double* Left, const int* LeftLeading, const double* Right,
+            const int* RightLeading, const double* Beta, double* Target, const int* TargetLeading);
+// Only OpenBLAS has these; with another library they stay null.
+void openblas_set_num_threads(int Count) __attribute__((weak));
+int openblas_get_parallel(void) __attribute__((weak));
+int blas_thread_shutdown_(void) __attribute__((weak));
+}
+
+namespace nmrcalc {
+
+void UseOneLibraryThread() {
+  if (openblas_set_num_threads != nullptr) openblas_set_num_threads(1);
+  // The threads made at the start would spin for some hundredths of a second, on the cores that we need.
+  if (blas_thread_shutdown_ != nullptr) blas_thread_shutdown_();
+}
+
+bool LibraryTakesThreads() { return openblas_get_parallel != nullptr && openblas_get_parallel() != 0; }
+
+void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::vector<double>& Eigenvalues) {
+  Eigenvalues.resize(Size);
+  if (Size == 1) {
+    Eigenvalues[0] = Matrix[0];
+    Matrix[0] = 1.0;
+    return;
+  }
+  const std::size_t Needed = 1 + 6 * Size + 2 * Size * Size;
+  if (Needed > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+    throw zelvanor::Failure("A block of " + std::to_string(Size) + " states is too large for the linear algebra");
+  }
+  const int Order = static_cast<int>(Size);
+  const int WorkSize = static_cast<int>(Needed);
+  const int WholeWorkSize = 3 + 5 * Order;
+  std::vector<double> Work(Needed);
+  std::vector<int> WholeWork(static_cast<std::size_t>(WholeWorkSize));
+  int Info = 0;
+  dsyevd_("V", "L", &Order, Matrix.data(), &Order, Eigenvalues.data(), Work.data(), &WorkSize, WholeWork.data(),
+          &WholeWorkSize, &Info);
+  if (Info != 0) {
+    throw zelvanor::Failure("The eigenvalues of a block of " + std::to_string(Size) + " states did not converge");
+  }
+}
+
+void MultiplyTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows, std::size_t Columns,
+                        std::size_t Inner) {
+  const int NumRows = static_cast<int>(Rows);
+  const int NumColumns = static_cast<int>(Columns);
+  const int NumInner = static_cast<int>(Inner);
+  const double One = 1.0;
+  const double Zero = 0.0;
+  dgemm_("T", "N", &NumRows, &NumColumns, &NumInner, &One, Left, &NumInner, Right, &NumInner, &Zero, Target, &NumRows);
+}
+
+}  // namespace nmrcalc

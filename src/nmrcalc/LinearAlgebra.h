@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace nmrcalc {
+
+// Dense real matrices by LAPACK and BLAS, column-major. The library's own threads are switched off: the program runs
+// one thread of its own for each core, and two layers of threads would fight for the same cores.
+
+void UseOneLibraryThread();
+
+// Whether several threads may call the library at once. False for OpenBLAS without threads, whose eigenvalue routines
+// keep work arrays of their own between calls and then give wrong numbers without a word, and for unknown libraries.
+bool LibraryTakesThreads();
+
+// Eigenvalues (rising) of the symmetric Size x Size matrix; Matrix is replaced by the eigenvectors, one a column.
+// Divide and conquer, with a workspace of 2 Size^2 numbers. Throws Failure when it does not converge.
+void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::vector<double>& Eigenvalues);
+
+// Target (Rows x Columns) = transpose of Left (Inner x Rows) times Right (Inner x Columns).
+void MultiplyTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows, std::size_t Columns,
+                        std::size_t Inner);
+
+}  // namespace nmrcalc
