@@ -6,8 +6,8 @@
 #include "platform/TextFiles.h"
 #include "settings/SettingsState.h"
 #include "shell/Frame.h"
-#include "spectrum/SpectrumScale.h"
 #include "spectrum/SpectrumDrawing.h"
+#include "spectrum/SpectrumScale.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
