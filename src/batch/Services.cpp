@@ -3,6 +3,9 @@
 #include <time.h>
 
 #include "batch/Batch.h"
+#include "batch/HostCommands.h"
+#include "hostbus/ClipboardFile.h"
+#include "hostbus/HostBus.h"
 #include "platform/posix/PosixServices.h"
 #include "shell/MainForm.h"
 
@@ -100,6 +103,7 @@ void DoEvents() {
   // Nothing is pending without a display; while a process runs the processor is better used by it.
   constexpr timespec Millisecond{0, 1000000};
   if (AnyProcessRuns()) nanosleep(&Millisecond, nullptr);
+  hostbus::ServeConversations();
 }
 
 void ShowChange(Control& Target, Property What) {
@@ -119,8 +123,15 @@ void UseBatchServices() {
   Platform.ShowColourDialog = ShowColourDialog;
   Platform.RunModal = RunModal;
   Platform.DoEvents = DoEvents;
-  Platform.GetClipboard = [] { return State.Clipboard; };
-  Platform.SetClipboard = [](const Text& Value) { State.Clipboard = Value; };
+  // A clipboard that another process is told too, where there is one.
+  if (hostbus::ClipboardFilePath().empty()) {
+    Platform.GetClipboard = [] { return State.Clipboard; };
+    Platform.SetClipboard = [](const Text& Value) { State.Clipboard = Value; };
+  } else {
+    Platform.GetClipboard = hostbus::ReadClipboardFile;
+    Platform.SetClipboard = hostbus::WriteClipboardFile;
+  }
+  UseSimulatedHost();
   Platform.DecimalSeparator = [] { return State.DecimalSeparator; };
   Platform.OtherInstanceRuns = [] { return State.OtherInstance; };
 

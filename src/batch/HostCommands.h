@@ -1,0 +1,13 @@
+#pragma once
+
+#include "batch/Batch.h"
+
+namespace zelvanor::batch {
+
+// The command host in all its forms.
+void HostCommand(const std::vector<Argument>& All);
+
+// Fills the host slots of Platform with the simulated host of this process, which is not there yet.
+void UseSimulatedHost();
+
+}  // namespace zelvanor::batch

@@ -1,0 +1,36 @@
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include "morvantis-sim/Display.h"
+
+namespace zelvanor::morvantis_sim {
+
+// Without a window of its own only an X server lets a program set the clipboard; a Wayland desktop has one for this.
+bool HasDisplay() { return !qEnvironmentVariableIsEmpty("DISPLAY"); }
+
+int RunOnDisplay(Simulator& Sim, int& Count, char** Words) {
+  // The started program chooses for itself.
+  const QByteArray Former = qgetenv("QT_QPA_PLATFORM");
+  qputenv("QT_QPA_PLATFORM", "xcb");
+  const QGuiApplication Application(Count, Words);
+  Former.isEmpty() ? qunsetenv("QT_QPA_PLATFORM") : qputenv("QT_QPA_PLATFORM", Former);
+  Sim.Host.SetClipboard = [](const Text& Value) { QGuiApplication::clipboard()->setText(QString::fromUtf8(Value)); };
+  StartProgram(Sim);
+  QSocketNotifier Requests(hostbus::ServerDescriptor(*Sim.Server), QSocketNotifier::Read);
+  const auto Serve = [&Sim] {
+    if (!hostbus::ServePending(*Sim.Server)) QCoreApplication::exit(1);
+  };
+  QObject::connect(&Requests, &QSocketNotifier::activated, Serve);
+  QTimer Child;
+  QObject::connect(&Child, &QTimer::timeout, [&Sim] {
+    if (const std::optional<int> Status = StatusOfEnded(Sim)) QCoreApplication::exit(*Status);
+  });
+  constexpr int Often = 100;  // milliseconds
+  Child.start(Often);
+  QTimer::singleShot(0, Serve);
+  return QGuiApplication::exec();
+}
+
+}  // namespace zelvanor::morvantis_sim
