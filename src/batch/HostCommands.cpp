@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "hostbus/ClipboardFile.h"
 #include "hostbus/HostBus.h"
 #include "hostsim/SimulatedHost.h"
 
@@ -97,8 +98,15 @@ void PrintLog(const Words& /*All*/) {
   Simulated().Host.Log.clear();
 }
 
+void UseFileClipboard() {
+  Platform.GetClipboard = hostbus::ReadClipboardFile;
+  Platform.SetClipboard = hostbus::WriteClipboardFile;
+}
+
+// A host in another process needs a clipboard that it reaches too.
 void UseBus(const Words& /*All*/) {
   hostbus::UseHostBus([](int) {});
+  UseFileClipboard();
 }
 
 const std::map<Text, void (*)(const Words& All)>& Forms() {
@@ -119,6 +127,12 @@ void HostCommand(const Words& All) {
 }
 
 void UseSimulatedHost() {
+  if (hostbus::IsClipboardFileNamed()) {
+    UseFileClipboard();
+  } else {
+    Platform.GetClipboard = [] { return State.Clipboard; };
+    Platform.SetClipboard = [](const Text& Value) { State.Clipboard = Value; };
+  }
   Simulated().Host.SetClipboard = [](const Text& Value) { Platform.SetClipboard(Value); };
   Platform.Host.Open = [](const Text&) {
     if (!Simulated().Present) throw Failure("No application answers", NoApplicationAnswers);

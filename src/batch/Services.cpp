@@ -4,7 +4,6 @@
 
 #include "batch/Batch.h"
 #include "batch/HostCommands.h"
-#include "hostbus/ClipboardFile.h"
 #include "hostbus/HostBus.h"
 #include "platform/posix/PosixServices.h"
 #include "shell/MainForm.h"
@@ -123,14 +122,6 @@ void UseBatchServices() {
   Platform.ShowColourDialog = ShowColourDialog;
   Platform.RunModal = RunModal;
   Platform.DoEvents = DoEvents;
-  // A clipboard that another process is told too, where there is one.
-  if (hostbus::ClipboardFilePath().empty()) {
-    Platform.GetClipboard = [] { return State.Clipboard; };
-    Platform.SetClipboard = [](const Text& Value) { State.Clipboard = Value; };
-  } else {
-    Platform.GetClipboard = hostbus::ReadClipboardFile;
-    Platform.SetClipboard = hostbus::WriteClipboardFile;
-  }
   UseSimulatedHost();
   Platform.DecimalSeparator = [] { return State.DecimalSeparator; };
   Platform.OtherInstanceRuns = [] { return State.OtherInstance; };

@@ -18,12 +18,7 @@ int Complain(const Text& Reason) {
 }
 
 int RunWithoutDisplay(Simulator& Sim) {
-  if (hostbus::ClipboardFilePath().empty()) {
-    std::fputs("morvantis-sim: no display, and ZELVANOR_CLIPBOARD names no file: nothing can be copied\n", stderr);
-    Sim.Host.SetClipboard = [](const Text&) { throw Failure("Morvantis has no clipboard"); };
-  } else {
-    Sim.Host.SetClipboard = hostbus::WriteClipboardFile;
-  }
+  Sim.Host.SetClipboard = hostbus::WriteClipboardFile;
   StartProgram(Sim);
   for (;;) {
     if (!hostbus::ServePending(*Sim.Server)) return 1;
@@ -47,7 +42,7 @@ int Run(int Count, char** Words) {
     OpenSimulator(Sim, std::move(Given));
     std::printf("morvantis-sim: %s\n", hostbus::BusName(hostbus::HostApplication, hostbus::Topic).c_str());
     std::fflush(stdout);
-    if (hostbus::ClipboardFilePath().empty() && HasDisplay()) return RunOnDisplay(Sim, Count, Words);
+    if (!hostbus::IsClipboardFileNamed() && HasDisplay()) return RunOnDisplay(Sim, Count, Words);
     return RunWithoutDisplay(Sim);
   } catch (const Failure& Problem) {
     return Complain(Problem.What);

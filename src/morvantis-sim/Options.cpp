@@ -19,8 +19,9 @@ for tests:
   --die TEXT             dies at the first command or item that begins with TEXT
   --hang TEXT            never answers the first command or item that begins with TEXT
 
-A copied selection goes to the clipboard of the display; or, where the environment variable ZELVANOR_CLIPBOARD names a
-file, into that file. The program that takes it has to be told the same.
+A copied selection goes to the clipboard of the display. Where the environment variable ZELVANOR_CLIPBOARD names a file,
+that file stands for the clipboard; the program that takes the selection has to be told the same. Without a display and
+without the variable, both take a file in the user's runtime directory.
 )";
 
 namespace {

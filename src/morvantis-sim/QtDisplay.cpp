@@ -1,11 +1,24 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QSocketNotifier>
+#include <QStringDecoder>
 #include <QTimer>
 
 #include "morvantis-sim/Display.h"
 
 namespace zelvanor::morvantis_sim {
+
+namespace {
+
+// Old host text may be in a single-byte character set.
+QString Decode(const Text& Value) {
+  QStringDecoder Decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+  const QByteArrayView Bytes(Value.data(), static_cast<qsizetype>(Value.size()));
+  const QString Decoded = Decoder(Bytes);
+  return Decoder.hasError() ? QString::fromLatin1(Bytes) : Decoded;
+}
+
+}  // namespace
 
 // Without a window of its own only an X server lets a program set the clipboard; a Wayland desktop has one for this.
 bool HasDisplay() { return !qEnvironmentVariableIsEmpty("DISPLAY"); }
@@ -16,7 +29,7 @@ int RunOnDisplay(Simulator& Sim, int& Count, char** Words) {
   qputenv("QT_QPA_PLATFORM", "xcb");
   const QGuiApplication Application(Count, Words);
   Former.isEmpty() ? qunsetenv("QT_QPA_PLATFORM") : qputenv("QT_QPA_PLATFORM", Former);
-  Sim.Host.SetClipboard = [](const Text& Value) { QGuiApplication::clipboard()->setText(QString::fromUtf8(Value)); };
+  Sim.Host.SetClipboard = [](const Text& Value) { QGuiApplication::clipboard()->setText(Decode(Value)); };
   StartProgram(Sim);
   QSocketNotifier Requests(hostbus::ServerDescriptor(*Sim.Server), QSocketNotifier::Read);
   const auto Serve = [&Sim] {
