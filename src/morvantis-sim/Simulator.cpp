@@ -37,7 +37,7 @@ Text Converse(Simulator& Sim, const Text& Partner, const Text& Asked, const Text
   FailAsTold(Sim.Given, Asked);
   Sim.Host.AnswersHaveTag = Sim.AnswersHaveTag.try_emplace(Partner, true).first->second;
   try {
-    const Text Answer = Step();
+    Text Answer = Step();
     Sim.AnswersHaveTag[Partner] = Sim.Host.AnswersHaveTag;
     PrintLog(Sim, Shown + (Answer.empty() ? "" : ": " + Answer));
     return Answer;
@@ -87,6 +87,7 @@ void StartProgram(Simulator& Sim) {
   if (Words[0].find('/') == Text::npos && access(Beside.c_str(), X_OK) == 0) Words[0] = Beside;
   Words.emplace_back(HostWord);
   std::vector<char*> Arguments;
+  Arguments.reserve(Words.size() + 1);
   for (Text& Word : Words) Arguments.push_back(Word.data());
   Arguments.push_back(nullptr);
   const int Outcome = posix_spawnp(&Sim.Started, Arguments[0], nullptr, nullptr, Arguments.data(), environ);
