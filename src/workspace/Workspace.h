@@ -34,28 +34,28 @@ struct WorkspaceState {
   Integer NumEquivalentSets;
 
   // Atom table, index 0..NumAtoms (0..NumNMRAtoms in a results-only document, see ExtendForResults).
-  Array<Integer> AtomNumber;           // serial in its molecule, as the source gave it
-  Array<FixedText<5>> AtomName;        // "-" for none
-  Array<Integer> AtomicNumber;         // 0..128, 0 being the lone pair
-  Array<FixedText<4>> AtomElement;     // symbol as the source gave it
-  Array<FixedText<5>> AtomType;        // force-field type, "**" when not known
-  Array<FixedText<7>> AtomFlags;       // "-" for none
-  Array<Single> AtomCharge;            // e
-  Array<Single> AtomX, AtomY, AtomZ;   // angstrom
-  Array<Integer> AtomCoordination;     // neighbours, 0..12
-  Array2<Integer> AtomNeighbour;       // [atom, 0..12]: atom index of neighbour j
-  Array2<FixedText<2>> AtomBondType;   // [atom, 0..12]: s, d, t, a
-  Array<Integer> AtomMolecule;         // 1-based
-  Array<Integer> AtomInMolecule;       // 1-based
-  Array<Integer> MoleculeAtomCount;    // 0..NumMolecules, element i: atoms of molecule i + 1
+  Array<Integer> AtomNumber;          // serial in its molecule, as the source gave it
+  Array<FixedText<5>> AtomName;       // "-" for none
+  Array<Integer> AtomicNumber;        // 0..128, 0 being the lone pair
+  Array<FixedText<4>> AtomElement;    // symbol as the source gave it
+  Array<FixedText<5>> AtomType;       // force-field type, "**" when not known
+  Array<FixedText<7>> AtomFlags;      // "-" for none
+  Array<Single> AtomCharge;           // e
+  Array<Single> AtomX, AtomY, AtomZ;  // angstrom
+  Array<Integer> AtomCoordination;    // neighbours, 0..12
+  Array2<Integer> AtomNeighbour;      // [atom, 0..12]: atom index of neighbour j
+  Array2<FixedText<2>> AtomBondType;  // [atom, 0..12]: s, d, t, a
+  Array<Integer> AtomMolecule;        // 1-based
+  Array<Integer> AtomInMolecule;      // 1-based
+  Array<Integer> MoleculeAtomCount;   // 0..NumMolecules, element i: atoms of molecule i + 1
 
   // Atom sets; all entries are atom numbers.
   Array<Integer> NMRAtom;
   Array<Integer> NMRAtomicNumber;  // beside NMRAtom; survives without a molecule
   Array<Integer> QuantumAtom;
   Array<Integer> LabelledAtom;
-  Array<Integer> EquivalentSetSize{20};         // only sets 0..9 are cleared and written
-  Array2<Integer> EquivalentAtom{10, 20};       // [set, member]
+  Array<Integer> EquivalentSetSize{20};    // only sets 0..9 are cleared and written
+  Array2<Integer> EquivalentAtom{10, 20};  // [set, member]
 
   // Stage 1 results, index 0..NumNMRAtoms.
   Array<Single> Shielding;      // ppm
@@ -161,8 +161,10 @@ int ReferenceEntryOf(int AtomicNumber);
 void ComputeChemicalShifts();
 // NumSpinHalfAtoms: the NMR atoms that carry the observed nucleus of SpectraType.
 void CountSpinHalfAtoms();
-// Whether an NMR atom is an observed nucleus for the spectrum type. Protons must not be labelled; carbon, nitrogen and
-// oxygen must be; fluorine and phosphorus count in any case.
+// Whether an atom carries a spin one half that the calculation counts: carbon, nitrogen and oxygen only as labelled
+// isotopes, hydrogen only as the common one, every other element in any case.
+bool HasCountedSpin(int AtomicNumber, bool Labelled);
+// Whether an NMR atom is the observed nucleus of the spectrum type: its element, with a counted spin.
 bool IsObservedNucleus(int AtomicNumber, bool Labelled, int SpectraType);
 
 }  // namespace zelvanor
