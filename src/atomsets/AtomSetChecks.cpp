@@ -67,10 +67,10 @@ void RecreateNMRResults(int Count) {
   W.ChemicalShift.ReDim(Count);
 }
 
-// The sets go where one of their members is no NMR atom any more.
+// The sets go where one of their members is no NMR atom any more. The host may have left gaps between them.
 void CheckEquivalentAtoms() {
   const AtomNumbers Members = NumbersIn(W.NMRAtom, W.NumNMRAtoms);
-  for (int Set = 0; Set < W.NumEquivalentSets; ++Set) {
+  for (int Set = 0; Set < NumSavedSets; ++Set) {
     for (int Member = 0; Member < W.EquivalentSetSize[Set]; ++Member) {
       const int Number = W.EquivalentAtom(Set, Member);
       if (Members.contains(Number)) continue;
