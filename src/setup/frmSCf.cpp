@@ -202,10 +202,10 @@ void BuildSCFForm() {
   D.Command2.Click = Command2_Click;
   D.frmSCf.Activate = Form_Activate;
   D.frmSCf.Layout =
-      ColumnOf({GroupOf("Convergence", {ItemOf(D.Check3D1), RowOf({ItemOf(D.Label1), StretchOf(), ItemOf(D.Text1)}),
-                                        RowOf({ItemOf(D.Label2), StretchOf(), ItemOf(D.Text4)})}),
-                GroupOf("Electronic State", {RowOf({ItemOf(D.Label3), StretchOf(), ItemOf(D.Text2), ItemOf(D.Spin2)}),
-                                             RowOf({ItemOf(D.Label4), StretchOf(), ItemOf(D.Text3), ItemOf(D.Spin3)})}),
+      ColumnOf({GroupOf("Convergence", {ItemOf(D.Check3D1), RowOf({ItemOf(D.Label1), ItemOf(D.Text1)}),
+                                        RowOf({ItemOf(D.Label2), ItemOf(D.Text4)})}),
+                GroupOf("Electronic State", {RowOf({ItemOf(D.Label3), ItemOf(D.Text2), ItemOf(D.Spin2)}),
+                                             RowOf({ItemOf(D.Label4), ItemOf(D.Text3), ItemOf(D.Spin3)})}),
                 StretchOf(), RowOf({StretchOf(), ItemOf(D.Command1), ItemOf(D.Command2)})});
 }
 
