@@ -25,7 +25,7 @@ Integer ElementOfAtom(int AtomNumber) {
 Text AtomEntryText(int AtomNumber) {
   const int Atom = AtomNumber - 1;
   const auto Show = [](auto& Field) {
-    const Text Shown = UpperCase(TrimBlanks(Field.View()));
+    Text Shown = UpperCase(TrimBlanks(Field.View()));
     Field = TextView(Shown);
     return Shown;
   };
@@ -36,6 +36,7 @@ Text AtomEntryText(int AtomNumber) {
 
 void FillAtomList(ListBox& List, const Array<Integer>& Atoms, int Count) {
   std::vector<Text> Items;
+  Items.reserve(static_cast<std::size_t>(std::max(Count, 0)));
   for (int Entry = 0; Entry < Count; ++Entry) Items.push_back(AtomEntryText(Atoms[Entry]));
   SetItems(List, std::move(Items));
 }

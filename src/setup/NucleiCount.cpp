@@ -44,7 +44,8 @@ void ResizeResults(int Old, Integer Count) {
 
 void ClearResults(int Atom) {
   W.Shielding[Atom] = 0;
-  std::ranges::fill(W.ShieldTensor.Span().subspan(static_cast<std::size_t>(TensorValues * Atom), TensorValues), 0.0F);
+  const auto FirstValue = static_cast<std::size_t>(TensorValues) * static_cast<std::size_t>(Atom);
+  std::ranges::fill(W.ShieldTensor.Span().subspan(FirstValue, TensorValues), 0.0F);
   std::ranges::fill(W.Coupling.Row(Atom), 0.0F);
   for (int Other = 0; Other < W.NumNMRAtoms; ++Other) W.Coupling(Other, Atom) = 0;
 }

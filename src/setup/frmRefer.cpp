@@ -5,6 +5,7 @@
 #include "basic/NumberText.h"
 #include "basic/Numbers.h"
 #include "platform/Form.h"
+#include "setup/ReferenceShieldings.h"
 #include "shell/Frame.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
@@ -31,11 +32,7 @@ ReferForm Dialog;
 Single& Edited() { return W.ReferenceShieldingEdit[Dialog.List1.ListIndex]; }
 Single InForce() { return W.ReferenceShielding[Dialog.List1.ListIndex]; }
 
-void Form_Load() {
-  std::vector<Text> Names;
-  for (int Entry = 0; Entry < W.NumReferenceElements; ++Entry) Names.push_back(W.ReferenceElementName[Entry]);
-  SetItems(Dialog.List1, std::move(Names));
-}
+void Form_Load() { SetItems(Dialog.List1, ListReferenceNames()); }
 
 void Form_Activate() {
   for (int Entry = 0; Entry < W.NumReferenceElements; ++Entry) {

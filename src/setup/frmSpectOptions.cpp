@@ -5,6 +5,7 @@
 #include "platform/Form.h"
 #include "setup/NucleiCount.h"
 #include "setup/NumberFields.h"
+#include "setup/ReferenceShieldings.h"
 #include "shell/Frame.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
@@ -40,11 +41,7 @@ struct SpectOptionsForm {
 
 SpectOptionsForm Dialog;
 
-void Form_Load() {
-  std::vector<Text> Names;
-  for (int Entry = 0; Entry < W.NumReferenceElements; ++Entry) Names.push_back(W.ReferenceElementName[Entry]);
-  SetItems(Dialog.combo1, std::move(Names));
-}
+void Form_Load() { SetItems(Dialog.combo1, ListReferenceNames()); }
 
 void Form_Activate() {
   Dialog.Type = W.SpectraType;
