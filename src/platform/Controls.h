@@ -42,7 +42,21 @@ enum class ControlKind {
 };
 
 // What a setter has changed; a front end updates that much of the widget.
-enum class Property { Enabled, Visible, Caption, Text, Value, Range, Items, Checked, Pressed, Place, Picture, Cells, Focus };
+enum class Property {
+  Enabled,
+  Visible,
+  Caption,
+  Text,
+  Value,
+  Range,
+  Items,
+  Checked,
+  Pressed,
+  Place,
+  Picture,
+  Cells,
+  Focus
+};
 
 struct Form;
 using Event = std::function<void()>;
