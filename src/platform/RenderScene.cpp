@@ -1,0 +1,326 @@
+#include "platform/RenderScene.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+namespace zelvanor {
+
+namespace {
+
+// Sizes in angstrom, so that they grow with the molecule; the limits are in pixels.
+struct Measure {
+  Double Angstrom;
+  Double Least;
+  Double Most;
+  Double At(Double Scale) const { return std::clamp(Angstrom * Scale, Least, Most); }
+};
+
+constexpr Measure StickWidth{0.06, 1.5, 4};
+constexpr Measure LineWidth{0.12, 2, 12};
+constexpr Measure MultipleLineWidth{0.07, 1.5, 8};
+constexpr Measure CylinderWidth{0.26, 3, 200};
+constexpr Measure MultipleCylinderWidth{0.13, 2, 100};
+constexpr Measure LineGap{0.15, 3, 200};  // between the middles of the lines of one bond
+constexpr Measure CylinderGap{0.2, 4, 200};
+constexpr Measure DotRadius{0.09, 2, 6};
+constexpr Measure LabelHeight{0.3, 11, 18};
+constexpr Double LeastBallRadius = 1.5;
+constexpr Double LeastPickRadius = 4;
+
+// A bond begins a little inside the ball of its atom, so that no gap shows.
+constexpr Double InsideBall = 0.9;
+// Of two things at one depth the one with the larger bias is in front (angstrom).
+constexpr Double BallBias = 0.02;
+constexpr Double DotBias = 0.2;
+constexpr Double LabelBias = 0.21;
+// What lies farther out cannot show.
+constexpr Double FarthestPixel = 1.0e6;
+
+constexpr Colour MonochromeBond = Rgb(150, 150, 150);
+
+struct SceneBuilder {
+  const RenderControl& Of;
+  RenderScene& Scene;
+  Double Scale;
+  Double Width;
+  Double Height;
+  std::vector<ViewPoint> Points;
+};
+
+int RedOf(Colour Value) { return Value & 255; }
+int GreenOf(Colour Value) { return (Value >> 8) & 255; }
+int BlueOf(Colour Value) { return (Value >> 16) & 255; }
+Double BrightnessOf(Colour Value) { return 0.299 * RedOf(Value) + 0.587 * GreenOf(Value) + 0.114 * BlueOf(Value); }
+
+// In monochrome the atoms are light, so that the grey of marked ones stands out and labels are read on all of them.
+Colour ShownAtomColor(const RenderControl& Of, Colour Value) {
+  if (!Of.Monochrome || Value == Of.MarkColor) return Value;
+  constexpr int Darkest = 170;
+  const int Grey = Darkest + static_cast<int>(BrightnessOf(Value) * (255 - Darkest) / 255);
+  return Rgb(Grey, Grey, Grey);
+}
+
+Colour ShownBondColor(const RenderControl& Of) { return Of.Monochrome ? MonochromeBond : Of.BondColor; }
+
+Colour ShownLabelColor(const RenderControl& Of, const RenderAtom& Atom) {
+  if (Of.Monochrome) return Black;
+  const bool Marked = Of.AtomRenderType == AtomLabels && Atom.Color == Of.MarkColor;
+  return Marked ? Of.MarkColor : Of.LabelColor;
+}
+
+// Black round a light text, white round a dark one: it is read on every ground.
+Colour HaloOf(Colour Value) { return BrightnessOf(Value) > 110 ? Black : White; }
+Colour EdgeOf(Colour Value) { return ShadeOf(Value, 0.5); }
+
+bool Shows(const SceneBuilder& B, const ViewPoint& Place, Double Margin) {
+  // Also false for what is no number.
+  return Place.X > -Margin && Place.X < B.Width + Margin && Place.Y > -Margin && Place.Y < B.Height + Margin &&
+         std::fabs(Place.Depth) < FarthestPixel;
+}
+
+Double BallRadius(const RenderAtom& Atom, Double Scale) {
+  return std::max(Atom.Radius * Scale, LeastBallRadius);
+}
+
+// Round a dot ends what the bonds at it leave open.
+Double DotRadiusOf(const RenderControl& Of, Double Scale) {
+  const Double Dot = DotRadius.At(Scale);
+  switch (Of.BondRenderType) {
+    case BondLines:
+      return std::max(Dot, LineWidth.At(Scale) / 2 + 1);
+    case BondCylinders:
+      return std::max(Dot, CylinderWidth.At(Scale) / 2);
+    default:
+      return Dot;
+  }
+}
+
+Double DrawnRadius(const RenderControl& Of, const RenderAtom& Atom, Double Scale) {
+  return Of.AtomRenderType == AtomLabels ? DotRadiusOf(Of, Scale) : BallRadius(Atom, Scale);
+}
+
+void AddBall(SceneBuilder& B, const RenderAtom& Atom, const ViewPoint& Place, int Index) {
+  const bool Dot = B.Of.AtomRenderType == AtomLabels;
+  if (Dot && !Atom.Label.empty()) return;
+  const bool Round = B.Of.AtomRenderType == AtomSpheres || (Dot && B.Of.BondRenderType == BondCylinders);
+  DrawItem Item;
+  Item.Form = Round && !B.Scene.Simple ? DrawForm::Sphere : DrawForm::Disc;
+  Item.Depth = static_cast<Single>(Place.Depth + (Dot ? DotBias : BallBias) * B.Scale);
+  Item.X1 = static_cast<Single>(Place.X);
+  Item.Y1 = static_cast<Single>(Place.Y);
+  Item.Size = static_cast<Single>(DrawnRadius(B.Of, Atom, B.Scale));
+  Item.Fill = ShownAtomColor(B.Of, Atom.Color);
+  Item.Edge = EdgeOf(Item.Fill);
+  Item.Atom = Index;
+  B.Scene.Unsorted.push_back(Item);
+}
+
+void AddLabel(SceneBuilder& B, const RenderAtom& Atom, const ViewPoint& Place, int Index) {
+  if (Atom.Label.empty() || B.Scene.Simple) return;
+  DrawItem Item;
+  Item.Form = DrawForm::Label;
+  Item.Depth = static_cast<Single>(Place.Depth + LabelBias * B.Scale);
+  Item.X1 = static_cast<Single>(Place.X);
+  Item.Y1 = static_cast<Single>(Place.Y);
+  Item.Size = static_cast<Single>(LabelHeight.At(B.Scale));
+  Item.Fill = ShownLabelColor(B.Of, Atom);
+  Item.Edge = HaloOf(Item.Fill);
+  Item.Atom = Index;
+  B.Scene.Unsorted.push_back(Item);
+}
+
+// The half of a bond that belongs to one of its atoms: from the ball's surface to the bond's middle.
+struct HalfBond {
+  ViewPoint Start;
+  ViewPoint End;
+  Double NormalX = 0;  // of length 1 on the surface, the same for both halves
+  Double NormalY = 1;
+  Colour Fill = 0;
+  int Atom = 0;
+};
+
+void AddLine(SceneBuilder& B, const HalfBond& Half, DrawForm Form, Double Width, Double Offset) {
+  DrawItem Item;
+  Item.Form = Form;
+  Item.Depth = static_cast<Single>((Half.Start.Depth + Half.End.Depth) / 2);
+  Item.X1 = static_cast<Single>(Half.Start.X + Offset * Half.NormalX);
+  Item.Y1 = static_cast<Single>(Half.Start.Y + Offset * Half.NormalY);
+  Item.X2 = static_cast<Single>(Half.End.X + Offset * Half.NormalX);
+  Item.Y2 = static_cast<Single>(Half.End.Y + Offset * Half.NormalY);
+  Item.Size = static_cast<Single>(Width);
+  Item.Fill = Half.Fill;
+  Item.Edge = B.Scene.Simple ? Item.Fill : EdgeOf(Item.Fill);
+  Item.Atom = Half.Atom;
+  B.Scene.Unsorted.push_back(Item);
+}
+
+// On which side of the bond its ring lies: the side of the atoms that its two atoms are bonded to aromatically. 1 or -1.
+Double RingSide(const SceneBuilder& B, int First, int Second, const HalfBond& Half) {
+  Double Side = 0;
+  const auto AddNeighbors = [&](int Atom, int Other) {
+    const ViewPoint& From = B.Points[static_cast<std::size_t>(Atom)];
+    for (const RenderBond& Bond : B.Of.Atoms[static_cast<std::size_t>(Atom)].Bonds) {
+      if (Bond.Order != AromaticBond || Bond.Neighbor == Other || Bond.Neighbor < 0) continue;
+      const ViewPoint& To = B.Points[static_cast<std::size_t>(Bond.Neighbor)];
+      Side += (To.X - From.X) * Half.NormalX + (To.Y - From.Y) * Half.NormalY;
+    }
+  };
+  AddNeighbors(First, Second);
+  AddNeighbors(Second, First);
+  return Side < 0 ? -1.0 : 1.0;
+}
+
+// Two lines or three side by side; an aromatic bond is one line and a dashed one on the side of the ring.
+void AddOrders(SceneBuilder& B, const HalfBond& Half, int Neighbor, int Order) {
+  const bool Cylinders = B.Of.BondRenderType == BondCylinders;
+  const DrawForm Form = Cylinders ? DrawForm::Cylinder : DrawForm::Line;
+  const Double Single1 = (Cylinders ? CylinderWidth : LineWidth).At(B.Scale);
+  const Double Multiple = (Cylinders ? MultipleCylinderWidth : MultipleLineWidth).At(B.Scale);
+  const Double Gap = (Cylinders ? CylinderGap : LineGap).At(B.Scale);
+  switch (Order) {
+    case 2:
+      AddLine(B, Half, Form, Multiple, Gap / 2);
+      return AddLine(B, Half, Form, Multiple, -Gap / 2);
+    case 3:
+      AddLine(B, Half, Form, Multiple, Gap);
+      AddLine(B, Half, Form, Multiple, 0);
+      return AddLine(B, Half, Form, Multiple, -Gap);
+    case AromaticBond:
+      AddLine(B, Half, Form, Multiple, 0);
+      return AddLine(B, Half, DrawForm::DashedLine, Multiple * (Cylinders ? 0.6 : 1.0),
+                     Gap * RingSide(B, Half.Atom, Neighbor, Half));
+    default:
+      return AddLine(B, Half, Form, Single1, 0);
+  }
+}
+
+void AddHalfBond(SceneBuilder& B, int Index, const RenderBond& Bond) {
+  const ViewPoint& From = B.Points[static_cast<std::size_t>(Index)];
+  const ViewPoint& To = B.Points[static_cast<std::size_t>(Bond.Neighbor)];
+  const Double DX = To.X - From.X;
+  const Double DY = To.Y - From.Y;
+  const Double DZ = To.Depth - From.Depth;
+  const Double Length = std::sqrt(DX * DX + DY * DY + DZ * DZ);
+  if (!(Length > 0)) return;
+  const RenderAtom& Atom = B.Of.Atoms[static_cast<std::size_t>(Index)];
+  const bool FromBall = B.Of.AtomRenderType != AtomLabels;
+  const Double Start = FromBall ? InsideBall * BallRadius(Atom, B.Scale) / Length : 0.0;
+  if (Start >= 0.5) return;
+
+  HalfBond Half;
+  Half.Start = {From.X + Start * DX, From.Y + Start * DY, From.Depth + Start * DZ};
+  Half.End = {From.X + 0.5 * DX, From.Y + 0.5 * DY, From.Depth + 0.5 * DZ};
+  Half.Atom = Index;
+  Half.Fill = B.Of.BondRenderType == BondLines ? ShownAtomColor(B.Of, Atom.Color) : ShownBondColor(B.Of);
+  if (const Double Flat = std::hypot(DX, DY); Flat > 0) {
+    const Double Sign = Index < Bond.Neighbor ? 1.0 : -1.0;
+    Half.NormalX = -DY / Flat * Sign;
+    Half.NormalY = DX / Flat * Sign;
+  }
+  if (B.Scene.Simple) return AddLine(B, Half, DrawForm::Line, StickWidth.At(B.Scale), 0);
+  if (B.Of.BondRenderType == BondSticks) return AddLine(B, Half, DrawForm::Line, StickWidth.At(B.Scale), 0);
+  AddOrders(B, Half, Bond.Neighbor, Bond.Order);
+}
+
+void ProjectAtoms(SceneBuilder& B) {
+  B.Points.reserve(B.Of.Atoms.size());
+  for (const RenderAtom& Atom : B.Of.Atoms) B.Points.push_back(ProjectPoint(B.Of, Atom.X, Atom.Y, Atom.Z));
+}
+
+void AddAtoms(SceneBuilder& B) {
+  // A half of a bond reaches as far from its atom as the atoms are apart; that much margin keeps it.
+  const Double BondMargin = 4 * B.Scale;
+  const int Count = static_cast<int>(B.Of.Atoms.size());
+  for (int Index = 0; Index < Count; ++Index) {
+    const RenderAtom& Atom = B.Of.Atoms[static_cast<std::size_t>(Index)];
+    const ViewPoint& Place = B.Points[static_cast<std::size_t>(Index)];
+    const Double Margin = std::max(BondMargin, DrawnRadius(B.Of, Atom, B.Scale)) + LabelHeight.Most * 4;
+    if (!Shows(B, Place, Margin)) continue;
+    for (const RenderBond& Bond : Atom.Bonds) {
+      if (Bond.Neighbor >= 0) AddHalfBond(B, Index, Bond);
+    }
+    AddBall(B, Atom, Place, Index);
+    AddLabel(B, Atom, Place, Index);
+  }
+}
+
+// A float as a whole number of the same order.
+std::uint32_t SortKey(Single Value) {
+  const auto Bits = std::bit_cast<std::uint32_t>(Value);
+  constexpr std::uint32_t SignBit = 0x80000000U;
+  return (Bits & SignBit) != 0 ? ~Bits : Bits | SignBit;
+}
+
+// What lies at one depth keeps the order in which it was added.
+void SortItems(RenderScene& Scene) {
+  Scene.Order.clear();
+  Scene.Order.reserve(Scene.Unsorted.size());
+  for (std::size_t Place = 0; Place < Scene.Unsorted.size(); ++Place) {
+    Scene.Order.push_back(std::uint64_t{SortKey(Scene.Unsorted[Place].Depth)} << 32 | Place);
+  }
+  std::sort(Scene.Order.begin(), Scene.Order.end());
+  Scene.Items.clear();
+  Scene.Items.reserve(Scene.Unsorted.size());
+  for (const std::uint64_t Entry : Scene.Order) {
+    Scene.Items.push_back(Scene.Unsorted[static_cast<std::uint32_t>(Entry)]);
+  }
+}
+
+}  // namespace
+
+void BuildScene(const RenderControl& Of, RenderScene& Scene) {
+  Scene.Background = Of.Monochrome ? White : Of.BackColor;
+  Scene.Simple = Of.SimpleDrawing;
+  Scene.Unsorted.clear();
+  SceneBuilder Builder{Of,
+                       Scene,
+                       ViewScale(Of),
+                       static_cast<Double>(Of.Width) / TwipsPerPixelX,
+                       static_cast<Double>(Of.Height) / TwipsPerPixelY,
+                       {}};
+  ProjectAtoms(Builder);
+  AddAtoms(Builder);
+  SortItems(Scene);
+}
+
+ViewPoint ProjectPoint(const RenderControl& Of, Double X, Double Y, Double Z) {
+  const auto& M = Of.Transform;
+  const Double MiddleX = static_cast<Double>(Of.Width) / TwipsPerPixelX / 2;
+  const Double MiddleY = static_cast<Double>(Of.Height) / TwipsPerPixelY / 2;
+  return {MiddleX + X * M[0] + Y * M[3] + Z * M[6] + M[9], MiddleY - (X * M[1] + Y * M[4] + Z * M[7] + M[10]),
+          X * M[2] + Y * M[5] + Z * M[8] + M[11]};
+}
+
+Double ViewScale(const RenderControl& Of) {
+  constexpr std::size_t LinearPart = 9;
+  Double Sum = 0;
+  for (std::size_t Place = 0; Place < LinearPart; ++Place) Sum += Of.Transform[Place] * Of.Transform[Place];
+  return std::sqrt(Sum / 3);
+}
+
+int PickAtom(const RenderControl& Of, Double X, Double Y) {
+  const Double Scale = ViewScale(Of);
+  int Picked = -1;
+  Double Nearest = 0;
+  for (std::size_t Index = 0; Index < Of.Atoms.size(); ++Index) {
+    const RenderAtom& Atom = Of.Atoms[Index];
+    const ViewPoint Place = ProjectPoint(Of, Atom.X, Atom.Y, Atom.Z);
+    const Double Reach = std::max(DrawnRadius(Of, Atom, Scale), LeastPickRadius);
+    if (!(std::hypot(Place.X - X, Place.Y - Y) <= Reach)) continue;
+    if (Picked >= 0 && Place.Depth <= Nearest) continue;
+    Picked = static_cast<int>(Index);
+    Nearest = Place.Depth;
+  }
+  return Picked;
+}
+
+Colour ShadeOf(Colour Value, Double Share) {
+  const auto Shade = [Share](int Part) {
+    const Double Shaded = Share <= 1 ? Part * Share : Part + (255 - Part) * (Share - 1);
+    return std::clamp(static_cast<int>(std::lround(Shaded)), 0, 255);
+  };
+  return Rgb(Shade(RedOf(Value)), Shade(GreenOf(Value)), Shade(BlueOf(Value)));
+}
+
+}  // namespace zelvanor
