@@ -117,7 +117,8 @@ void RefuseWhereWrong() {
   Sample.replace(Sample.find('.'), 1, Platform.DecimalSeparator());
   if (Sample != "12.3") {
     ShowError(
-        "Sorry, Zelvanor will not run with the current Windows number format.  Please change the International Settings "
+        "Sorry, Zelvanor will not run with the current Windows number format.  Please change the International "
+        "Settings "
         "using the Windows Control Panel and use \".\" for the decimal separator.");
     EndProgram();
   }

@@ -6,8 +6,8 @@
 #include "platform/TextFiles.h"
 #include "settings/SettingsState.h"
 #include "shell/Frame.h"
-#include "spectrum/SpectrumScale.h"
 #include "spectrum/SpectrumDrawing.h"
+#include "spectrum/SpectrumScale.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
@@ -74,7 +74,7 @@ bool RunStage2(const char* Purpose) {
       !RunBackend("2", Purpose) || !IsSet(ReadSpectResults(Settings.SpectOutputFile))) {
     return false;
   }
-  Normalize();
+  IgnoreFailure(Normalize);
   ShowStatus("Calculation has completed.");
   return true;
 }
@@ -125,15 +125,6 @@ void SetFlagsAfterBoth(int DoneStages) {
   if (DoneStages == 0) W.ViewMode = MoleculeView;
 }
 
-// The new peak list goes into the view; without one, or where it can't be scaled, the view stays as it was.
-void TakeSpectrum() {
-  try {
-    TransferVBX();
-  } catch (const Failure&) {
-    // Drawing meets the same and leaves the surface empty.
-  }
-}
-
 bool AcceptOptions() {
   if (IsCouplingOn() && IsSet(W.CalculateShielding)) return true;
   const char* Item = IsSet(W.CalculateShielding) ? "<spin-coupling constants>" : "<shielding constants>";
@@ -167,8 +158,8 @@ Flag EmptyResultFile(const Text& Path) {
 }
 
 void WaitForBackend(Long ProcessId) {
+  const Long Handle = Platform.OpenProcess(ProcessId);
   for (;;) {
-    const Long Handle = Platform.OpenProcess(ProcessId);
     Platform.DoEvents();
     const ProcessStatus Status = Platform.GetExitCodeProcess(Handle);
     if (!Status.Known || Status.ExitCode != StillActive) return;
@@ -189,7 +180,7 @@ void mnuComputeSpectra_Click() {
   EnterBusy();
   SetFlagsAfterStage2(RunStage2("> "));
   LeaveBusy();
-  TakeSpectrum();
+  IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
   RefreshView();
 }
 
@@ -204,7 +195,7 @@ void mnuComputeAll_Click() {
   }
   SetFlagsAfterBoth(DoneStages);
   LeaveBusy();
-  TakeSpectrum();
+  IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
   RefreshView();
 }
 

@@ -158,8 +158,7 @@ void ReadSpectLines() {
   const TextView Header = NextLine();
   const auto Holds = [&](const char* Word) { return Header.find(Word) != TextView::npos; };
   if (!Holds("FREQUENCY") && !Holds("INTENSITY") && !Holds("LINEWIDTH")) {
-    ShowWarning(
-        "Error reading the spectrum header, which should say 'FREQUENCY INTENSITY DEGENERACY LINEWIDTH'.");
+    ShowWarning("Error reading the spectrum header, which should say 'FREQUENCY INTENSITY DEGENERACY LINEWIDTH'.");
     throw ReadRefused();
   }
   ReadPeaks();

@@ -22,8 +22,8 @@ DecimalDigits SplitDigits(Number Value, int Significant) {
   const auto Outcome = std::to_chars(Buffer.data(), Buffer.data() + Buffer.size(), std::fabs(Value),
                                      std::chars_format::scientific, Significant - 1);
   DecimalDigits Result;
-  const char* Mark = static_cast<const char*>(
-      std::memchr(Buffer.data(), 'e', static_cast<std::size_t>(Outcome.ptr - Buffer.data())));
+  const char* Mark =
+      static_cast<const char*>(std::memchr(Buffer.data(), 'e', static_cast<std::size_t>(Outcome.ptr - Buffer.data())));
   for (const char* Place = Buffer.data(); Place != Mark; ++Place) {
     if (*Place != '.') Result.Digits[static_cast<std::size_t>(Result.Count++)] = *Place;
   }

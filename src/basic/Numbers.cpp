@@ -23,7 +23,8 @@ std::size_t CountDigits(TextView Value, std::size_t From) {
   return End - From;
 }
 
-// Where the number at the head of Value ends; 0 when there is none. MarkPlace gets the exponent letter's place, or npos.
+// Where the number at the head of Value ends; 0 when there is none. MarkPlace gets the exponent letter's place, or
+// npos.
 std::size_t ScanNumber(TextView Value, std::size_t& MarkPlace) {
   MarkPlace = TextView::npos;
   std::size_t End = !Value.empty() && (Value[0] == '+' || Value[0] == '-') ? 1 : 0;

@@ -50,7 +50,7 @@ namespace detail {
 template <class T>
 concept IntegerOperand = std::same_as<T, Integer> || std::same_as<T, int>;
 template <class A, class B>
-concept IntegerPair = IntegerOperand<A> && IntegerOperand<B> && (std::same_as<A, Integer> || std::same_as<B, Integer>);
+concept IntegerPair = IntegerOperand<A> && IntegerOperand<B> &&(std::same_as<A, Integer> || std::same_as<B, Integer>);
 // Sums of two 32-bit operands in 64 bits, so that the check sees the true result.
 constexpr Integer Narrow(std::int64_t Value) {
   if (Value < -32768 || Value > 32767) throw Failure(failures::Overflow);
@@ -59,19 +59,13 @@ constexpr Integer Narrow(std::int64_t Value) {
 }  // namespace detail
 
 template <class A, class B>
-  requires detail::IntegerPair<A, B>
-constexpr Integer operator+(A Left, B Right) {
-  return detail::Narrow(std::int64_t{int(Left)} + int(Right));
-}
+requires detail::IntegerPair<A, B>
+constexpr Integer operator+(A Left, B Right) { return detail::Narrow(std::int64_t{int(Left)} + int(Right)); }
 template <class A, class B>
-  requires detail::IntegerPair<A, B>
-constexpr Integer operator-(A Left, B Right) {
-  return detail::Narrow(std::int64_t{int(Left)} - int(Right));
-}
+requires detail::IntegerPair<A, B>
+constexpr Integer operator-(A Left, B Right) { return detail::Narrow(std::int64_t{int(Left)} - int(Right)); }
 template <class A, class B>
-  requires detail::IntegerPair<A, B>
-constexpr Integer operator*(A Left, B Right) {
-  return detail::Narrow(std::int64_t{int(Left)} * int(Right));
-}
+requires detail::IntegerPair<A, B>
+constexpr Integer operator*(A Left, B Right) { return detail::Narrow(std::int64_t{int(Left)} * int(Right)); }
 
 }  // namespace zelvanor

@@ -173,16 +173,14 @@ Double FrequencyOf(Long Peak) {
   return Stored == 0.0 ? 0.0 : -Stored;
 }
 
-Double ShiftOf(Long Peak) {
-  return Workspace.NMRFrequency == 0 ? 0.0 : FrequencyOf(Peak) / Workspace.NMRFrequency;
-}
+Double ShiftOf(Long Peak) { return Workspace.NMRFrequency == 0 ? 0.0 : FrequencyOf(Peak) / Workspace.NMRFrequency; }
 
 Text BuildCsv() {
   Text Csv = "ppm,Hz,intensity,degeneracy,line width\n";
   for (Long Peak = 0; Peak < Workspace.PeakCount; ++Peak) {
     Csv += Join(static_cast<Single>(ShiftOf(Peak)), ",", static_cast<Single>(FrequencyOf(Peak)), ",",
-                Workspace.PeakIntensity[Peak], ",", Workspace.PeakDegeneracy[Peak], ",",
-                Workspace.PeakLineWidth[Peak], "\n");
+                Workspace.PeakIntensity[Peak], ",", Workspace.PeakDegeneracy[Peak], ",", Workspace.PeakLineWidth[Peak],
+                "\n");
   }
   return Csv;
 }
@@ -199,8 +197,9 @@ Text BuildJcamp() {
                  "\n##JCAMP-DX=5.00\n##DATA TYPE=NMR PEAK TABLE\n##DATA CLASS=PEAK TABLE\n##ORIGIN=Zelvanor\n"
                  "##OWNER=",
                  Workspace.SpectDescription, "\n##.OBSERVE FREQUENCY=", Workspace.NMRFrequency,
-                 "\n##.OBSERVE NUCLEUS=", NucleusName(), "\n##XUNITS=PPM\n##YUNITS=ARBITRARY UNITS\n##NPOINTS=",
-                 Workspace.PeakCount, "\n$$ each row: shift in ppm, intensity, line width in Hz; its frequency in Hz ",
+                 "\n##.OBSERVE NUCLEUS=", NucleusName(),
+                 "\n##XUNITS=PPM\n##YUNITS=ARBITRARY UNITS\n##NPOINTS=", Workspace.PeakCount,
+                 "\n$$ each row: shift in ppm, intensity, line width in Hz; its frequency in Hz ",
                  "and degeneracy behind it\n##PEAK TABLE=(XYW..XYW)\n");
   for (Long Peak = 0; Peak < Workspace.PeakCount; ++Peak) {
     Dx += Join(static_cast<Single>(ShiftOf(Peak)), ", ", Workspace.PeakIntensity[Peak], ", ",

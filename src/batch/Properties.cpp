@@ -89,10 +89,10 @@ Answer ReadPicture(const PictureSurface& Of, const PropertyName& Name) {
   }
   if (Name.Name == "TextItem") {
     const PictureText& Item = ElementOf(Of.Texts, Name.Places[0]);
-    return ScriptValue{{GeneralForm(Long{Item.X}), GeneralForm(Long{Item.Y}), Escaped(Item.Value),
-                        GeneralForm(Long{Item.Pen})},
-                       false,
-                       true};
+    return ScriptValue{
+        {GeneralForm(Long{Item.X}), GeneralForm(Long{Item.Y}), Escaped(Item.Value), GeneralForm(Long{Item.Pen})},
+        false,
+        true};
   }
   return {};
 }

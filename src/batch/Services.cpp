@@ -76,7 +76,8 @@ BoxAnswer ShowBox(const MessageBox& Box) {
 }
 
 std::optional<Text> ShowFileDialog(const FileDialog& Dialog) {
-  if (State.Files.empty()) throw ScriptStop{NoAnswerQueued, "no file is queued for the dialog " + Escaped(Dialog.Title)};
+  if (State.Files.empty())
+    throw ScriptStop{NoAnswerQueued, "no file is queued for the dialog " + Escaped(Dialog.Title)};
   std::optional<Text> Chosen = TakeFirst(State.Files);
   PrintOut(Text("dialog ") + (Dialog.Save ? "save " : "open ") + Escaped(Dialog.Title) + " " +
            Chosen.value_or("cancel"));

@@ -35,7 +35,8 @@ bool IsOneOf(TextView Word, std::initializer_list<const char*> Words) {
   return std::any_of(Words.begin(), Words.end(), [&](const char* Known) { return Word == Known; });
 }
 
-// Line counts the lines with tokens from 1: three lines stand before a Z-matrix, whose rows are full from the fourth on.
+// Line counts the lines with tokens from 1: three lines stand before a Z-matrix, whose rows are full from the fourth
+// on.
 bool IsZMatrixRow(const Text& First, int Line, int TokenCount) {
   constexpr int FirstRow = 4;
   constexpr int FirstFullRow = 7;
@@ -216,12 +217,12 @@ void mnuFileNew_Click() {
 
 void mnuFileOpen_Click() {
   if (QuerySave() != False) return;
-  const std::optional<Text> Chosen = Platform.ShowFileDialog(
-      {.Title = "Open File",
-       .FileName = AnyDocument,
-       .Filter = "Zelvanor (*.NMR)|*.NMR |Morvantis (*.MVS)|*.MVS|MOPAC Z-Matrix (*.ZMT)|*.ZMT",
-       .DefaultExtension = Extension,
-       .Save = false});
+  const std::optional<Text> Chosen =
+      Platform.ShowFileDialog({.Title = "Open File",
+                               .FileName = AnyDocument,
+                               .Filter = "Zelvanor (*.NMR)|*.NMR |Morvantis (*.MVS)|*.MVS|MOPAC Z-Matrix (*.ZMT)|*.ZMT",
+                               .DefaultExtension = Extension,
+                               .Save = false});
   if (!Chosen) return;
   if (const Text Problem = WhyUnreadable(*Chosen); *Chosen != AnyFile && !Problem.empty()) {
     ShowWarning(Join("Could not open file ", Quoted(*Chosen), " ", Problem, "."));

@@ -65,9 +65,7 @@ constexpr std::array<OptionRow, 14> Options = {{
     {.Key = "NMRFrequency",
      .Write = Number<&WS::NMRFrequency>,
      .Take = [](WS& W, const Text& Value) { W.NMRFrequency = StrictLong(Value); }},
-    {.Key = "CalculateShielding",
-     .Write = YesNo<&WS::CalculateShielding>,
-     .Take = TakeFlag<&WS::CalculateShielding>},
+    {.Key = "CalculateShielding", .Write = YesNo<&WS::CalculateShielding>, .Take = TakeFlag<&WS::CalculateShielding>},
     // Whether the tensor is calculated is the user's setting; a document does not change it.
     {.Key = "CalculateShieldTensor", .Write = YesNo<&WS::CalculateShieldTensor>, .Take = nullptr},
     {.Key = "CalculateCoupling",

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "basic/Numbers.h"
 #include "basic/NumberText.h"
+#include "basic/Numbers.h"
 #include "platform/Services.h"
 
 namespace zelvanor {

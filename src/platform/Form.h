@@ -26,7 +26,8 @@ inline Arrangement GroupOf(Text Title, std::vector<Arrangement> Parts) {
 }
 inline Arrangement StretchOf() { return {}; }
 
-// A window. Caption is its title, Width and Height its inner size in twips. A secondary window is hidden, not destroyed.
+// A window. Caption is its title, Width and Height its inner size in twips. A secondary window is hidden, not
+// destroyed.
 struct Form : Control {
   explicit Form(Text Name);
 

@@ -7,8 +7,8 @@
 namespace zelvanor {
 
 // Initialisation files: sections in square brackets, lines "key = value", comments behind ";" or "#" at a line's start.
-// Sections and keys are told apart without case; of keys that stand twice the first one counts. Values are taken without
-// blanks and tabs at their ends and without a pair of quotes around them.
+// Sections and keys are told apart without case; of keys that stand twice the first one counts. Values are taken
+// without blanks and tabs at their ends and without a pair of quotes around them.
 
 // A look-up gives at most this many characters.
 inline constexpr std::size_t ProfileTextLimit = 128;

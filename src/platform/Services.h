@@ -60,22 +60,22 @@ struct PlatformServices {
   std::function<void(Control& Target, Property What)> ControlChanged;
 
   std::function<BoxAnswer(const MessageBox& Box)> ShowBox;
-  std::function<std::optional<Text>(const FileDialog& Dialog)> ShowFileDialog;         // none: cancelled
-  std::function<std::optional<Colour>(Colour Current)> ShowColourDialog;               // none: cancelled
-  std::function<void(Form& Target)> RunModal;                                          // until the form is hidden
+  std::function<std::optional<Text>(const FileDialog& Dialog)> ShowFileDialog;  // none: cancelled
+  std::function<std::optional<Colour>(Colour Current)> ShowColourDialog;        // none: cancelled
+  std::function<void(Form& Target)> RunModal;                                   // until the form is hidden
   std::function<void()> DoEvents;  // serves pending window events; may wait some milliseconds while a process runs
   std::function<void(MousePointer Pointer)> SetPointer;
   std::function<void(const Text& File, HelpCommand Command)> ShowHelp;
   std::function<Text()> GetClipboard;
   std::function<void(const Text& Value)> SetClipboard;
 
-  std::function<Text()> DecimalSeparator;    // of the regional settings
-  std::function<bool()> OtherInstanceRuns;   // takes the instance lock as well
-  std::function<Text()> ProgramDirectory;    // of the running program, without a separator at its end
+  std::function<Text()> DecimalSeparator;   // of the regional settings
+  std::function<bool()> OtherInstanceRuns;  // takes the instance lock as well
+  std::function<Text()> ProgramDirectory;   // of the running program, without a separator at its end
   std::function<Text()> WinIniPath;
 
-  std::function<Long(const Text& CommandLine)> Shell;            // starts a process; its id; throws a Failure
-  std::function<Long(Long ProcessId)> OpenProcess;               // a handle, 0 for none
+  std::function<Long(const Text& CommandLine)> Shell;  // starts a process; its id; throws a Failure
+  std::function<Long(Long ProcessId)> OpenProcess;     // a handle, 0 for none
   std::function<ProcessStatus(Long Handle)> GetExitCodeProcess;
 
   HostConversation Host;

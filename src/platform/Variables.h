@@ -75,7 +75,8 @@ void AddVariable(const Text& Name, T& Variable) {
   Variables().Add(Name, std::move(Access));
 }
 
-// One dimension; Elements is an Array, a std::array or a plain array. An Array that is too short for an assigned element grows.
+// One dimension; Elements is an Array, a std::array or a plain array. An Array that is too short for an assigned
+// element grows.
 template <class Elements>
 void AddArray(const Text& Name, Elements& Variable, std::function<int()> Count) {
   using T = std::remove_reference_t<decltype(Variable[0])>;

@@ -88,9 +88,8 @@ void ReadRadiusSet(const Text& Section) {
   const Text Default = ReadIniText(Section, "Default", "0.3");
   for (int Element = 0; Element < NumElementEntries; ++Element) {
     const Text Symbol = ElementSymbol(Element);
-    const std::optional<Double> Value =
-        ValidateNumberText(ReadIniText(Section, Symbol, Default), HighEndIncluded, 0, 1000,
-                           Join("radius for ", Symbol, " from ini file"), True);
+    const std::optional<Double> Value = ValidateNumberText(ReadIniText(Section, Symbol, Default), HighEndIncluded, 0,
+                                                           1000, Join("radius for ", Symbol, " from ini file"), True);
     if (Value) S.AtomRadii[static_cast<std::size_t>(Element)] = static_cast<Single>(*Value);
   }
 }

@@ -15,7 +15,7 @@ constexpr int NumStoredReferences = 6;
 
 struct SpectrumTypeRow {
   const char* Form;
-  const char* Word;      // both words are accepted in any case
+  const char* Word;  // both words are accepted in any case
   const char* LongWord;
 };
 
@@ -74,7 +74,8 @@ Text ReadIniText(TextView Section, TextView Key, TextView Default) {
 Integer SpectrumTypeFromText(TextView Value) {
   for (std::size_t Index = 0; Index < SpectrumTypes.size(); ++Index) {
     const SpectrumTypeRow& Row = SpectrumTypes[Index];
-    if (EqualsIgnoringCase(Value, Row.Word) || EqualsIgnoringCase(Value, Row.LongWord)) return {static_cast<int>(Index)};
+    if (EqualsIgnoringCase(Value, Row.Word) || EqualsIgnoringCase(Value, Row.LongWord))
+      return {static_cast<int>(Index)};
   }
   WarnOfSpectrumType(Value);
   return 0;
@@ -95,8 +96,7 @@ void SetSettingsText(int Index, TextView Value) {
 Flag CheckRange(Double Value, Integer Mode, Double Low, Double High, const Text& ItemName, Flag Report) {
   const bool LowIncluded = Mode == BothEndsIncluded || Mode == LowEndIncluded;
   const bool HighIncluded = Mode == BothEndsIncluded || Mode == HighEndIncluded;
-  const Text Prefix =
-      IsSet(Report) && !ItemName.empty() ? Join("Error updating ", Quoted(ItemName), "\n") : Text();
+  const Text Prefix = IsSet(Report) && !ItemName.empty() ? Join("Error updating ", Quoted(ItemName), "\n") : Text();
   const auto Refuse = [&](const char* Relation, bool Included, Double Limit) {
     if (IsSet(Report)) {
       ShowError(Join(Prefix, "Provide a value ", Relation, " than ", Included ? "or equal to " : "", Limit, "."));
@@ -134,6 +134,7 @@ void ReadReferenceShieldings(Array<Single>& Values, const Text& Section) {
 
 std::vector<ProfileEntry> ReferenceShieldingEntries() {
   std::vector<ProfileEntry> Entries;
+  Entries.reserve(NumStoredReferences);
   for (int Entry = 0; Entry < NumStoredReferences; ++Entry) {
     Entries.push_back({ReferenceSection, ReferenceKey(Entry), GeneralForm(Workspace.ReferenceShielding[Entry])});
   }

@@ -55,8 +55,20 @@ constexpr const char* TypeWords = "|PROTON|CARBON-13|NITROGEN-15|FLUORINE-19|PHO
 
 // In the order in which they are read: AbsLineWidth stands before the two widths that it decides on.
 constexpr std::array<SettingRow, 31> Rows = {{
-    {.Slot = 0, .Key = "AtomRenderType", .Default = "1", .Is = ItemForm::WholeRange, .Low = 1, .High = 3, .AfterWarning = "1"},
-    {.Slot = 1, .Key = "BondRenderType", .Default = "1", .Is = ItemForm::WholeRange, .Low = 1, .High = 3, .AfterWarning = "1"},
+    {.Slot = 0,
+     .Key = "AtomRenderType",
+     .Default = "1",
+     .Is = ItemForm::WholeRange,
+     .Low = 1,
+     .High = 3,
+     .AfterWarning = "1"},
+    {.Slot = 1,
+     .Key = "BondRenderType",
+     .Default = "1",
+     .Is = ItemForm::WholeRange,
+     .Low = 1,
+     .High = 3,
+     .AfterWarning = "1"},
     {.Slot = 2, .Key = "BackColor", .Default = "RGB(255, 255, 255)", .Is = ItemForm::PlainText},
     {.Slot = 3, .Key = "LabelColor", .Default = "RGB(255, 255, 0)", .Is = ItemForm::PlainText},
     {.Slot = 4, .Key = "BondColor", .Default = "RGB(192, 192, 192)", .Is = ItemForm::PlainText},

@@ -8,11 +8,11 @@
 namespace zelvanor {
 
 inline constexpr int NumSettingsTexts = 32;
-inline constexpr int NumSets = 3;            // of colours, and of radii
+inline constexpr int NumSets = 3;              // of colours, and of radii
 inline constexpr int NumElementEntries = 129;  // element numbers 0..128
 
-// What win.ini and nmr.ini have given, and what goes back into nmr.ini at exit. Options that belong to the document live
-// in the Workspace in between.
+// What win.ini and nmr.ini have given, and what goes back into nmr.ini at exit. Options that belong to the document
+// live in the Workspace in between.
 struct SettingsState {
   // Directories, without a separator at the end.
   Text NMRExePath;
@@ -34,13 +34,13 @@ struct SettingsState {
   std::array<Text, NumSets> RadiusSetName;
   std::array<Text, NumSets> ColorSetTitle;
   std::array<Text, NumSets> RadiusSetTitle;
-  Integer CurrentColorSet;   // -1 until one is selected
+  Integer CurrentColorSet;  // -1 until one is selected
   Integer CurrentRadiusSet;
   std::array<Colour, NumElementEntries> AtomColors{};
   std::array<Single, NumElementEntries> AtomRadii{};
 
-  Colour SelectionColor = 0;          // mark of selected atoms
-  Colour SpectrumLineColor = 0;       // as nmr.ini gave them; the spectrum view has its own
+  Colour SelectionColor = 0;     // mark of selected atoms
+  Colour SpectrumLineColor = 0;  // as nmr.ini gave them; the spectrum view has its own
   Colour SpectrumEnvelopColor = 0;
   Colour SpectrumSelectionColor = 0;
 

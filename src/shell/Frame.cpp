@@ -24,8 +24,7 @@ struct Available {
 };
 
 Available FindAvailable() {
-  return {IsSet(W.MoleculeLoaded), IsSet(W.ShieldingAvailable), IsSet(W.CouplingAvailable),
-          IsSet(W.SpectraAvailable)};
+  return {IsSet(W.MoleculeLoaded), IsSet(W.ShieldingAvailable), IsSet(W.CouplingAvailable), IsSet(W.SpectraAvailable)};
 }
 
 void Enable(Control& Target, bool Enabled) { SetEnabled(Target, ToFlag(Enabled)); }
@@ -97,8 +96,9 @@ void UpdateCommands(int View) {
   Enable(Main.mnuCopy, ShownDataExist(Has, View));
   UpdateViewControls(Has, View);
 
-  for (Control* Item : {static_cast<Control*>(&Main.mnuEditCalculateTypes), static_cast<Control*>(&Main.mnuViewMolecule),
-                        static_cast<Control*>(&Main.picToolbar[ToolMolecule])}) {
+  for (Control* Item :
+       {static_cast<Control*>(&Main.mnuEditCalculateTypes), static_cast<Control*>(&Main.mnuViewMolecule),
+        static_cast<Control*>(&Main.picToolbar[ToolMolecule])}) {
     Enable(*Item, Has.Molecule);
   }
   // A results-only document has fewer atoms than NMR atoms: there is nothing to run stage 1 on.
@@ -144,8 +144,8 @@ void SetBusy(Flag Ready) {
 
 void MenuHelp(TextView Caption) {
   const auto Rows = MenuRows();
-  const auto Row = std::find_if(Rows.begin(), Rows.end(),
-                                [&](const MenuRow& R) { return (Main.*R.Item).Caption == Caption; });
+  const auto Row =
+      std::find_if(Rows.begin(), Rows.end(), [&](const MenuRow& R) { return (Main.*R.Item).Caption == Caption; });
   if (Row != Rows.end() && *Row->Help != '\0') ShowStatus(Row->Help);
 }
 
@@ -159,8 +159,8 @@ void SubClass1_MenuSelect(int Flags, TextView ItemText) {
 
 void PlaceSpectrum() {
   const Form& Window = Main.frmNMR;
-  const int Free = Window.Height - Main.StatusBar.Height - Main.ToolbarHeight - Main.HScroll1.Height -
-                   Main.HScroll2.Height;
+  const int Free =
+      Window.Height - Main.StatusBar.Height - Main.ToolbarHeight - Main.HScroll1.Height - Main.HScroll2.Height;
   SetPlace(Main.Spectrum1, 0, Main.ToolbarHeight + Main.HScroll2.Height, Window.Width, std::max(Free, 1));
 }
 

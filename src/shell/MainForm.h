@@ -101,7 +101,7 @@ struct MainForm {
   int ToolbarHeight = TwipsFromPixels(30);
   Text ToolHelp[NumToolButtons];
   Text HelpFile;
-  Integer LinkMode;  // 1: the host may open a conversation on the window
+  Integer LinkMode;       // 1: the host may open a conversation on the window
   Integer MouseMode = 2;  // in the molecule view: 1 select atoms, 2 rotate, 3 translate
   Integer AtomLabelMode;  // what the labels of the molecule view say, 0..5
 

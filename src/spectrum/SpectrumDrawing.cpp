@@ -5,8 +5,8 @@
 #include <cmath>
 #include <cstdint>
 
-#include "basic/Numbers.h"
 #include "basic/NumberText.h"
+#include "basic/Numbers.h"
 #include "shell/Frame.h"
 #include "spectrum/Envelope.h"
 #include "spectrum/SpectrumScale.h"
@@ -153,7 +153,7 @@ Double RoundUp(Double Value) { return Value < 0 ? std::trunc(Value) : std::trunc
 // Labels stand side by side from left to right and inside the surface: one at an end moves inwards, one without room
 // beside the label before it is left out.
 struct LabelRow {
-  int Width = 0;   // of the surface
+  int Width = 0;  // of the surface
   int FreeFrom = 0;
 
   void Print(DrawingContext& Context, int X, int Y, const Text& Label, Colour Pen) {

@@ -36,9 +36,7 @@ void RepeatReadout() {
 }
 
 // The width that the bar stands for, as a share of the window.
-void TakeRelativeLineWidth() {
-  V.CurrentLineWidth = ToSingle(GetHighLow() * Main.HScroll2.Value * WidthPerBarStep);
-}
+void TakeRelativeLineWidth() { V.CurrentLineWidth = ToSingle(GetHighLow() * Main.HScroll2.Value * WidthPerBarStep); }
 
 void ResetView() {
   V.HorizontalOffset = 0;
@@ -181,9 +179,8 @@ void ShowPeakReadout(Long Peak) {
   V.PickedPeak = Peak;
   const Single Frequency = W.PeakFrequency[Peak] == 0.0F ? 0.0F : -W.PeakFrequency[Peak];
   const Single Shift = ToSingle(Divide(Frequency, W.NMRFrequency));
-  ShowStatus(Join("Shift=", FormatNumber(Shift, "######.000"), " ppm", "  Freq=", Frequency,
-                  " Hz  Inten=", W.PeakIntensity[Peak], "  Degen=", W.PeakDegeneracy[Peak],
-                  "  Width=", W.PeakLineWidth[Peak]));
+  ShowStatus(Join("Shift=", FormatNumber(Shift, "######.000"), " ppm", "  Freq=", Frequency, " Hz  Inten=",
+                  W.PeakIntensity[Peak], "  Degen=", W.PeakDegeneracy[Peak], "  Width=", W.PeakLineWidth[Peak]));
 }
 
 void IntegrateRange(Single Low, Single High) {
@@ -196,9 +193,7 @@ void IntegrateRange(Single Low, Single High) {
   Text Name = W.ReferenceElementName[W.SpectraType];
   std::transform(Name.begin(), Name.end(), Name.begin(),
                  [](char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C - 'A' + 'a') : C; });
-  const auto Ppm = [](Single Frequency) {
-    return FormatNumber(Divide(-Double{Frequency}, W.NMRFrequency), "0.000");
-  };
+  const auto Ppm = [](Single Frequency) { return FormatNumber(Divide(-Double{Frequency}, W.NMRFrequency), "0.000"); };
   ShowStatus(Join("Integrated intensity from ", Ppm(Low), " to ", Ppm(High), " ppm equivalent to ",
                   FormatNumber(Equivalent, "0.0"), " ", Name, "(s)."));
 }

@@ -4,7 +4,8 @@
 
 namespace zelvanor {
 
-// Limits, scales and window of the spectrum view. Each routine throws a Failure where the view has nothing to divide by.
+// Limits, scales and window of the spectrum view. Each routine throws a Failure where the view has nothing to divide
+// by.
 
 // Cuts the tail of a peak list behind the point where it stops making sense: the peaks of nuclei out of range.
 void Normalize();

@@ -22,7 +22,7 @@ struct SpectrumViewState {
   Flag UseGaussian = False;
   Integer DisplayMode;
   Long SelectedPeak = 0;  // drawn in the selection colour; -1 for none
-  Double Linewidth = 0;  // Hz, last one given to a peak
+  Double Linewidth = 0;   // Hz, last one given to a peak
   Double LoadedHigh = 0;
   Double LoadedLow = 0;
   Double FullLow = 0;  // limits of the whole spectrum, margin included
@@ -30,12 +30,12 @@ struct SpectrumViewState {
   Double ViewLow = 0;  // limits of the window, before panning
   Double ViewHigh = 0;
   Double CenterFrequency = 0;
-  Double MaxIntensity = 0;     // 1.2 times the tallest line in the window
-  Double VerticalScale = 0;    // pixels per unit of intensity
-  Double EnvelopeScale = 0;    // pixels per unit of envelope
-  Long HorizontalOffset = 0;   // Hz, panning: added to both limits of the window
-  Double HorizontalScale = 0;  // pixels per Hz
-  Double SpectrometerMHz = 0;  // of the peak list at hand
+  Double MaxIntensity = 0;         // 1.2 times the tallest line in the window
+  Double VerticalScale = 0;        // pixels per unit of intensity
+  Double EnvelopeScale = 0;        // pixels per unit of envelope
+  Long HorizontalOffset = 0;       // Hz, panning: added to both limits of the window
+  Double HorizontalScale = 0;      // pixels per Hz
+  Double SpectrometerMHz = 0;      // of the peak list at hand
   Long SpectrometerFrequency = 0;  // MHz, as last told
   Colour GraphClr = 0;
   Colour EnvelopClr = White;

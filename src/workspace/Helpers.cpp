@@ -68,8 +68,8 @@ Integer ElementNumber(TextView Symbol) {
 
 Flag BoolFromText(TextView Value) {
   constexpr std::array<const char*, 5> Words = {"Y", "YES", "TRUE", "T", "1"};
-  return ToFlag(std::any_of(Words.begin(), Words.end(),
-                            [&](const char* Word) { return EqualsIgnoringCase(Word, Value); }));
+  return ToFlag(
+      std::any_of(Words.begin(), Words.end(), [&](const char* Word) { return EqualsIgnoringCase(Word, Value); }));
 }
 
 Text TextFromBool(int Value) { return Value == True ? "Yes" : "No"; }

@@ -34,28 +34,28 @@ struct WorkspaceState {
   Integer NumEquivalentSets;
 
   // Atom table, index 0..NumAtoms (0..NumNMRAtoms in a results-only document, see ExtendForResults).
-  Array<Integer> AtomNumber;           // serial in its molecule, as the source gave it
-  Array<FixedText<5>> AtomName;        // "-" for none
-  Array<Integer> AtomicNumber;         // 0..128, 0 being the lone pair
-  Array<FixedText<4>> AtomElement;     // symbol as the source gave it
-  Array<FixedText<5>> AtomType;        // force-field type, "**" when not known
-  Array<FixedText<7>> AtomFlags;       // "-" for none
-  Array<Single> AtomCharge;            // e
-  Array<Single> AtomX, AtomY, AtomZ;   // angstrom
-  Array<Integer> AtomCoordination;     // neighbours, 0..12
-  Array2<Integer> AtomNeighbour;       // [atom, 0..12]: atom index of neighbour j
-  Array2<FixedText<2>> AtomBondType;   // [atom, 0..12]: s, d, t, a
-  Array<Integer> AtomMolecule;         // 1-based
-  Array<Integer> AtomInMolecule;       // 1-based
-  Array<Integer> MoleculeAtomCount;    // 0..NumMolecules, element i: atoms of molecule i + 1
+  Array<Integer> AtomNumber;          // serial in its molecule, as the source gave it
+  Array<FixedText<5>> AtomName;       // "-" for none
+  Array<Integer> AtomicNumber;        // 0..128, 0 being the lone pair
+  Array<FixedText<4>> AtomElement;    // symbol as the source gave it
+  Array<FixedText<5>> AtomType;       // force-field type, "**" when not known
+  Array<FixedText<7>> AtomFlags;      // "-" for none
+  Array<Single> AtomCharge;           // e
+  Array<Single> AtomX, AtomY, AtomZ;  // angstrom
+  Array<Integer> AtomCoordination;    // neighbours, 0..12
+  Array2<Integer> AtomNeighbour;      // [atom, 0..12]: atom index of neighbour j
+  Array2<FixedText<2>> AtomBondType;  // [atom, 0..12]: s, d, t, a
+  Array<Integer> AtomMolecule;        // 1-based
+  Array<Integer> AtomInMolecule;      // 1-based
+  Array<Integer> MoleculeAtomCount;   // 0..NumMolecules, element i: atoms of molecule i + 1
 
   // Atom sets; all entries are atom numbers.
   Array<Integer> NMRAtom;
   Array<Integer> NMRAtomicNumber;  // beside NMRAtom; survives without a molecule
   Array<Integer> QuantumAtom;
   Array<Integer> LabelledAtom;
-  Array<Integer> EquivalentSetSize{20};         // only sets 0..9 are cleared and written
-  Array2<Integer> EquivalentAtom{10, 20};       // [set, member]
+  Array<Integer> EquivalentSetSize{20};    // only sets 0..9 are cleared and written
+  Array2<Integer> EquivalentAtom{10, 20};  // [set, member]
 
   // Stage 1 results, index 0..NumNMRAtoms.
   Array<Single> Shielding;      // ppm

@@ -69,7 +69,9 @@ Text FindWinIni() {
 }  // namespace
 
 void UsePosixServices() {
-  Platform.ShowBox = [](const MessageBox& Box) { return Box.Buttons == BoxButtons::Ok ? BoxAnswer::Ok : BoxAnswer::Cancel; };
+  Platform.ShowBox = [](const MessageBox& Box) {
+    return Box.Buttons == BoxButtons::Ok ? BoxAnswer::Ok : BoxAnswer::Cancel;
+  };
   Platform.ShowFileDialog = [](const FileDialog&) { return std::optional<Text>(); };
   Platform.ShowColourDialog = [](Colour) { return std::optional<Colour>(); };
   Platform.RunModal = [](Form& Target) { HideForm(Target); };

@@ -54,7 +54,7 @@ Descriptor OpenToRead(const Text& Path, int MoreFlags) {
   if (File >= 0) return Descriptor(File);
   const int Problem = errno;
   if (Problem == ENOENT && Path.find('/') != Text::npos) {
-    struct stat Folder{};
+    struct stat Folder {};
     if (stat(Path.substr(0, Path.rfind('/') + 1).c_str(), &Folder) != 0) throw Failure(failures::PathNotFound);
   }
   throw Failure(FailureTextFromErrno(Problem));
@@ -63,7 +63,7 @@ Descriptor OpenToRead(const Text& Path, int MoreFlags) {
 Text ReadWhole(const Text& Path) {
   const Descriptor File = OpenToRead(Path, 0);
   Text Content;
-  struct stat Status{};
+  struct stat Status {};
   if (fstat(File.Value, &Status) == 0 && S_ISREG(Status.st_mode)) {
     Content.reserve(static_cast<std::size_t>(Status.st_size) + 1);
   }
@@ -170,7 +170,7 @@ Text WhyUnreadable(const Text& Path) {
   try {
     // Non-blocking, so that a pipe without a writer does not hold the program up.
     const Descriptor File = OpenToRead(Path, O_NONBLOCK);
-    struct stat Status{};
+    struct stat Status {};
     if (fstat(File.Value, &Status) == 0 && S_ISDIR(Status.st_mode)) return failures::PathAccess;
     return {};
   } catch (const Failure& Problem) {
@@ -181,10 +181,11 @@ Text WhyUnreadable(const Text& Path) {
 Flag FileExists(const Text& Path) { return ToFlag(WhyUnreadable(Path).empty()); }
 
 bool KeepFormerContent(const Text& Path) {
-  struct stat Status{};
+  struct stat Status {};
   if (stat(Path.c_str(), &Status) != 0 || !S_ISREG(Status.st_mode) || Status.st_size == 0) return false;
   const Text Content = ReadWhole(Path);
-  const Descriptor Copy(open(FormerPath(Path).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, Status.st_mode & 0777));
+  const Descriptor Copy(
+      open(FormerPath(Path).c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, Status.st_mode & 0777));
   if (Copy.Value < 0) ThrowErrno();
   WriteAll(Copy.Value, Content);
   if (fsync(Copy.Value) != 0) ThrowErrno();
