@@ -4,10 +4,15 @@
 #include "basic/NumberText.h"
 #include "files/FileCommands.h"
 #include "host/GetCommand.h"
+#include "molecule/AtomSelection.h"
+#include "molecule/MoleculeView.h"
+#include "molecule/MouseDrag.h"
+#include "molecule/frmRender.h"
 #include "platform/Paths.h"
 #include "platform/Variables.h"
 #include "settings/ColorSets.h"
 #include "settings/Settings.h"
+#include "settings/frmPreference.h"
 #include "setup/ReferenceShieldings.h"
 #include "shell/Frame.h"
 #include "shell/ShellVariables.h"
@@ -42,6 +47,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileSave, mnuFileSave_Click},
     {&MainForm::mnuFileSaveAs, mnuFileSaveAs_Click},
     {&MainForm::mnuFileGet, mnuFileGet_Click},
+    {&MainForm::mnuPreferences, mnuPreferences_Click},
     {&MainForm::mnuFileExit, mnuFileExit_Click},
     {&MainForm::mnuViewMolecule, mnuViewMolecule_Click},
     {&MainForm::mnuViewShielding, mnuViewShielding_Click},
@@ -53,6 +59,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click},
     {&MainForm::mnuLorentzian, mnuLorentzian_Click},
     {&MainForm::mnuGaussian, mnuGaussian_Click},
+    {&MainForm::mnuViewRender, mnuViewRender_Click},
     {&MainForm::mnuComputeNMR, mnuComputeNMR_Click},
     {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
     {&MainForm::mnuComputeAll, mnuComputeAll_Click},
@@ -89,10 +96,33 @@ void ConnectMainForm() {
   Main.Spectrum1.MouseDown = Spectrum1_MouseDown;
   Main.Spectrum1.MouseMove = Spectrum1_MouseMove;
   Main.Spectrum1.MouseUp = Spectrum1_MouseUp;
+  Main.MolRender1.MouseDown = MolRender1_MouseDown;
+  Main.MolRender1.MouseMove = MolRender1_MouseMove;
+  Main.MolRender1.MouseUp = MolRender1_MouseUp;
+  Main.MolRender1.MouseWheel = MolRender1_MouseWheel;
+  Main.MolRender1.AtomClick = MolRender1_AtomClick;
+  Main.MolRender1.NoAtomClick = MolRender1_NoAtomClick;
   StatusSink = [](TextView Value) { SetStatus(Main.StatusBar, Value); };
 }
 
+void ConnectPreferences() {
+  Preferences.GetGraphClr = GetGraphClr;
+  Preferences.GetSelectionClr = GetSelectionClr;
+  Preferences.GetEnvelop = GetEnvelop;
+  Preferences.SetGraphClr = SetGraphClr;
+  Preferences.SetSelectionClr = SetSelectionClr;
+  Preferences.SetEnvelop = SetEnvelop;
+  Preferences.SetMonochrome = SetMonochrome;
+  Preferences.SetSpectrumBackground = [](Colour Value) { SetBackColor(Main.Spectrum1, Value); };
+  Preferences.GetMoleculeBackground = [] { return Main.MolRender1.BackColor; };
+  Preferences.TakeMoleculePreferences = TakeMoleculePreferences;
+  Preferences.RefreshView = RefreshView;
+}
+
 void ConnectRooms() {
+  Rooms.ShowMoleculeView = ShowMoleculeView;
+  Rooms.TurnMolecule = TurnMolecule;
+  Rooms.FitMolecule = FitMolecule;
   Rooms.ShowSpectrumView = ShowSpectrumView;
   Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
   Rooms.TakeOpenedSpectrum = TakeOpenedSpectrum;
@@ -169,6 +199,7 @@ void TakeSettings() {
   Settings.PrefGraphColor = GetGraphClr();
   Settings.PrefSelectionColor = GetSelectionClr();
   Settings.PrefEnvelopColor = GetEnvelop();
+  InitMoleculeView();
 }
 
 }  // namespace
@@ -176,12 +207,18 @@ void TakeSettings() {
 void BuildProgram() {
   BuildMainForm();
   BuildAboutForm();
+  BuildPreferenceForm();
+  BuildRenderForm();
   ConnectMainForm();
   ConnectRooms();
+  ConnectPreferences();
   AddWorkspaceVariables();
   AddSettingsVariables();
   AddShellVariables();
   AddSpectrumVariables();
+  AddMoleculeVariables();
+  AddRenderFormVariables();
+  AddPreferenceVariables();
   AddVariable("StartedAlone", StartedAlone);
 }
 
@@ -201,6 +238,7 @@ void Form_Load(const Text& CommandLine) {
 void Form_Resize() {
   IgnoreFailure(BeginSpectrumResize);
   LayOutWindow();
+  IgnoreFailure(PlaceMoleculeView);
   IgnoreFailure(EndSpectrumResize);
 }
 

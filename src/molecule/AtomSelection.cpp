@@ -54,14 +54,12 @@ void RemoveFromSelection(RenderControl& Control, int Removed) {
   M.NumSelectedAtoms = Kept;
 }
 
-Text TotalText(TextView Ending) {
-  return Join(" (total of ", M.NumSelectedAtoms, Ending);
-}
+Text TotalText(TextView Ending) { return Join(" (total of ", M.NumSelectedAtoms, Ending); }
 
 void ShowSelectedAtom(int Atom) {
-  Text Line = Join("Selected atom ", W.AtomInMolecule[Atom], " is ", TrimBlanks(W.AtomElement[Atom].View()),
-                   " with type ", TrimBlanks(W.AtomType[Atom].View()), " at ", W.AtomX[Atom], ", ", W.AtomY[Atom],
-                   ", ", W.AtomZ[Atom]);
+  Text Line =
+      Join("Selected atom ", W.AtomInMolecule[Atom], " is ", TrimBlanks(W.AtomElement[Atom].View()), " with type ",
+           TrimBlanks(W.AtomType[Atom].View()), " at ", W.AtomX[Atom], ", ", W.AtomY[Atom], ", ", W.AtomZ[Atom]);
   if (M.NumSelectedAtoms > 1) Line += TotalText(" atoms selected).");
   ShowStatus(Line);
 }

@@ -7,8 +7,8 @@ namespace zelvanor {
 // The selection of the molecule view: MainForm holds the list, this file keeps it and its marks together. Atoms are
 // 0-based indices.
 
-// Adds the atom (On set) or removes it (On 0); nothing where it is so already. The mark replaces its colour, which comes
-// back with the removal.
+// Adds the atom (On set) or removes it (On 0); nothing where it is so already. The mark replaces its colour, which
+// comes back with the removal.
 void SelectAtom(RenderControl& Control, int Atom, Flag On);
 void SelectAllAtoms(RenderControl& Control);
 void UnselectAllAtoms(RenderControl& Control);

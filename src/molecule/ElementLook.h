@@ -13,8 +13,8 @@ struct ElementLook {
 };
 using ElementLooks = std::array<ElementLook, NumElementEntries>;
 
-// The set "balls and sticks" holds covalent radii, and its balls are drawn at this share of them; the balls of the other
-// sets are drawn as the file has them.
+// The set "balls and sticks" holds covalent radii, and its balls are drawn at this share of them; the balls of the
+// other sets are drawn as the file has them.
 inline constexpr Single BallShare = 0.5F;
 
 // From the current colour and radius sets; where nmr.ini has no section for one, the customary colours and the covalent

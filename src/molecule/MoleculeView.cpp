@@ -141,9 +141,7 @@ void FitMolecule() {
 }
 
 void TurnMolecule(int Degrees) {
-  IgnoreFailure([Degrees] {
-    RotateAboutCentre(Main.MolRender1, 0, 0, DegreesToRadians(Degrees), V.RotationCentre);
-  });
+  IgnoreFailure([Degrees] { RotateAboutCentre(Main.MolRender1, 0, 0, DegreesToRadians(Degrees), V.RotationCentre); });
 }
 
 void UpdateAtomLabels(RenderControl& Control) {

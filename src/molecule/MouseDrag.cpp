@@ -12,7 +12,7 @@ namespace zelvanor {
 namespace {
 
 MoleculeViewState& V = MoleculeView1;
-RenderControl& Control = Main.MolRender1;
+RenderControl& View = Main.MolRender1;
 
 constexpr int RotateMode = 2;
 constexpr int TranslateMode = 3;
@@ -35,32 +35,32 @@ void RotateBy(const DragStep& Step) {
   if (!(V.MouseViewSize > 0)) return;
   const Double Angle = Pi / V.MouseViewSize;
   // The near side of the system goes with the pointer.
-  RotateAboutCentre(Control, -Step.DY * Angle, Step.DX * Angle, 0, V.RotationCentre);
+  RotateAboutCentre(View, -Step.DY * Angle, Step.DX * Angle, 0, V.RotationCentre);
 }
 
 // The direction of a place as seen from the middle of the control.
-Double DirectionOf(Single X, Single Y) { return std::atan2(Control.Height / 2.0 - Y, X - Control.Width / 2.0); }
+Double DirectionOf(Single X, Single Y) { return std::atan2(View.Height / 2.0 - Y, X - View.Width / 2.0); }
 
 void TurnInPlane(Single X, Single Y) {
   const Double Swept = std::remainder(DirectionOf(X, Y) - DirectionOf(V.LastX, V.LastY), 2 * Pi);
-  RotateAboutCentre(Control, 0, 0, Swept, V.RotationCentre);
+  RotateAboutCentre(View, 0, 0, Swept, V.RotationCentre);
 }
 
 void TranslateBy(const DragStep& Step) {
   ViewMatrix M{};
-  GetViewTransform(Control, M);
+  GetViewTransform(View, M);
   TranslateView(static_cast<Single>(Step.DX), static_cast<Single>(Step.DY), 0, M);
-  SetViewTransform(Control, M);
+  SetViewTransform(View, M);
 }
 
 void MagnifyBy(Double Factor) {
   ViewMatrix M{};
-  GetViewTransform(Control, M);
+  GetViewTransform(View, M);
   MagnifyView(Factor, M);
   // Beyond these ends nothing can be seen any more, and further on numbers overflow.
   const Double Stretch = std::hypot(M[0][0], M[0][1], M[0][2]);
   if (Stretch < LeastScale || Stretch > MostScale) return;
-  SetViewTransform(Control, M);
+  SetViewTransform(View, M);
 }
 
 void TakeStep(Single X, Single Y) {
@@ -83,7 +83,7 @@ void TakeStep(Single X, Single Y) {
 void BeginDrag(int Button, MouseDrag State, TextView Hint) {
   V.MouseDragButton = Button;
   V.MouseDragState = State;
-  Control.SimpleDrawing = GetAtomCount(Control) > FullDrawingAtoms;
+  View.SimpleDrawing = GetAtomCount(View) > FullDrawingAtoms;
   ShowStatus(Hint);
 }
 
@@ -92,9 +92,8 @@ void BeginDrag(int Button, MouseDrag State, TextView Hint) {
 void MolRender1_MouseDown(int Button, int /*Shift*/, Single X, Single Y) {
   V.MouseDownX = X;
   V.MouseDownY = Y;
-  V.MouseViewSize = static_cast<Single>(Control.Height <= Control.Width
-                                            ? static_cast<Double>(Control.Height) / TwipsPerPixelY
-                                            : static_cast<Double>(Control.Width) / TwipsPerPixelX);
+  V.MouseViewSize = static_cast<Single>(View.Height <= View.Width ? static_cast<Double>(View.Height) / TwipsPerPixelY
+                                                                  : static_cast<Double>(View.Width) / TwipsPerPixelX);
   if (V.MouseDragState != NoDrag) return;
   V.LastX = X;
   V.LastY = Y;
@@ -119,8 +118,8 @@ void MolRender1_MouseMove(int /*Button*/, int /*Shift*/, Single X, Single Y) {
 void MolRender1_MouseUp(int Button, int /*Shift*/, Single /*X*/, Single /*Y*/) {
   if (V.MouseDragState == NoDrag || Button != V.MouseDragButton) return;
   V.MouseDragState = NoDrag;
-  Control.SimpleDrawing = false;
-  RepaintRender(Control);
+  View.SimpleDrawing = false;
+  RepaintRender(View);
 }
 
 void MolRender1_MouseWheel(Double Notches) {

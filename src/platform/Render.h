@@ -102,8 +102,8 @@ void RepaintRender(RenderControl& Of);
 
 inline constexpr const char* InvalidProperty = "Invalid property value";
 
-// The user's mouse, in twips. A button that comes up near where it went down is a click, on the atom that the pointer is
-// on or on none.
+// The user's mouse, in twips. A button that comes up near where it went down is a click, on the atom that the pointer
+// is on or on none.
 void RenderMouseDown(RenderControl& Of, int Button, int Shift, Single X, Single Y);
 void RenderMouseMove(RenderControl& Of, int Button, int Shift, Single X, Single Y);
 void RenderMouseUp(RenderControl& Of, int Button, int Shift, Single X, Single Y);

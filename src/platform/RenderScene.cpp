@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <tuple>
+#include <utility>
 
 namespace zelvanor {
 
@@ -30,6 +32,7 @@ constexpr Double LeastPickRadius = 4;
 
 // A bond begins a little inside the ball of its atom, so that no gap shows.
 constexpr Double InsideBall = 0.9;
+constexpr Double SeamPixels = 0.5;
 // Of two things at one depth the one with the larger bias is in front (angstrom).
 constexpr Double BallBias = 0.02;
 constexpr Double DotBias = 0.2;
@@ -79,9 +82,7 @@ bool Shows(const SceneBuilder& B, const ViewPoint& Place, Double Margin) {
          std::fabs(Place.Depth) < FarthestPixel;
 }
 
-Double BallRadius(const RenderAtom& Atom, Double Scale) {
-  return std::max(Atom.Radius * Scale, LeastBallRadius);
-}
+Double BallRadius(const RenderAtom& Atom, Double Scale) { return std::max(Atom.Radius * Scale, LeastBallRadius); }
 
 // Round a dot ends what the bonds at it leave open.
 Double DotRadiusOf(const RenderControl& Of, Double Scale) {
@@ -148,6 +149,11 @@ void AddLine(SceneBuilder& B, const HalfBond& Half, DrawForm Form, Double Width,
   Item.Y1 = static_cast<Single>(Half.Start.Y + Offset * Half.NormalY);
   Item.X2 = static_cast<Single>(Half.End.X + Offset * Half.NormalX);
   Item.Y2 = static_cast<Single>(Half.End.Y + Offset * Half.NormalY);
+  // The light falls on the same side of both halves.
+  if (std::tie(Item.X2, Item.Y2) < std::tie(Item.X1, Item.Y1)) {
+    std::swap(Item.X1, Item.X2);
+    std::swap(Item.Y1, Item.Y2);
+  }
   Item.Size = static_cast<Single>(Width);
   Item.Fill = Half.Fill;
   Item.Edge = B.Scene.Simple ? Item.Fill : EdgeOf(Item.Fill);
@@ -155,7 +161,8 @@ void AddLine(SceneBuilder& B, const HalfBond& Half, DrawForm Form, Double Width,
   B.Scene.Unsorted.push_back(Item);
 }
 
-// On which side of the bond its ring lies: the side of the atoms that its two atoms are bonded to aromatically. 1 or -1.
+// On which side of the bond its ring lies: the side of the atoms that its two atoms are bonded to aromatically. 1 or
+// -1.
 Double RingSide(const SceneBuilder& B, int First, int Second, const HalfBond& Half) {
   Double Side = 0;
   const auto AddNeighbors = [&](int Atom, int Other) {
@@ -208,9 +215,12 @@ void AddHalfBond(SceneBuilder& B, int Index, const RenderBond& Bond) {
   const Double Start = FromBall ? InsideBall * BallRadius(Atom, B.Scale) / Length : 0.0;
   if (Start >= 0.5) return;
 
+  // The halves overlap by a little, so that no seam shows between them.
+  const Double End = 0.5 + std::min(SeamPixels / Length, 0.1);
+
   HalfBond Half;
   Half.Start = {From.X + Start * DX, From.Y + Start * DY, From.Depth + Start * DZ};
-  Half.End = {From.X + 0.5 * DX, From.Y + 0.5 * DY, From.Depth + 0.5 * DZ};
+  Half.End = {From.X + End * DX, From.Y + End * DY, From.Depth + End * DZ};
   Half.Atom = Index;
   Half.Fill = B.Of.BondRenderType == BondLines ? ShownAtomColor(B.Of, Atom.Color) : ShownBondColor(B.Of);
   if (const Double Flat = std::hypot(DX, DY); Flat > 0) {
