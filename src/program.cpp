@@ -96,6 +96,7 @@ void ConnectMainForm() {
   Main.Spectrum1.MouseDown = Spectrum1_MouseDown;
   Main.Spectrum1.MouseMove = Spectrum1_MouseMove;
   Main.Spectrum1.MouseUp = Spectrum1_MouseUp;
+  Main.MolRender1.AccessibleName = "Molecule";
   Main.MolRender1.MouseDown = MolRender1_MouseDown;
   Main.MolRender1.MouseMove = MolRender1_MouseMove;
   Main.MolRender1.MouseUp = MolRender1_MouseUp;

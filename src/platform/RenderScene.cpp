@@ -32,7 +32,6 @@ constexpr Double LeastPickRadius = 4;
 
 // A bond begins a little inside the ball of its atom, so that no gap shows.
 constexpr Double InsideBall = 0.9;
-constexpr Double SeamPixels = 0.5;
 // Of two things at one depth the one with the larger bias is in front (angstrom).
 constexpr Double BallBias = 0.02;
 constexpr Double DotBias = 0.2;
@@ -131,8 +130,8 @@ void AddLabel(SceneBuilder& B, const RenderAtom& Atom, const ViewPoint& Place, i
   B.Scene.Unsorted.push_back(Item);
 }
 
-// The half of a bond that belongs to one of its atoms: from the ball's surface to the bond's middle.
-struct HalfBond {
+// A bond from ball to ball, or the half of it that belongs to one of its atoms.
+struct BondPiece {
   ViewPoint Start;
   ViewPoint End;
   Double NormalX = 0;  // of length 1 on the surface, the same for both halves
@@ -141,36 +140,36 @@ struct HalfBond {
   int Atom = 0;
 };
 
-void AddLine(SceneBuilder& B, const HalfBond& Half, DrawForm Form, Double Width, Double Offset) {
+void AddLine(SceneBuilder& B, const BondPiece& Piece, DrawForm Form, Double Width, Double Offset) {
   DrawItem Item;
   Item.Form = Form;
-  Item.Depth = static_cast<Single>((Half.Start.Depth + Half.End.Depth) / 2);
-  Item.X1 = static_cast<Single>(Half.Start.X + Offset * Half.NormalX);
-  Item.Y1 = static_cast<Single>(Half.Start.Y + Offset * Half.NormalY);
-  Item.X2 = static_cast<Single>(Half.End.X + Offset * Half.NormalX);
-  Item.Y2 = static_cast<Single>(Half.End.Y + Offset * Half.NormalY);
+  Item.Depth = static_cast<Single>((Piece.Start.Depth + Piece.End.Depth) / 2);
+  Item.X1 = static_cast<Single>(Piece.Start.X + Offset * Piece.NormalX);
+  Item.Y1 = static_cast<Single>(Piece.Start.Y + Offset * Piece.NormalY);
+  Item.X2 = static_cast<Single>(Piece.End.X + Offset * Piece.NormalX);
+  Item.Y2 = static_cast<Single>(Piece.End.Y + Offset * Piece.NormalY);
   // The light falls on the same side of both halves.
   if (std::tie(Item.X2, Item.Y2) < std::tie(Item.X1, Item.Y1)) {
     std::swap(Item.X1, Item.X2);
     std::swap(Item.Y1, Item.Y2);
   }
   Item.Size = static_cast<Single>(Width);
-  Item.Fill = Half.Fill;
+  Item.Fill = Piece.Fill;
   Item.Edge = B.Scene.Simple ? Item.Fill : EdgeOf(Item.Fill);
-  Item.Atom = Half.Atom;
+  Item.Atom = Piece.Atom;
   B.Scene.Unsorted.push_back(Item);
 }
 
 // On which side of the bond its ring lies: the side of the atoms that its two atoms are bonded to aromatically. 1 or
 // -1.
-Double RingSide(const SceneBuilder& B, int First, int Second, const HalfBond& Half) {
+Double RingSide(const SceneBuilder& B, int First, int Second, const BondPiece& Piece) {
   Double Side = 0;
   const auto AddNeighbors = [&](int Atom, int Other) {
     const ViewPoint& From = B.Points[static_cast<std::size_t>(Atom)];
     for (const RenderBond& Bond : B.Of.Atoms[static_cast<std::size_t>(Atom)].Bonds) {
       if (Bond.Order != AromaticBond || Bond.Neighbor == Other || Bond.Neighbor < 0) continue;
       const ViewPoint& To = B.Points[static_cast<std::size_t>(Bond.Neighbor)];
-      Side += (To.X - From.X) * Half.NormalX + (To.Y - From.Y) * Half.NormalY;
+      Side += (To.X - From.X) * Piece.NormalX + (To.Y - From.Y) * Piece.NormalY;
     }
   };
   AddNeighbors(First, Second);
@@ -179,7 +178,7 @@ Double RingSide(const SceneBuilder& B, int First, int Second, const HalfBond& Ha
 }
 
 // Two lines or three side by side; an aromatic bond is one line and a dashed one on the side of the ring.
-void AddOrders(SceneBuilder& B, const HalfBond& Half, int Neighbor, int Order) {
+void AddOrders(SceneBuilder& B, const BondPiece& Piece, int Neighbor, int Order) {
   const bool Cylinders = B.Of.BondRenderType == BondCylinders;
   const DrawForm Form = Cylinders ? DrawForm::Cylinder : DrawForm::Line;
   const Double Single1 = (Cylinders ? CylinderWidth : LineWidth).At(B.Scale);
@@ -187,50 +186,79 @@ void AddOrders(SceneBuilder& B, const HalfBond& Half, int Neighbor, int Order) {
   const Double Gap = (Cylinders ? CylinderGap : LineGap).At(B.Scale);
   switch (Order) {
     case 2:
-      AddLine(B, Half, Form, Multiple, Gap / 2);
-      return AddLine(B, Half, Form, Multiple, -Gap / 2);
+      AddLine(B, Piece, Form, Multiple, Gap / 2);
+      return AddLine(B, Piece, Form, Multiple, -Gap / 2);
     case 3:
-      AddLine(B, Half, Form, Multiple, Gap);
-      AddLine(B, Half, Form, Multiple, 0);
-      return AddLine(B, Half, Form, Multiple, -Gap);
+      AddLine(B, Piece, Form, Multiple, Gap);
+      AddLine(B, Piece, Form, Multiple, 0);
+      return AddLine(B, Piece, Form, Multiple, -Gap);
     case AromaticBond:
-      AddLine(B, Half, Form, Multiple, 0);
-      return AddLine(B, Half, DrawForm::DashedLine, Multiple * (Cylinders ? 0.6 : 1.0),
-                     Gap * RingSide(B, Half.Atom, Neighbor, Half));
+      AddLine(B, Piece, Form, Multiple, 0);
+      return AddLine(B, Piece, DrawForm::DashedLine, Multiple * (Cylinders ? 0.6 : 1.0),
+                     Gap * RingSide(B, Piece.Atom, Neighbor, Piece));
     default:
-      return AddLine(B, Half, Form, Single1, 0);
+      return AddLine(B, Piece, Form, Single1, 0);
   }
 }
 
-void AddHalfBond(SceneBuilder& B, int Index, const RenderBond& Bond) {
-  const ViewPoint& From = B.Points[static_cast<std::size_t>(Index)];
-  const ViewPoint& To = B.Points[static_cast<std::size_t>(Bond.Neighbor)];
+// How far into a bond, as a share of its length, the ball of an atom at its end reaches.
+Double BallShareOf(const SceneBuilder& B, int Index, Double Length) {
+  if (B.Of.AtomRenderType == AtomLabels) return 0;
+  return InsideBall * BallRadius(B.Of.Atoms[static_cast<std::size_t>(Index)], B.Scale) / Length;
+}
+
+// The piece of a bond at the atom First: all of it, or up to its middle.
+void AddBondPiece(SceneBuilder& B, int First, int Second, int Order, Colour Fill, bool Whole) {
+  const ViewPoint& From = B.Points[static_cast<std::size_t>(First)];
+  const ViewPoint& To = B.Points[static_cast<std::size_t>(Second)];
   const Double DX = To.X - From.X;
   const Double DY = To.Y - From.Y;
   const Double DZ = To.Depth - From.Depth;
   const Double Length = std::sqrt(DX * DX + DY * DY + DZ * DZ);
   if (!(Length > 0)) return;
-  const RenderAtom& Atom = B.Of.Atoms[static_cast<std::size_t>(Index)];
-  const bool FromBall = B.Of.AtomRenderType != AtomLabels;
-  const Double Start = FromBall ? InsideBall * BallRadius(Atom, B.Scale) / Length : 0.0;
-  if (Start >= 0.5) return;
+  const Double Start = BallShareOf(B, First, Length);
+  const Double End = Whole ? 1 - BallShareOf(B, Second, Length) : 0.5;
+  if (!(Start < End)) return;
 
-  // The halves overlap by a little, so that no seam shows between them.
-  const Double End = 0.5 + std::min(SeamPixels / Length, 0.1);
-
-  HalfBond Half;
-  Half.Start = {From.X + Start * DX, From.Y + Start * DY, From.Depth + Start * DZ};
-  Half.End = {From.X + End * DX, From.Y + End * DY, From.Depth + End * DZ};
-  Half.Atom = Index;
-  Half.Fill = B.Of.BondRenderType == BondLines ? ShownAtomColor(B.Of, Atom.Color) : ShownBondColor(B.Of);
+  BondPiece Piece;
+  Piece.Start = {From.X + Start * DX, From.Y + Start * DY, From.Depth + Start * DZ};
+  Piece.End = {From.X + End * DX, From.Y + End * DY, From.Depth + End * DZ};
+  Piece.Atom = First;
+  Piece.Fill = Fill;
   if (const Double Flat = std::hypot(DX, DY); Flat > 0) {
-    const Double Sign = Index < Bond.Neighbor ? 1.0 : -1.0;
-    Half.NormalX = -DY / Flat * Sign;
-    Half.NormalY = DX / Flat * Sign;
+    const Double Sign = First < Second ? 1.0 : -1.0;
+    Piece.NormalX = -DY / Flat * Sign;
+    Piece.NormalY = DX / Flat * Sign;
   }
-  if (B.Scene.Simple) return AddLine(B, Half, DrawForm::Line, StickWidth.At(B.Scale), 0);
-  if (B.Of.BondRenderType == BondSticks) return AddLine(B, Half, DrawForm::Line, StickWidth.At(B.Scale), 0);
-  AddOrders(B, Half, Bond.Neighbor, Bond.Order);
+  if (B.Scene.Simple || B.Of.BondRenderType == BondSticks) {
+    return AddLine(B, Piece, DrawForm::Line, StickWidth.At(B.Scale), 0);
+  }
+  AddOrders(B, Piece, Second, Order);
+}
+
+bool IsListed(const SceneBuilder& B, int Atom, int Neighbor) {
+  const std::vector<RenderBond>& Bonds = B.Of.Atoms[static_cast<std::size_t>(Atom)].Bonds;
+  return std::any_of(Bonds.begin(), Bonds.end(),
+                     [Neighbor](const RenderBond& Bond) { return Bond.Neighbor == Neighbor; });
+}
+
+// Both atoms list a bond, as a rule: each draws its own half, or where both halves have one colour the first atom draws
+// all of it. A bond that one atom alone lists is drawn by that one.
+void AddBond(SceneBuilder& B, int Index, const RenderBond& Bond) {
+  const auto FillAt = [&B](int Atom) {
+    if (B.Of.BondRenderType != BondLines) return ShownBondColor(B.Of);
+    return ShownAtomColor(B.Of, B.Of.Atoms[static_cast<std::size_t>(Atom)].Color);
+  };
+  const int Neighbor = Bond.Neighbor;
+  const Colour Fill = FillAt(Index);
+  const Colour OtherFill = FillAt(Neighbor);
+  const bool Shared = IsListed(B, Neighbor, Index);
+  if (Fill == OtherFill) {
+    if (!Shared || Index < Neighbor) AddBondPiece(B, Index, Neighbor, Bond.Order, Fill, true);
+    return;
+  }
+  AddBondPiece(B, Index, Neighbor, Bond.Order, Fill, false);
+  if (!Shared) AddBondPiece(B, Neighbor, Index, Bond.Order, OtherFill, false);
 }
 
 void ProjectAtoms(SceneBuilder& B) {
@@ -239,7 +267,7 @@ void ProjectAtoms(SceneBuilder& B) {
 }
 
 void AddAtoms(SceneBuilder& B) {
-  // A half of a bond reaches as far from its atom as the atoms are apart; that much margin keeps it.
+  // A bond reaches as far from its atom as the atoms are apart; that much margin keeps it.
   const Double BondMargin = 4 * B.Scale;
   const int Count = static_cast<int>(B.Of.Atoms.size());
   for (int Index = 0; Index < Count; ++Index) {
@@ -248,7 +276,7 @@ void AddAtoms(SceneBuilder& B) {
     const Double Margin = std::max(BondMargin, DrawnRadius(B.Of, Atom, B.Scale)) + LabelHeight.Most * 4;
     if (!Shows(B, Place, Margin)) continue;
     for (const RenderBond& Bond : Atom.Bonds) {
-      if (Bond.Neighbor >= 0) AddHalfBond(B, Index, Bond);
+      if (Bond.Neighbor >= 0) AddBond(B, Index, Bond);
     }
     AddBall(B, Atom, Place, Index);
     AddLabel(B, Atom, Place, Index);
