@@ -6,7 +6,7 @@
 
 #include "basic/NumberText.h"
 #include "batch/PictureText.h"
-#include "platform/RenderScene.h"
+#include "platform/RenderRaster.h"
 #include "shell/MainForm.h"
 #include "workspace/Helpers.h"
 
@@ -16,11 +16,7 @@ namespace {
 
 // Of the label's height: how far its base line lies below its middle.
 constexpr Double MiddleShare = 0.36;
-// Stretch and gap of a dashed line, in its widths.
-constexpr Double DashShare = 2.0;
-constexpr Double GapShare = 1.4;
 constexpr Double HaloWidth = 3;
-constexpr Double EdgeWidth = 1;
 
 RenderScene PresentScene() {
   RenderScene Scene;

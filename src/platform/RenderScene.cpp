@@ -203,8 +203,9 @@ void AddOrders(SceneBuilder& B, const BondPiece& Piece, int Neighbor, int Order)
 
 // How far into a bond, as a share of its length, the ball of an atom at its end reaches.
 Double BallShareOf(const SceneBuilder& B, int Index, Double Length) {
-  if (B.Of.AtomRenderType == AtomLabels) return 0;
-  return InsideBall * BallRadius(B.Of.Atoms[static_cast<std::size_t>(Index)], B.Scale) / Length;
+  const RenderAtom& Atom = B.Of.Atoms[static_cast<std::size_t>(Index)];
+  if (B.Of.AtomRenderType == AtomLabels && !Atom.Label.empty()) return 0;
+  return InsideBall * DrawnRadius(B.Of, Atom, B.Scale) / Length;
 }
 
 // The piece of a bond at the atom First: all of it, or up to its middle.

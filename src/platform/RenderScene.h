@@ -35,7 +35,7 @@ struct DrawItem {
 
 struct RenderScene {
   Colour Background = White;
-  bool Simple = false;  // to be drawn fast: no smoothing, no edges
+  bool Simple = false;  // plain forms
   std::vector<DrawItem> Items;
 
   // Room for the sorting, kept from one step of a drag to the next.

@@ -1,8 +1,8 @@
 #include "qt/RenderView.h"
 
-#include <QImage>
 #include <QMouseEvent>
 #include <QPaintEvent>
+#include <QPainter>
 #include <QWheelEvent>
 #include <cmath>
 
@@ -28,7 +28,7 @@ class RenderView : public QWidget {
   }
 
   void ForgetPicture() {
-    Picture = {};
+    IsStale = true;
     // Without a molecule the hint that lies below shows.
     setAttribute(Qt::WA_OpaquePaintEvent, !View.Atoms.empty());
     update();
@@ -38,8 +38,10 @@ class RenderView : public QWidget {
   void paintEvent(QPaintEvent*) override {
     if (View.Atoms.empty()) return;
     const qreal Ratio = devicePixelRatioF();
-    const QSize DeviceSize(static_cast<int>(std::ceil(width() * Ratio)), static_cast<int>(std::ceil(height() * Ratio)));
-    if (Picture.size() != DeviceSize.expandedTo({1, 1})) DrawPicture(DeviceSize.expandedTo({1, 1}), Ratio);
+    const QSize DeviceSize =
+        QSize(static_cast<int>(std::ceil(width() * Ratio)), static_cast<int>(std::ceil(height() * Ratio)))
+            .expandedTo({1, 1});
+    if (IsStale || Picture.size() != DeviceSize) DrawPicture(DeviceSize, Ratio);
     QPainter(this).drawImage(0, 0, Picture);
   }
 
@@ -59,13 +61,9 @@ class RenderView : public QWidget {
 
  private:
   void DrawPicture(QSize DeviceSize, qreal Ratio) {
-    if (Ratio != PiecesRatio) Pieces = {};
-    PiecesRatio = Ratio;
     BuildScene(View, Scene);
-    Picture = QImage(DeviceSize, QImage::Format_RGB32);
-    Picture.setDevicePixelRatio(Ratio);
-    QPainter Painter(&Picture);
-    PaintScene(Painter, Scene, View, Ratio, Pieces);
+    PaintScene(Scene, View, Picture, DeviceSize, Ratio, Pieces);
+    IsStale = false;
   }
 
   using Reporter = void (*)(RenderControl&, int, int, Single, Single);
@@ -79,8 +77,8 @@ class RenderView : public QWidget {
   RenderControl& View;
   RenderScene Scene;
   ScenePieces Pieces;
-  qreal PiecesRatio = 0;
   QImage Picture;
+  bool IsStale = true;
 };
 
 }  // namespace

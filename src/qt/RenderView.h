@@ -1,21 +1,22 @@
 #pragma once
 
 #include <QHash>
-#include <QPainter>
+#include <QImage>
 #include <QPainterPath>
-#include <QPixmap>
 
-#include "platform/RenderScene.h"
+#include "platform/RenderRaster.h"
 
 namespace zelvanor {
 
-// What the drawing of a molecule makes once and uses again: balls by form, size and colour, and the outlines of labels.
+// What the drawing of a molecule makes once and uses again.
 struct ScenePieces {
-  QHash<quint64, QPixmap> Balls;
-  QHash<QString, QPainterPath> Labels;
+  ShadeTables Shades;
+  QHash<QString, QPainterPath> Labels;  // outlines round the origin, by height and text
 };
 
-// Draws the list of a molecule view. Ratio is the number of device pixels to a pixel of the list.
-void PaintScene(QPainter& Painter, const RenderScene& Scene, const RenderControl& Of, qreal Ratio, ScenePieces& Pieces);
+// Makes the list of a molecule view a picture of this size in device pixels. Ratio is the number of them to a pixel of
+// the list.
+QImage PaintScene(const RenderScene& Scene, const RenderControl& Of, QSize DeviceSize, qreal Ratio,
+                  ScenePieces& Pieces);
 
 }  // namespace zelvanor

@@ -156,17 +156,19 @@ template <std::size_t N>
 Arrangement BuildRows(Text Title, const ColourRow (&Rows)[N], CheckBox& Monochrome) {
   constexpr int PictureWidth = TwipsFromPixels(64);
   constexpr int PictureHeight = TwipsFromPixels(24);
-  std::vector<Arrangement> Parts;
+  std::vector<Arrangement> Buttons;
+  std::vector<Arrangement> Pictures;
   for (const ColourRow& Row : Rows) {
     Row.Button->Caption = Row.Caption;
     Row.Button->Click = [&Row] { PickRowColor(Row); };
     Row.Picture->AccessibleName = Row.PictureName;
     Row.Picture->Width = PictureWidth;
     Row.Picture->Height = PictureHeight;
-    Parts.push_back(RowOf({ItemOf(*Row.Button), ItemOf(*Row.Picture)}));
+    Buttons.push_back(ItemOf(*Row.Button));
+    Pictures.push_back(ItemOf(*Row.Picture));
   }
-  Parts.push_back(ItemOf(Monochrome));
-  return GroupOf(std::move(Title), std::move(Parts));
+  return GroupOf(std::move(Title),
+                 {RowOf({ColumnOf(std::move(Buttons)), ColumnOf(std::move(Pictures))}), ItemOf(Monochrome)});
 }
 
 }  // namespace
