@@ -18,21 +18,6 @@ WorkspaceState& W = Workspace;
 // Nuclei that are not observed stand this many ppm apart, beyond SpectrumSpan.
 constexpr Double OutOfRangeStep = 100.0;
 
-// Whether an atom carries a spin that the calculation counts: carbon, nitrogen and oxygen only as labelled isotopes,
-// hydrogen only as the common one, every other element in any case.
-bool HasCountedSpin(int AtomicNumber, bool Labelled) {
-  switch (AtomicNumber) {
-    case 1:
-      return !Labelled;
-    case 6:
-    case 7:
-    case 8:
-      return Labelled;
-    default:
-      return true;
-  }
-}
-
 // A magnetically distinct group of NMR atoms.
 struct Site {
   int Atom = 0;  // index of the NMR atom that stands for it

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 #include "basic/Numbers.h"
 #include "shell/Frame.h"
@@ -46,7 +45,7 @@ void ResetView() {
   SetHorizontalScale(1.0);
   V.ViewLow = V.FullLow;
   V.ViewHigh = V.FullHigh;
-  TakeRelativeLineWidth();
+  IgnoreFailure(TakeRelativeLineWidth);
   IgnoreFailure([] { ComputeLineWidths(true); });
   RefreshView();
 }
@@ -68,11 +67,11 @@ void SpreadLineWidth() {
 }
 
 void EndDrag(Single X) {
-  Integer Place = ToInteger(X);
-  const int Distance = std::abs(int(V.BandStartX) - int(Place));
+  const Long Place = ToLong(X);
+  const Double Distance = std::fabs(Double(V.BandStartX) - Place);
   if (LeastDragPixels * TwipsPerPixelX <= Distance) {
-    Integer Low = MinInteger(V.BandStartX, Place);
-    Integer High = MaxInteger(V.BandStartX, Place);
+    Long Low = std::min(V.BandStartX, Place);
+    Long High = std::max(V.BandStartX, Place);
     ZoomIn(Low, High);
   } else if (FPickPeak(Place)) {
     RefreshView();
@@ -83,15 +82,19 @@ void EndDrag(Single X) {
 
 void Spectrum1_MouseDown(int Button, int /*Shift*/, Single X, Single Y) {
   if (Button != LeftButton) return ResetView();
-  V.BandStartX = V.BandEndX = ToInteger(X);
-  V.BandStartY = V.BandEndY = ToInteger(Y);
-  V.BandActive = True;
+  IgnoreFailure([X, Y] {
+    V.BandStartX = V.BandEndX = ToLong(X);
+    V.BandStartY = V.BandEndY = ToLong(Y);
+    V.BandActive = True;
+  });
 }
 
 void Spectrum1_MouseMove(int /*Button*/, int /*Shift*/, Single X, Single Y) {
   if (!IsSet(V.BandActive)) return;
-  V.BandEndX = ToInteger(X);
-  V.BandEndY = ToInteger(Y);
+  IgnoreFailure([X, Y] {
+    V.BandEndX = ToLong(X);
+    V.BandEndY = ToLong(Y);
+  });
 }
 
 void Spectrum1_MouseUp(int /*Button*/, int /*Shift*/, Single X, Single /*Y*/) {
@@ -114,24 +117,24 @@ void HScroll2_Change() {
     TakeRelativeLineWidth();
   }
   if (!IsSet(V.LineWidthBarLive)) return;
-  SpreadLineWidth();
+  IgnoreFailure(SpreadLineWidth);
   IgnoreFailure([] { ComputeLineWidths(true); });
   ShowSpectrumView();
-  RepeatReadout();
+  IgnoreFailure(RepeatReadout);
   RefreshView();
 }
 
-void ZoomIn(Integer& Low, Integer& High) {
-  Low = ToInteger(Double(Low) / TwipsPerPixelX);
-  High = ToInteger(Double(High) / TwipsPerPixelX);
-  const auto FrequencyAt = [](Integer Pixel) {
+void ZoomIn(Long& Low, Long& High) {
+  Low = ToLong(Double(Low) / TwipsPerPixelX);
+  High = ToLong(Double(High) / TwipsPerPixelX);
+  const auto FrequencyAt = [](Long Pixel) {
     return Divide(Pixel + Double(V.HorizontalOffset), V.HorizontalScale) + V.ViewLow;
   };
   const Double Width = FrequencyAt(High) - FrequencyAt(Low);
   if (std::fabs(V.SpectrometerMHz * LeastZoomPpm) <= Width) V.HorizontalScale = int(V.ViewWidth) / Width;
   const Double Step = Divide(GetHighLow(), int(V.ViewWidth));
-  const Double NewLow = Step * int(Low) + V.ViewLow;
-  const Double NewHigh = Step * int(High) + V.ViewLow;
+  const Double NewLow = Step * Low + V.ViewLow;
+  const Double NewHigh = Step * High + V.ViewLow;
   Spectrum1_ZoomChanged(NewLow, NewHigh);
   V.ViewLow = NewLow;
   V.ViewHigh = NewHigh;
@@ -150,13 +153,13 @@ void Spectrum1_ZoomChanged(Double ZoomLow, Double ZoomHigh) {
   RepeatReadout();
 }
 
-bool FPickPeak(Integer X) {
-  const Long Pixel = ToLong(Double(X) / TwipsPerPixelX);
+bool FPickPeak(Long X) {
+  const Double Pixel = RoundEven(Double(X) / TwipsPerPixelX);
   Long Nearest = 0;
-  Long LeastDistance = int(V.ViewWidth);
+  Double LeastDistance = int(V.ViewWidth);
   for (Long Peak = 0; Peak < V.ViewPeakCount; ++Peak) {
     if (W.PeakFrequency[Peak] == 0.0F && W.PeakIntensity[Peak] == 0.0F) continue;
-    const Long Distance = std::abs(FGetPeakRX(W.PeakFrequency[Peak]) - Pixel);
+    const Double Distance = std::fabs(FGetPeakRX(W.PeakFrequency[Peak]) - Pixel);
     if (Distance < LeastDistance) {
       Nearest = Peak;
       LeastDistance = Distance;

@@ -13,10 +13,10 @@ void HScroll1_Change();
 void HScroll2_Change();
 
 // Zooms to a range of the window now shown; twips on entry, pixels on return.
-void ZoomIn(Integer& Low, Integer& High);
+void ZoomIn(Long& Low, Long& High);
 void Spectrum1_ZoomChanged(Double ZoomLow, Double ZoomHigh);
 // Selects the peak nearest to a place; true when it is another one than before.
-bool FPickPeak(Integer X);
+bool FPickPeak(Long X);
 // Puts the read-out of a peak into the status line; -1 clears it.
 void ShowPeakReadout(Long Peak);
 // Tells the intensity between two frequencies (Hz, in the sign of the read-out), as a number of observed nuclei.

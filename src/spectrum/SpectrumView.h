@@ -41,7 +41,8 @@ struct SpectrumViewState {
   Colour EnvelopClr = White;
   Colour SelectionClr = 0;
   Integer Monochrome;
-  Integer BandStartX, BandStartY, BandEndX, BandEndY;  // twips
+  // Corners of the band, in twips; a wide screen has more of them than an Integer holds.
+  Long BandStartX = 0, BandStartY = 0, BandEndX = 0, BandEndY = 0;
   Flag BandActive = False;
 
   Single CurrentLineWidth = 0;  // Hz

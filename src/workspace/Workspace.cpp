@@ -102,9 +102,7 @@ void ComputeChemicalShifts() {
   W.SpectrumSpan = ToLong(Largest * SpanFactor * Sign);
 }
 
-bool IsObservedNucleus(int AtomicNumber, bool Labelled, int SpectraType) {
-  if (SpectraType < 0 || SpectraType >= static_cast<int>(ReferenceNumbers.size())) return false;
-  if (AtomicNumber != ReferenceNumbers[static_cast<std::size_t>(SpectraType)]) return false;
+bool HasCountedSpin(int AtomicNumber, bool Labelled) {
   switch (AtomicNumber) {
     case 1:
       return !Labelled;
@@ -115,6 +113,12 @@ bool IsObservedNucleus(int AtomicNumber, bool Labelled, int SpectraType) {
     default:
       return true;
   }
+}
+
+bool IsObservedNucleus(int AtomicNumber, bool Labelled, int SpectraType) {
+  if (SpectraType < 0 || SpectraType >= static_cast<int>(ReferenceNumbers.size())) return false;
+  return AtomicNumber == ReferenceNumbers[static_cast<std::size_t>(SpectraType)] &&
+         HasCountedSpin(AtomicNumber, Labelled);
 }
 
 void CountSpinHalfAtoms() {

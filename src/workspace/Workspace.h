@@ -161,8 +161,10 @@ int ReferenceEntryOf(int AtomicNumber);
 void ComputeChemicalShifts();
 // NumSpinHalfAtoms: the NMR atoms that carry the observed nucleus of SpectraType.
 void CountSpinHalfAtoms();
-// Whether an NMR atom is an observed nucleus for the spectrum type. Protons must not be labelled; carbon, nitrogen and
-// oxygen must be; fluorine and phosphorus count in any case.
+// Whether an atom carries a spin one half that the calculation counts: carbon, nitrogen and oxygen only as labelled
+// isotopes, hydrogen only as the common one, every other element in any case.
+bool HasCountedSpin(int AtomicNumber, bool Labelled);
+// Whether an NMR atom is the observed nucleus of the spectrum type: its element, with a counted spin.
 bool IsObservedNucleus(int AtomicNumber, bool Labelled, int SpectraType);
 
 }  // namespace zelvanor
