@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <limits>
 #include <numbers>
+#include <random>
 
 #include "Support.h"
 #include "molecule/AtomSelection.h"
@@ -9,6 +10,7 @@
 #include "molecule/MoleculeView.h"
 #include "molecule/MouseDrag.h"
 #include "platform/Picture.h"
+#include "platform/RenderRaster.h"
 #include "platform/RenderScene.h"
 #include "settings/ColorSets.h"
 
@@ -318,6 +320,73 @@ TEST_F(MoleculeTest, TellsClicksFromDrags) {
   EXPECT_EQ(Clicks, (Texts{"atom 0 1 2", "atom 0 2 2", "none 1"}));
   View.AtomClick = OldAtom;
   View.NoAtomClick = OldNone;
+}
+
+// A picture with a row and a column round it that nothing may touch.
+struct GuardedPicture {
+  static constexpr int Width = 40;
+  static constexpr int Height = 30;
+  static constexpr std::uint32_t Guard = 0x01020304;
+  std::vector<std::uint32_t> Stored = std::vector<std::uint32_t>((Width + 2) * (Height + 2), Guard);
+  PixelPicture Target{&Stored[Width + 3], Width, Height, Width + 2, 1};
+  ShadeTables Shades;
+
+  std::uint32_t At(int X, int Y) const { return Target.Pixels[Y * Target.RowLength + X]; }
+  int CountGuards() const { return static_cast<int>(std::count(Stored.begin(), Stored.end(), Guard)); }
+};
+
+TEST_F(MoleculeTest, PaintsFormsWhereTheyAre) {
+  for (const bool Plain : {false, true}) {
+    GuardedPicture Picture;
+    FillPicture(Picture.Target, White);
+    DrawItem Disc{.Form = DrawForm::Disc, .X1 = 10, .Y1 = 10, .Size = 5, .Fill = Rgb(255, 0, 0), .Edge = Black};
+    DrawForms(Picture.Target, Disc, Plain, Picture.Shades);
+    EXPECT_EQ(Picture.At(10, 10), 0xffff0000U);
+    EXPECT_EQ(Picture.At(2, 10), 0xffffffffU);
+    EXPECT_EQ(Picture.At(5, 5), 0xffffffffU) << "the corner of its box";
+    // A level line of 4 pixels and a steep one.
+    const DrawItem Line{
+        .Form = DrawForm::Line, .X1 = 20, .Y1 = 20, .X2 = 35, .Y2 = 20, .Size = 4, .Fill = Black, .Edge = Black};
+    DrawForms(Picture.Target, Line, Plain, Picture.Shades);
+    for (const int X : {20, 27, 34}) EXPECT_EQ(Picture.At(X, 20), 0xff000000U) << X;
+    EXPECT_EQ(Picture.At(18, 20), 0xffffffffU);
+    EXPECT_EQ(Picture.At(37, 20), 0xffffffffU);
+    EXPECT_EQ(Picture.At(27, 24), 0xffffffffU);
+    EXPECT_EQ(Picture.At(27, 15), 0xffffffffU);
+  }
+  // A sphere is lighter at its upper left, a cylinder above its middle.
+  GuardedPicture Picture;
+  FillPicture(Picture.Target, White);
+  const Colour Grey = Rgb(120, 120, 120);
+  DrawForms(Picture.Target, {.Form = DrawForm::Sphere, .X1 = 10, .Y1 = 10, .Size = 9, .Fill = Grey}, false,
+            Picture.Shades);
+  EXPECT_GT(Picture.At(7, 7) & 255, Picture.At(13, 13) & 255);
+  DrawForms(Picture.Target,
+            {.Form = DrawForm::Cylinder, .X1 = 22, .Y1 = 20, .X2 = 38, .Y2 = 20, .Size = 12, .Fill = Grey}, false,
+            Picture.Shades);
+  EXPECT_GT(Picture.At(30, 18) & 255, Picture.At(30, 24) & 255);
+}
+
+TEST_F(MoleculeTest, PaintsNothingOutsideThePicture) {
+  std::mt19937 Random(5);
+  GuardedPicture Picture;
+  const int Guards = Picture.CountGuards();
+  FillPicture(Picture.Target, White);
+  for (int Round = 0; Round < 20000; ++Round) {
+    // From inside to far away, small and huge.
+    const float Spread = std::pow(10.0F, static_cast<float>(Random() % 6));
+    std::uniform_real_distribution<float> Place(-Spread, Spread + 40);
+    const DrawItem Item{.Form = static_cast<DrawForm>(Random() % 5),
+                        .X1 = Place(Random),
+                        .Y1 = Place(Random),
+                        .X2 = Place(Random),
+                        .Y2 = Place(Random),
+                        .Size = std::fabs(Place(Random)) / 10,
+                        .Fill = Rgb(10, 20, 30),
+                        .Edge = Black};
+    DrawForms(Picture.Target, Item, Random() % 2 == 0, Picture.Shades);
+  }
+  EXPECT_EQ(Picture.CountGuards(), Guards - GuardedPicture::Width * GuardedPicture::Height);
 }
 
 void LoadPair(TextView BondType) {

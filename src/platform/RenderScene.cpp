@@ -216,7 +216,7 @@ void AddBondPiece(SceneBuilder& B, int First, int Second, int Order, Colour Fill
   const Double DY = To.Y - From.Y;
   const Double DZ = To.Depth - From.Depth;
   const Double Length = std::sqrt(DX * DX + DY * DY + DZ * DZ);
-  if (!(Length > 0)) return;
+  if (!(Length > 0 && Length < FarthestPixel)) return;
   const Double Start = BallShareOf(B, First, Length);
   const Double End = Whole ? 1 - BallShareOf(B, Second, Length) : 0.5;
   if (!(Start < End)) return;

@@ -16,7 +16,7 @@ struct ScenePieces {
 
 // Makes the list of a molecule view a picture of this size in device pixels. Ratio is the number of them to a pixel of
 // the list.
-QImage PaintScene(const RenderScene& Scene, const RenderControl& Of, QSize DeviceSize, qreal Ratio,
-                  ScenePieces& Pieces);
+void PaintScene(const RenderScene& Scene, const RenderControl& Of, QImage& Picture, QSize DeviceSize, qreal Ratio,
+                ScenePieces& Pieces);
 
 }  // namespace zelvanor
