@@ -1,5 +1,9 @@
 #include "program.h"
 
+#include "atomsets/AtomSets.h"
+#include "atomsets/frmEquiv.h"
+#include "atomsets/frmSelect.h"
+#include "atomsets/frmSelect2.h"
 #include "backend/Compute.h"
 #include "basic/NumberText.h"
 #include "files/FileCommands.h"
@@ -14,6 +18,10 @@
 #include "settings/Settings.h"
 #include "settings/frmPreference.h"
 #include "setup/ReferenceShieldings.h"
+#include "setup/frmParamOptions.h"
+#include "setup/frmRefer.h"
+#include "setup/frmSCf.h"
+#include "setup/frmSpectOptions.h"
 #include "shell/Frame.h"
 #include "shell/ShellVariables.h"
 #include "shell/frmAbout.h"
@@ -60,6 +68,9 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuLorentzian, mnuLorentzian_Click},
     {&MainForm::mnuGaussian, mnuGaussian_Click},
     {&MainForm::mnuViewRender, mnuViewRender_Click},
+    {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
+    {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
+    {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
     {&MainForm::mnuComputeNMR, mnuComputeNMR_Click},
     {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
     {&MainForm::mnuComputeAll, mnuComputeAll_Click},
@@ -210,6 +221,13 @@ void BuildProgram() {
   BuildAboutForm();
   BuildPreferenceForm();
   BuildRenderForm();
+  BuildAtomSetForm();
+  BuildElementChoiceForm();
+  BuildEquivalentForm();
+  BuildParamOptionsForm();
+  BuildSCFForm();
+  BuildSpectOptionsForm();
+  BuildReferenceForm();
   ConnectMainForm();
   ConnectRooms();
   ConnectPreferences();
@@ -220,6 +238,7 @@ void BuildProgram() {
   AddMoleculeVariables();
   AddRenderFormVariables();
   AddPreferenceVariables();
+  AddAtomSetVariables();
   AddVariable("StartedAlone", StartedAlone);
 }
 
