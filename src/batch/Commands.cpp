@@ -172,6 +172,7 @@ const std::map<Text, CommandRow>& Commands() {
       {"scroll", {ScrollBarTo, 2, true}},
       {"spin", {Spin, 2, true}},
       {"mouse", {MoveMouse, 4, true}},
+      {"atom", {ClickAtom, 2, true}},
       {"key", {PressKey, 1, true}},
       {"size", {Size, 2, false}},
       {"menu", {[](const Words& All) { SubClass1_MenuSelect(0, All[1].Value); }, 1, true}},
