@@ -8,10 +8,15 @@
 #include "basic/NumberText.h"
 #include "files/FileCommands.h"
 #include "host/GetCommand.h"
+#include "molecule/AtomSelection.h"
+#include "molecule/MoleculeView.h"
+#include "molecule/MouseDrag.h"
+#include "molecule/frmRender.h"
 #include "platform/Paths.h"
 #include "platform/Variables.h"
 #include "settings/ColorSets.h"
 #include "settings/Settings.h"
+#include "settings/frmPreference.h"
 #include "setup/ReferenceShieldings.h"
 #include "setup/frmParamOptions.h"
 #include "setup/frmRefer.h"
@@ -50,6 +55,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileSave, mnuFileSave_Click},
     {&MainForm::mnuFileSaveAs, mnuFileSaveAs_Click},
     {&MainForm::mnuFileGet, mnuFileGet_Click},
+    {&MainForm::mnuPreferences, mnuPreferences_Click},
     {&MainForm::mnuFileExit, mnuFileExit_Click},
     {&MainForm::mnuViewMolecule, mnuViewMolecule_Click},
     {&MainForm::mnuViewShielding, mnuViewShielding_Click},
@@ -61,6 +67,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click},
     {&MainForm::mnuLorentzian, mnuLorentzian_Click},
     {&MainForm::mnuGaussian, mnuGaussian_Click},
+    {&MainForm::mnuViewRender, mnuViewRender_Click},
     {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
     {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
     {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
@@ -100,10 +107,34 @@ void ConnectMainForm() {
   Main.Spectrum1.MouseDown = Spectrum1_MouseDown;
   Main.Spectrum1.MouseMove = Spectrum1_MouseMove;
   Main.Spectrum1.MouseUp = Spectrum1_MouseUp;
+  Main.MolRender1.AccessibleName = "Molecule";
+  Main.MolRender1.MouseDown = MolRender1_MouseDown;
+  Main.MolRender1.MouseMove = MolRender1_MouseMove;
+  Main.MolRender1.MouseUp = MolRender1_MouseUp;
+  Main.MolRender1.MouseWheel = MolRender1_MouseWheel;
+  Main.MolRender1.AtomClick = MolRender1_AtomClick;
+  Main.MolRender1.NoAtomClick = MolRender1_NoAtomClick;
   StatusSink = [](TextView Value) { SetStatus(Main.StatusBar, Value); };
 }
 
+void ConnectPreferences() {
+  Preferences.GetGraphClr = GetGraphClr;
+  Preferences.GetSelectionClr = GetSelectionClr;
+  Preferences.GetEnvelop = GetEnvelop;
+  Preferences.SetGraphClr = SetGraphClr;
+  Preferences.SetSelectionClr = SetSelectionClr;
+  Preferences.SetEnvelop = SetEnvelop;
+  Preferences.SetMonochrome = SetMonochrome;
+  Preferences.SetSpectrumBackground = [](Colour Value) { SetBackColor(Main.Spectrum1, Value); };
+  Preferences.GetMoleculeBackground = [] { return Main.MolRender1.BackColor; };
+  Preferences.TakeMoleculePreferences = TakeMoleculePreferences;
+  Preferences.RefreshView = RefreshView;
+}
+
 void ConnectRooms() {
+  Rooms.ShowMoleculeView = ShowMoleculeView;
+  Rooms.TurnMolecule = TurnMolecule;
+  Rooms.FitMolecule = FitMolecule;
   Rooms.ShowSpectrumView = ShowSpectrumView;
   Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
   Rooms.TakeOpenedSpectrum = TakeOpenedSpectrum;
@@ -112,9 +143,13 @@ void ConnectRooms() {
   Rooms.LinesAndEnvelopCommand = mnuLinesAndEnvelop_Click;
 }
 
+// The host may talk to the program that it has started.
+void Form_LinkOpen(Flag& Cancel) { Cancel = False; }
+
 void ReadCommandLine(const Text& CommandLine) {
   StartedAlone = ToFlag(CommandLine != HostWord);
   Main.LinkMode = IsSet(StartedAlone) ? 0 : 1;
+  if (Main.LinkMode == 1) IgnoreFailure([] { Platform.Host.Accept(Form_LinkOpen); });
   SetEnabled(Main.mnuFile, StartedAlone);
 }
 
@@ -180,6 +215,7 @@ void TakeSettings() {
   Settings.PrefGraphColor = GetGraphClr();
   Settings.PrefSelectionColor = GetSelectionClr();
   Settings.PrefEnvelopColor = GetEnvelop();
+  InitMoleculeView();
 }
 
 }  // namespace
@@ -187,6 +223,8 @@ void TakeSettings() {
 void BuildProgram() {
   BuildMainForm();
   BuildAboutForm();
+  BuildPreferenceForm();
+  BuildRenderForm();
   BuildAtomSetForm();
   BuildElementChoiceForm();
   BuildEquivalentForm();
@@ -196,10 +234,14 @@ void BuildProgram() {
   BuildReferenceForm();
   ConnectMainForm();
   ConnectRooms();
+  ConnectPreferences();
   AddWorkspaceVariables();
   AddSettingsVariables();
   AddShellVariables();
   AddSpectrumVariables();
+  AddMoleculeVariables();
+  AddRenderFormVariables();
+  AddPreferenceVariables();
   AddAtomSetVariables();
   AddVariable("StartedAlone", StartedAlone);
 }
@@ -220,6 +262,7 @@ void Form_Load(const Text& CommandLine) {
 void Form_Resize() {
   IgnoreFailure(BeginSpectrumResize);
   LayOutWindow();
+  IgnoreFailure(PlaceMoleculeView);
   IgnoreFailure(EndSpectrumResize);
 }
 

@@ -37,6 +37,7 @@ constexpr MakerRow Makers[] = {
     {ControlKind::ScrollBar, MakeScrollBar},
     {ControlKind::SpinButton, MakeSpinButton},
     {ControlKind::PictureSurface, MakePictureSurface},
+    {ControlKind::RenderControl, MakeRenderControl},
     {ControlKind::ToolButton, MakeToolButton},
     {ControlKind::StatusLine, MakeStatusLine},
 };

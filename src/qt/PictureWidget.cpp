@@ -9,6 +9,7 @@
 #include "platform/Picture.h"
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
+#include "qt/MouseCodes.h"
 #include "qt/PictureReplay.h"
 #include "qt/TextConversion.h"
 
@@ -22,15 +23,6 @@ constexpr int FarthestTwips = 32767;
 Single TwipsOf(qreal Pixels) {
   const int Whole = static_cast<int>(std::floor(Pixels));
   return static_cast<Single>(std::clamp(TwipsFromPixels(Whole), -FarthestTwips, FarthestTwips));
-}
-
-int ButtonCode(Qt::MouseButtons Buttons) {
-  return (Buttons & Qt::LeftButton ? LeftButton : 0) | (Buttons & Qt::RightButton ? RightButton : 0) |
-         (Buttons & Qt::MiddleButton ? MiddleButton : 0);
-}
-
-int ShiftCode(Qt::KeyboardModifiers Keys) {
-  return (Keys & Qt::ShiftModifier ? ShiftKey : 0) | (Keys & Qt::ControlModifier ? CtrlKey : 0);
 }
 
 // Replays the record of its surface and keeps the picture until the record changes.
@@ -58,6 +50,11 @@ class PictureView : public QWidget {
     }
     QPainter Painter(this);
     Painter.drawImage(0, 0, Picture);
+    if (!IsOfMainForm()) {
+      // A colour of the dialog's own would have no end.
+      Painter.setPen(palette().color(QPalette::Mid));
+      Painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
     if (ShowsFocus) {
       Painter.setPen(palette().color(QPalette::Highlight));
       Painter.drawRect(rect().adjusted(0, 0, -1, -1));
@@ -66,7 +63,7 @@ class PictureView : public QWidget {
 
   // A control of a dialog takes the size that the layout gives it.
   void resizeEvent(QResizeEvent*) override {
-    if (Surface.Owner == nullptr || Surface.Owner->Name == MainFormName) return;
+    if (IsOfMainForm()) return;
     Surface.Width = TwipsFromPixels(width());
     Surface.Height = TwipsFromPixels(height());
   }
@@ -91,6 +88,8 @@ class PictureView : public QWidget {
     const QPointF Place = Mouse.position();
     Dispatch([&] { Handler(ButtonCode(Buttons), Shift, TwipsOf(Place.x()), TwipsOf(Place.y())); });
   }
+
+  bool IsOfMainForm() const { return Surface.Owner == nullptr || Surface.Owner->Name == MainFormName; }
 
   PictureSurface& Surface;
   QImage Picture;

@@ -5,6 +5,7 @@
 #include "basic/Array.h"
 #include "platform/Form.h"
 #include "platform/Picture.h"
+#include "platform/Render.h"
 
 namespace zelvanor {
 
