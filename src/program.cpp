@@ -148,9 +148,13 @@ void ConnectRooms() {
   Rooms.LinesAndEnvelopCommand = mnuLinesAndEnvelop_Click;
 }
 
+// The host may talk to the program that it has started.
+void Form_LinkOpen(Flag& Cancel) { Cancel = False; }
+
 void ReadCommandLine(const Text& CommandLine) {
   StartedAlone = ToFlag(CommandLine != HostWord);
   Main.LinkMode = IsSet(StartedAlone) ? 0 : 1;
+  if (Main.LinkMode == 1) IgnoreFailure([] { Platform.Host.Accept(Form_LinkOpen); });
   SetEnabled(Main.mnuFile, StartedAlone);
 }
 

@@ -7,6 +7,7 @@
 #include "basic/Numbers.h"
 #include "batch/Batch.h"
 #include "batch/Expect.h"
+#include "batch/HostCommands.h"
 #include "batch/UserActions.h"
 #include "program.h"
 #include "shell/Frame.h"
@@ -66,9 +67,9 @@ void QueueColour(const Words& All) {
 
 void ClipboardCommand(const Words& All) {
   if (All.size() > 1) {
-    State.Clipboard = All[1].Value;
+    Platform.SetClipboard(All[1].Value);
   } else {
-    PrintOut(Escaped(State.Clipboard));
+    PrintOut(Escaped(Platform.GetClipboard()));
   }
 }
 
@@ -84,11 +85,6 @@ void LocaleCommand(const Words& All) {
 void Instance(const Words& /*All*/) {
   BeforeStart("instance");
   State.OtherInstance = true;
-}
-
-void HostCommand(const Words& All) {
-  // Unless told, no host is there: so this is what it says already.
-  if (All[1].Value != "none" || All.size() > 2) throw ScriptStop{CannotCarryOut, "only `host none` is known"};
 }
 
 void Get(const Words& All) { PrintOut(All[1].Value + " = " + PrintedValue(ReadProperty(All[1].Value))); }
