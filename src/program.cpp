@@ -11,6 +11,7 @@
 #include "molecule/AtomSelection.h"
 #include "molecule/MoleculeView.h"
 #include "molecule/MouseDrag.h"
+#include "molecule/TakeSystem.h"
 #include "molecule/frmRender.h"
 #include "platform/Paths.h"
 #include "platform/Variables.h"
@@ -137,7 +138,11 @@ void ConnectRooms() {
   Rooms.FitMolecule = FitMolecule;
   Rooms.ShowSpectrumView = ShowSpectrumView;
   Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
-  Rooms.TakeOpenedSpectrum = TakeOpenedSpectrum;
+  Rooms.TakeOpenedSpectrum = [] {
+    // The molecule view knows the system even where the document comes up in the spectrum view.
+    IgnoreFailure(TakeSystem);
+    TakeOpenedSpectrum();
+  };
   Rooms.LinesCommand = mnuLines_Click;
   Rooms.EnvelopCommand = mnuEnvelop_Click;
   Rooms.LinesAndEnvelopCommand = mnuLinesAndEnvelop_Click;

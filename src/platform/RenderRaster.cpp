@@ -133,7 +133,7 @@ void Narrow(float& Low, float& High, float From, float Slope, float Least, float
     if (From < Least || From > Most) High = Low - 1;
     return;
   }
-  const auto [First, Last] = std::minmax((Least - From) / Slope, (Most - From) / Slope);
+  const auto [First, Last] = std::minmax({(Least - From) / Slope, (Most - From) / Slope});
   Low = std::max(Low, First);
   High = std::min(High, Last);
 }
