@@ -9,6 +9,7 @@
 #include "settings/ColorSets.h"
 #include "settings/Settings.h"
 #include "setup/ReferenceShieldings.h"
+#include "setup/frmReplace.h"
 #include "shell/Frame.h"
 #include "shell/ShellVariables.h"
 #include "shell/frmAbout.h"
@@ -16,6 +17,12 @@
 #include "spectrum/SpectrumInteraction.h"
 #include "spectrum/SpectrumScale.h"
 #include "spectrum/SpectrumView.h"
+#include "spectrum/frmValues.h"
+#include "tables/BarPlots.h"
+#include "tables/ClipboardText.h"
+#include "tables/TableEditing.h"
+#include "tables/TableViews.h"
+#include "tables/frmGraph.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 #include "workspace/WorkspaceVariables.h"
@@ -43,6 +50,8 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileSaveAs, mnuFileSaveAs_Click},
     {&MainForm::mnuFileGet, mnuFileGet_Click},
     {&MainForm::mnuFileExit, mnuFileExit_Click},
+    {&MainForm::mnuCopy, mnuCopy_Click},
+    {&MainForm::mnuReplace, mnuReplace_Click},
     {&MainForm::mnuViewMolecule, mnuViewMolecule_Click},
     {&MainForm::mnuViewShielding, mnuViewShielding_Click},
     {&MainForm::mnuViewCoupling, mnuViewCoupling_Click},
@@ -50,6 +59,9 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuLines, mnuLines_Click},
     {&MainForm::mnuEnvelop, mnuEnvelop_Click},
     {&MainForm::mnuLinesAndEnvelop, mnuLinesAndEnvelop_Click},
+    {&MainForm::mnuViewValues, mnuViewValues_Click},
+    {&MainForm::mnuView2DBar, mnuView2DBar_Click},
+    {&MainForm::mnuView3DBar, mnuView3DBar_Click},
     {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click},
     {&MainForm::mnuLorentzian, mnuLorentzian_Click},
     {&MainForm::mnuGaussian, mnuGaussian_Click},
@@ -89,10 +101,15 @@ void ConnectMainForm() {
   Main.Spectrum1.MouseDown = Spectrum1_MouseDown;
   Main.Spectrum1.MouseMove = Spectrum1_MouseMove;
   Main.Spectrum1.MouseUp = Spectrum1_MouseUp;
+  Main.ShieldTable.KeyPress = ShieldTable_KeyPress;
+  Main.ShieldTable.RowColChange = ShieldTable_RowColChange;
+  Main.ShieldTable.SelChange = ShieldTable_SelChange;
   StatusSink = [](TextView Value) { SetStatus(Main.StatusBar, Value); };
 }
 
 void ConnectRooms() {
+  Rooms.ShowShieldingTable = ShowShieldingTable;
+  Rooms.ShowCouplingTable = ShowCouplingTable;
   Rooms.ShowSpectrumView = ShowSpectrumView;
   Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
   Rooms.TakeOpenedSpectrum = TakeOpenedSpectrum;
@@ -176,12 +193,16 @@ void TakeSettings() {
 void BuildProgram() {
   BuildMainForm();
   BuildAboutForm();
+  BuildValuesForm();
+  BuildGraphForm();
+  BuildReplaceForm();
   ConnectMainForm();
   ConnectRooms();
   AddWorkspaceVariables();
   AddSettingsVariables();
   AddShellVariables();
   AddSpectrumVariables();
+  AddTableVariables();
   AddVariable("StartedAlone", StartedAlone);
 }
 
@@ -202,6 +223,8 @@ void Form_Resize() {
   IgnoreFailure(BeginSpectrumResize);
   LayOutWindow();
   IgnoreFailure(EndSpectrumResize);
+  // The layout leaves the table without a height until its view is drawn again.
+  if (IsSet(Main.ShieldTable.Visible)) PlaceTable();
 }
 
 }  // namespace zelvanor

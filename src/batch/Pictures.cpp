@@ -1,12 +1,12 @@
 #include <cairo-pdf.h>
 #include <cairo.h>
 
-#include <fstream>
 #include <memory>
 
 #include "basic/NumberText.h"
 #include "basic/TextTools.h"
 #include "batch/Batch.h"
+#include "batch/TextFile.h"
 #include "shell/MainForm.h"
 #include "spectrum/SpectrumDrawing.h"
 #include "workspace/Helpers.h"
@@ -156,18 +156,6 @@ void WritePdf(const PictureSurface& Surface, const Text& Path) {
   NeedWritten(Status, Path);
 }
 
-Text EndingOf(const Text& Path) {
-  const std::size_t Dot = Path.rfind('.');
-  return Dot == Text::npos ? Text() : UpperCase(Path.substr(Dot));
-}
-
-void WriteText(const Text& Path, const Text& Content) {
-  std::ofstream Stream(Path, std::ios::binary | std::ios::trunc);
-  Stream << Content;
-  Stream.flush();
-  if (!Stream) throw ScriptStop{CannotCarryOut, "can't write " + Path};
-}
-
 Double FrequencyOf(Long Peak) {
   const Double Stored = Workspace.PeakFrequency[Peak];
   return Stored == 0.0 ? 0.0 : -Stored;
@@ -213,8 +201,9 @@ Text BuildJcamp() {
 
 void WriteView(const Text& Path) {
   const Text Ending = EndingOf(Path);
+  if (Ending == ".CSV") return WriteTable(Path);
   if (Ending != ".SVG" && Ending != ".PNG" && Ending != ".PDF") {
-    throw ScriptStop{CannotCarryOut, "a view is written as .svg, .png or .pdf: " + Path};
+    throw ScriptStop{CannotCarryOut, "a view is written as .svg, .png or .pdf, a table as .csv: " + Path};
   }
   const PictureSurface& Surface = ShownSurface();
   if (Ending == ".SVG") return WriteText(Path, BuildSvg(Surface));

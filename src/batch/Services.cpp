@@ -121,6 +121,8 @@ void UseBatchServices() {
   Platform.DoEvents = DoEvents;
   Platform.GetClipboard = [] { return State.Clipboard; };
   Platform.SetClipboard = [](const Text& Value) { State.Clipboard = Value; };
+  // Scripts see the texts of the clipboard; `chart` writes the picture.
+  Platform.SetClipboardPicture = [](const ChartControl& /*Chart*/) {};
   Platform.DecimalSeparator = [] { return State.DecimalSeparator; };
   Platform.OtherInstanceRuns = [] { return State.OtherInstance; };
 

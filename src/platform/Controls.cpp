@@ -111,6 +111,8 @@ void SetItems(ListBox& Target, std::vector<Text> Items) {
 
 void SetItems(ComboBox& Target, std::vector<Text> Items) { StoreItems(Target, std::move(Items)); }
 
+void SetFocus(Control& Target) { Tell(Target, Property::Focus); }
+
 void SetStatus(StatusLine& Target, TextView Value) {
   // Told even when the text is the same: a hint that is set again is shown again.
   Target.Value = Value;

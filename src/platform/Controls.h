@@ -42,7 +42,21 @@ enum class ControlKind {
 };
 
 // What a setter has changed; a front end updates that much of the widget.
-enum class Property { Enabled, Visible, Caption, Text, Value, Range, Items, Checked, Pressed, Place, Picture, Cells };
+enum class Property {
+  Enabled,
+  Visible,
+  Caption,
+  Text,
+  Value,
+  Range,
+  Items,
+  Checked,
+  Pressed,
+  Place,
+  Picture,
+  Cells,
+  Focus
+};
 
 struct Form;
 using Event = std::function<void()>;
@@ -166,11 +180,6 @@ struct RenderControl : Control {
   RenderControl(Form* Owner, Text Name) : Control(ControlKind::RenderControl, Owner, std::move(Name)) {}
 };
 
-// A grid as the frame needs it: a place in the window that is shown or hidden.
-struct GridControl : Control {
-  GridControl(Form* Owner, Text Name) : Control(ControlKind::Grid, Owner, std::move(Name)) {}
-};
-
 void SetEnabled(Control& Target, Flag Enabled);
 void SetVisible(Control& Target, Flag Visible);
 void SetCaption(Control& Target, TextView Caption);
@@ -193,6 +202,8 @@ void SetChanges(ScrollBar& Target, int SmallChange, int LargeChange);
 
 void SetItems(ListBox& Target, std::vector<Text> Items);
 void SetItems(ComboBox& Target, std::vector<Text> Items);
+// The next key goes to this control.
+void SetFocus(Control& Target);
 void SetStatus(StatusLine& Target, TextView Value);
 
 // Runs the event unless it is empty.

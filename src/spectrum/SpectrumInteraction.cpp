@@ -67,37 +67,65 @@ void SpreadLineWidth() {
   }
 }
 
+bool IsDrag(Long X) { return LeastDragPixels * TwipsPerPixelX <= std::abs(V.BandStartX - X); }
+
+// The band as the front end draws it over the picture; a drag that is still a pick shows none.
+void ShowBand() {
+  RubberBand& Band = Main.Spectrum1.Band;
+  Band.Shown = IsSet(V.BandActive) && IsDrag(V.BandEndX);
+  Band.Filled = IsSet(V.BandIntegrates);
+  Band.X1 = V.BandStartX / TwipsPerPixelX;
+  Band.Y1 = V.BandStartY / TwipsPerPixelY;
+  Band.X2 = V.BandEndX / TwipsPerPixelX;
+  Band.Y2 = V.BandEndY / TwipsPerPixelY;
+}
+
+// The inverse of FGetPeakRX, panning included; Hz in the view's sign.
+Double FrequencyAtColumn(Long Pixel) {
+  return Divide((Pixel + V.HorizontalOffset * V.HorizontalScale) * GetHighLow(), int(V.ViewWidth)) + V.ViewLow;
+}
+
+void IntegrateBand(Long From, Long To) {
+  const auto Readout = [](Long Twips) { return ToSingle(-FrequencyAtColumn(ToLong(Double(Twips) / TwipsPerPixelX))); };
+  IntegrateRange(Readout(From), Readout(To));
+}
+
 void EndDrag(Single X) {
-  Integer Place = ToInteger(X);
-  const int Distance = std::abs(int(V.BandStartX) - int(Place));
-  if (LeastDragPixels * TwipsPerPixelX <= Distance) {
-    Integer Low = MinInteger(V.BandStartX, Place);
-    Integer High = MaxInteger(V.BandStartX, Place);
+  const Long Place = ToLong(X);
+  Long Low = std::min(V.BandStartX, Place);
+  Long High = std::max(V.BandStartX, Place);
+  if (!IsDrag(Place)) {
+    if (FPickPeak(Place)) RefreshView();
+  } else if (IsSet(V.BandIntegrates)) {
+    IntegrateBand(Low, High);
+  } else {
     ZoomIn(Low, High);
-  } else if (FPickPeak(Place)) {
-    RefreshView();
   }
 }
 
 }  // namespace
 
-void Spectrum1_MouseDown(int Button, int /*Shift*/, Single X, Single Y) {
+void Spectrum1_MouseDown(int Button, int Shift, Single X, Single Y) {
   if (Button != LeftButton) return ResetView();
-  V.BandStartX = V.BandEndX = ToInteger(X);
-  V.BandStartY = V.BandEndY = ToInteger(Y);
+  V.BandStartX = V.BandEndX = ToLong(X);
+  V.BandStartY = V.BandEndY = ToLong(Y);
   V.BandActive = True;
+  V.BandIntegrates = ToFlag((Shift & ShiftKey) != 0);
+  ShowBand();
 }
 
 void Spectrum1_MouseMove(int /*Button*/, int /*Shift*/, Single X, Single Y) {
   if (!IsSet(V.BandActive)) return;
-  V.BandEndX = ToInteger(X);
-  V.BandEndY = ToInteger(Y);
+  V.BandEndX = ToLong(X);
+  V.BandEndY = ToLong(Y);
+  ShowBand();
 }
 
 void Spectrum1_MouseUp(int /*Button*/, int /*Shift*/, Single X, Single /*Y*/) {
   if (!IsSet(V.BandActive)) return;
   IgnoreFailure([X] { EndDrag(X); });
   V.BandActive = False;
+  ShowBand();
 }
 
 void HScroll1_Change() {
@@ -114,24 +142,24 @@ void HScroll2_Change() {
     TakeRelativeLineWidth();
   }
   if (!IsSet(V.LineWidthBarLive)) return;
-  SpreadLineWidth();
+  IgnoreFailure(SpreadLineWidth);
   IgnoreFailure([] { ComputeLineWidths(true); });
   ShowSpectrumView();
-  RepeatReadout();
+  IgnoreFailure(RepeatReadout);
   RefreshView();
 }
 
-void ZoomIn(Integer& Low, Integer& High) {
-  Low = ToInteger(Double(Low) / TwipsPerPixelX);
-  High = ToInteger(Double(High) / TwipsPerPixelX);
-  const auto FrequencyAt = [](Integer Pixel) {
+void ZoomIn(Long& Low, Long& High) {
+  Low = ToLong(Double(Low) / TwipsPerPixelX);
+  High = ToLong(Double(High) / TwipsPerPixelX);
+  const auto FrequencyAt = [](Long Pixel) {
     return Divide(Pixel + Double(V.HorizontalOffset), V.HorizontalScale) + V.ViewLow;
   };
   const Double Width = FrequencyAt(High) - FrequencyAt(Low);
-  if (std::fabs(V.SpectrometerMHz * LeastZoomPpm) <= Width) V.HorizontalScale = int(V.ViewWidth) / Width;
+  if (std::fabs(V.SpectrometerMHz * LeastZoomPpm) <= Width) V.HorizontalScale = Divide(int(V.ViewWidth), Width);
   const Double Step = Divide(GetHighLow(), int(V.ViewWidth));
-  const Double NewLow = Step * int(Low) + V.ViewLow;
-  const Double NewHigh = Step * int(High) + V.ViewLow;
+  const Double NewLow = Step * Low + V.ViewLow;
+  const Double NewHigh = Step * High + V.ViewLow;
   Spectrum1_ZoomChanged(NewLow, NewHigh);
   V.ViewLow = NewLow;
   V.ViewHigh = NewHigh;
@@ -150,7 +178,7 @@ void Spectrum1_ZoomChanged(Double ZoomLow, Double ZoomHigh) {
   RepeatReadout();
 }
 
-bool FPickPeak(Integer X) {
+bool FPickPeak(Long X) {
   const Long Pixel = ToLong(Double(X) / TwipsPerPixelX);
   Long Nearest = 0;
   Long LeastDistance = int(V.ViewWidth);
@@ -181,6 +209,22 @@ void ShowPeakReadout(Long Peak) {
   const Single Shift = ToSingle(Divide(Frequency, W.NMRFrequency));
   ShowStatus(Join("Shift=", FormatNumber(Shift, "######.000"), " ppm", "  Freq=", Frequency, " Hz  Inten=",
                   W.PeakIntensity[Peak], "  Degen=", W.PeakDegeneracy[Peak], "  Width=", W.PeakLineWidth[Peak]));
+}
+
+void DRBandHwnd(Long X1, Long Y1, Long X2, Long Y2) {
+  RefreshView();
+  const int Left = X1 / TwipsPerPixelX;
+  const int Top = Y1 / TwipsPerPixelY;
+  const int Right = X2 / TwipsPerPixelX;
+  const int Bottom = Y2 / TwipsPerPixelY;
+  DrawingContext Context = GetDC(Main.Spectrum1);
+  SelectPen(Context, White);
+  MoveTo(Context, Left, Top);
+  LineTo(Context, Right, Top);
+  LineTo(Context, Right, Bottom);
+  LineTo(Context, Left, Bottom);
+  LineTo(Context, Left, Top);
+  ReleaseDC(Context);
 }
 
 void IntegrateRange(Single Low, Single High) {

@@ -41,8 +41,10 @@ struct SpectrumViewState {
   Colour EnvelopClr = White;
   Colour SelectionClr = 0;
   Integer Monochrome;
-  Integer BandStartX, BandStartY, BandEndX, BandEndY;  // twips
-  Flag BandActive = False;
+  // Twips. A window of today may be wider than an Integer holds.
+  Long BandStartX = 0, BandStartY = 0, BandEndX = 0, BandEndY = 0;
+  Flag BandActive = False;      // a drag with the left button is under way
+  Flag BandIntegrates = False;  // it began with Shift held
 
   Single CurrentLineWidth = 0;  // Hz
   Double FrequencyRange = 0;    // -1 while another view is refreshed
