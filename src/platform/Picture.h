@@ -41,6 +41,7 @@ struct PictureSurface : Control {
   std::vector<PictureLine> Lines;
   std::vector<PictureText> Texts;
   RubberBand Band;
+  Text Description;  // what is read out of the picture, for those who hear it
   MouseEvent MouseDown;
   MouseEvent MouseMove;
   MouseEvent MouseUp;

@@ -27,6 +27,11 @@ constexpr Double LeastZoomPpm = 0.001;
 
 bool IsPickedInList() { return V.PickedPeak >= 0 && V.PickedPeak < V.ListPeakCount; }
 
+void ShowReadout(const Text& Value) {
+  Main.Spectrum1.Description = Value;
+  ShowStatus(Value);
+}
+
 void RepeatReadout() {
   if (IsPickedInList()) {
     ShowPeakReadout(V.PickedPeak);
@@ -202,12 +207,12 @@ bool FPickPeak(Long X) {
 void ShowPeakReadout(Long Peak) {
   if (Peak < 0) {
     V.PickedPeak = -1;
-    return ShowStatus("");
+    return ShowReadout("");
   }
   V.PickedPeak = Peak;
   const Single Frequency = W.PeakFrequency[Peak] == 0.0F ? 0.0F : -W.PeakFrequency[Peak];
   const Single Shift = ToSingle(Divide(Frequency, W.NMRFrequency));
-  ShowStatus(Join("Shift=", FormatNumber(Shift, "######.000"), " ppm", "  Freq=", Frequency, " Hz  Inten=",
+  ShowReadout(Join("Shift=", FormatNumber(Shift, "######.000"), " ppm", "  Freq=", Frequency, " Hz  Inten=",
                   W.PeakIntensity[Peak], "  Degen=", W.PeakDegeneracy[Peak], "  Width=", W.PeakLineWidth[Peak]));
 }
 
@@ -238,7 +243,7 @@ void IntegrateRange(Single Low, Single High) {
   std::transform(Name.begin(), Name.end(), Name.begin(),
                  [](char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C - 'A' + 'a') : C; });
   const auto Ppm = [](Single Frequency) { return FormatNumber(Divide(-Double{Frequency}, W.NMRFrequency), "0.000"); };
-  ShowStatus(Join("Integrated intensity from ", Ppm(Low), " to ", Ppm(High), " ppm equivalent to ",
+  ShowReadout(Join("Integrated intensity from ", Ppm(Low), " to ", Ppm(High), " ppm equivalent to ",
                   FormatNumber(Equivalent, "0.0"), " ", Name, "(s)."));
 }
 
