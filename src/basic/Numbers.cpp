@@ -1,7 +1,9 @@
 #include "basic/Numbers.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 
 #include "basic/TextTools.h"
@@ -48,6 +50,23 @@ std::size_t ScanNumber(TextView Value, std::size_t& MarkPlace) {
   return End;
 }
 
+// Whether the power of ten of the first digit that counts is positive, for a number without sign and with e or E.
+bool IsLarge(TextView Value) {
+  const std::size_t Mark = std::min(Value.find_first_of("eE"), Value.size());
+  const TextView Digits = Value.substr(0, Mark);
+  const std::size_t Point = std::min(Digits.find('.'), Digits.size());
+  const std::size_t First = std::min(Digits.find_first_of("123456789"), Digits.size());
+  const auto Power = static_cast<std::int64_t>(Point) - static_cast<std::int64_t>(First);
+  std::int64_t Exponent = 0;
+  if (Mark < Value.size()) {
+    TextView Text = Value.substr(Mark + 1);
+    if (Text.starts_with('+')) Text.remove_prefix(1);
+    const auto Outcome = std::from_chars(Text.data(), Text.data() + Text.size(), Exponent);
+    if (Outcome.ec == std::errc::result_out_of_range) return !Text.starts_with('-');
+  }
+  return Power + Exponent > 0;
+}
+
 // The value of text that ScanNumber has accepted. from_chars takes no leading plus and no D, hence the two detours.
 Double ConvertNumber(TextView Value, std::size_t MarkPlace) {
   Text Rewritten;
@@ -60,13 +79,9 @@ Double ConvertNumber(TextView Value, std::size_t MarkPlace) {
   if (Negative || Value[0] == '+') Value.remove_prefix(1);
   Double Result = 0.0;
   const auto Outcome = std::from_chars(Value.data(), Value.data() + Value.size(), Result);
+  // from_chars does not say on which side the range was left.
   if (Outcome.ec == std::errc::result_out_of_range) {
-    // Too large or too small: the digits in front of the exponent alone can't tell, the sign of the exponent can,
-    // and a text without exponent that leaves the range is large unless it starts with zeros.
-    const std::size_t Mark = Value.find_first_of("eE");
-    const bool Tiny = Mark != TextView::npos ? Value.substr(Mark + 1).starts_with('-')
-                                             : Value.find_first_of("123456789") > Value.find('.');
-    Result = Tiny ? 0.0 : std::numeric_limits<Double>::infinity();
+    Result = IsLarge(Value) ? std::numeric_limits<Double>::infinity() : 0.0;
   }
   return Negative ? -Result : Result;
 }

@@ -65,10 +65,16 @@ bool WriteBetween(const char* Begin, const char* End, Routine WritePiece) {
   return true;
 }
 
+// The stored lines give no message of their own when they can't be written; the document does.
+Flag WriteMolecule() {
+  const Flag Written = WriteSystem(W.FileNumber);
+  if (!IsSet(Written) && W.ZMatrixPath.empty()) throw Failure(failures::DeviceError);
+  return Written;
+}
+
 bool WriteOpenDocument(const Text& Path) {
   const Integer File = W.FileNumber;
-  if (IsSet(W.MoleculeLoaded) &&
-      !WriteBetween(document::BeginHostBlock, document::EndHostBlock, [&] { return WriteSystem(File); })) {
+  if (IsSet(W.MoleculeLoaded) && !WriteBetween(document::BeginHostBlock, document::EndHostBlock, WriteMolecule)) {
     return false;
   }
   return IsSet(WriteSelections(Path, File)) &&

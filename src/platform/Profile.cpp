@@ -23,8 +23,9 @@ struct ProfileLines {
 
 ProfileLines ReadLines(const Text& File) {
   ProfileLines Result;
+  std::error_code Problem;
   std::ifstream Stream(File, std::ios::binary);
-  if (fs::is_directory(File) || !Stream) return Result;
+  if (fs::is_directory(File, Problem) || !Stream) return Result;
   const Text Content((std::istreambuf_iterator<char>(Stream)), std::istreambuf_iterator<char>());
   for (std::size_t Place = 0; Place < Content.size();) {
     const std::size_t End = std::min(Content.find('\n', Place), Content.size());
@@ -88,13 +89,18 @@ struct CachedTable {
   ValueTable Table;
 };
 
+CachedTable& Cache() {
+  static CachedTable Table;
+  return Table;
+}
+
 const ValueTable& TableOf(const Text& File) {
-  static CachedTable Cache;
   std::error_code Ignored;
   const fs::file_time_type Time = fs::last_write_time(File, Ignored);
   const std::uintmax_t Size = fs::file_size(File, Ignored);
-  if (Cache.File != File || Cache.Time != Time || Cache.Size != Size) Cache = {File, Time, Size, ReadTable(File)};
-  return Cache.Table;
+  CachedTable& Last = Cache();
+  if (Last.File != File || Last.Time != Time || Last.Size != Size) Last = {File, Time, Size, ReadTable(File)};
+  return Last.Table;
 }
 
 // Puts one value into the lines: over the first line with its key, else behind the last filled line of its section,
@@ -139,6 +145,7 @@ Text GetProfileString(TextView Section, TextView Key, TextView Default) {
 }
 
 bool WritePrivateProfileStrings(const std::vector<ProfileEntry>& Entries, const Text& File) {
+  Cache() = {};  // two writes may fall into one tick of the file's clock
   ProfileLines Content = ReadLines(File);
   for (const ProfileEntry& Entry : Entries) PutValue(Content.Lines, Entry);
   std::error_code Problem;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 #include "basic/Numbers.h"
 #include "shell/Frame.h"
@@ -51,7 +50,7 @@ void ResetView() {
   SetHorizontalScale(1.0);
   V.ViewLow = V.FullLow;
   V.ViewHigh = V.FullHigh;
-  TakeRelativeLineWidth();
+  IgnoreFailure(TakeRelativeLineWidth);
   IgnoreFailure([] { ComputeLineWidths(true); });
   RefreshView();
 }
@@ -72,7 +71,7 @@ void SpreadLineWidth() {
   }
 }
 
-bool IsDrag(Long X) { return LeastDragPixels * TwipsPerPixelX <= std::abs(V.BandStartX - X); }
+bool IsDrag(Long X) { return LeastDragPixels * TwipsPerPixelX <= std::fabs(Double(V.BandStartX) - X); }
 
 // The band as the front end draws it over the picture; a drag that is still a pick shows none.
 void ShowBand() {
@@ -112,18 +111,22 @@ void EndDrag(Single X) {
 
 void Spectrum1_MouseDown(int Button, int Shift, Single X, Single Y) {
   if (Button != LeftButton) return ResetView();
-  V.BandStartX = V.BandEndX = ToLong(X);
-  V.BandStartY = V.BandEndY = ToLong(Y);
-  V.BandActive = True;
-  V.BandIntegrates = ToFlag((Shift & ShiftKey) != 0);
-  ShowBand();
+  IgnoreFailure([=] {
+    V.BandStartX = V.BandEndX = ToLong(X);
+    V.BandStartY = V.BandEndY = ToLong(Y);
+    V.BandActive = True;
+    V.BandIntegrates = ToFlag((Shift & ShiftKey) != 0);
+    ShowBand();
+  });
 }
 
 void Spectrum1_MouseMove(int /*Button*/, int /*Shift*/, Single X, Single Y) {
   if (!IsSet(V.BandActive)) return;
-  V.BandEndX = ToLong(X);
-  V.BandEndY = ToLong(Y);
-  ShowBand();
+  IgnoreFailure([X, Y] {
+    V.BandEndX = ToLong(X);
+    V.BandEndY = ToLong(Y);
+    ShowBand();
+  });
 }
 
 void Spectrum1_MouseUp(int /*Button*/, int /*Shift*/, Single X, Single /*Y*/) {
@@ -184,12 +187,12 @@ void Spectrum1_ZoomChanged(Double ZoomLow, Double ZoomHigh) {
 }
 
 bool FPickPeak(Long X) {
-  const Long Pixel = ToLong(Double(X) / TwipsPerPixelX);
+  const Double Pixel = RoundEven(Double(X) / TwipsPerPixelX);
   Long Nearest = 0;
-  Long LeastDistance = int(V.ViewWidth);
+  Double LeastDistance = int(V.ViewWidth);
   for (Long Peak = 0; Peak < V.ViewPeakCount; ++Peak) {
     if (W.PeakFrequency[Peak] == 0.0F && W.PeakIntensity[Peak] == 0.0F) continue;
-    const Long Distance = std::abs(FGetPeakRX(W.PeakFrequency[Peak]) - Pixel);
+    const Double Distance = std::fabs(FGetPeakRX(W.PeakFrequency[Peak]) - Pixel);
     if (Distance < LeastDistance) {
       Nearest = Peak;
       LeastDistance = Distance;

@@ -41,7 +41,7 @@ struct SpectrumViewState {
   Colour EnvelopClr = White;
   Colour SelectionClr = 0;
   Integer Monochrome;
-  // Twips. A window of today may be wider than an Integer holds.
+  // Corners of the band, in twips; a wide screen has more of them than an Integer holds.
   Long BandStartX = 0, BandStartY = 0, BandEndX = 0, BandEndY = 0;
   Flag BandActive = False;      // a drag with the left button is under way
   Flag BandIntegrates = False;  // it began with Shift held

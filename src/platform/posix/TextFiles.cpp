@@ -22,6 +22,7 @@ struct OpenFile {
   int Descriptor = -1;  // of a writer
   Text Content;         // of a reader: the file; of a writer: what waits to be written
   std::size_t Place = 0;
+  std::size_t Feed = 0;  // the line feed at Place or behind it, or the content's end; found once, not for each line
 };
 
 std::map<int, OpenFile>& OpenFiles() {
@@ -129,11 +130,11 @@ TextView LineInput(Integer FileNumber) {
   OpenFile& File = FileOf(FileNumber);
   const TextView Content = File.Content;
   if (File.Place >= Content.size()) throw Failure(failures::PastEnd);
+  if (File.Feed <= File.Place) File.Feed = std::min(Content.find('\n', File.Place), Content.size());
   // Up to the line feed, less the carriage return in front of it; a return farther forward ends the line by itself.
-  const TextView Rest = Content.substr(File.Place);
-  const std::size_t Feed = std::min(Rest.find('\n'), Rest.size());
-  const std::size_t Return = std::min(Rest.substr(0, Feed).find('\r'), Feed);
-  File.Place += (Return + 1 == Feed ? Feed : Return) + 1;
+  const TextView Rest = Content.substr(File.Place, File.Feed - File.Place);
+  const std::size_t Return = std::min(Rest.find('\r'), Rest.size());
+  File.Place += (Return + 1 == Rest.size() ? Rest.size() : Return) + 1;
   return Rest.substr(0, Return);
 }
 

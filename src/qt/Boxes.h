@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QStringList>
+#include <optional>
+
+#include "platform/Services.h"
+
+namespace zelvanor {
+
+BoxAnswer ShowMessageBox(const MessageBox& Box);
+std::optional<Text> AskForFile(const FileDialog& Dialog);
+std::optional<Colour> AskForColour(Colour Current);
+
+// The next file dialog answers with this path without coming up; empty to forget it.
+void QueueFile(const Text& Path);
+
+// The name filters of the window system for the program's filter text. Patterns stand in lower and upper case.
+QStringList NameFilters(const Text& Filter);
+
+}  // namespace zelvanor

@@ -1,0 +1,68 @@
+#include <QApplication>
+#include <QFileInfo>
+#include <clocale>
+
+#include "program.h"
+#include "qt/Boxes.h"
+#include "qt/Dispatch.h"
+#include "qt/MainWindow.h"
+#include "qt/QtServices.h"
+#include "qt/TextConversion.h"
+#include "shell/MainForm.h"
+
+namespace {
+
+using namespace zelvanor;
+
+constexpr const char* HostWord = "MORVANTIS";
+
+Text JoinWords(int NumWords, char** Words) {
+  Text Line;
+  for (int Word = 1; Word < NumWords; ++Word) {
+    if (Word > 1) Line += ' ';
+    Line += Words[Word];
+  }
+  return Line;
+}
+
+// The first word that names a file, as a full path; empty for none.
+Text FindFileWord(int NumWords, char** Words) {
+  for (int Word = 1; Word < NumWords; ++Word) {
+    const QFileInfo File(PathToQt(Words[Word]));
+    if (Text(Words[Word]) != HostWord && File.isFile()) return PathFromQt(File.absoluteFilePath());
+  }
+  return {};
+}
+
+// The Open command, with the answer of its dialog at hand.
+void OpenAtStart(const Text& Path) {
+  if (Path.empty()) return;
+  QueueFile(Path);
+  Dispatch([] { Fire(Main.mnuFileOpen.Click); });
+  QueueFile({});
+}
+
+int Run(const Text& CommandLine, const Text& Document) {
+  UseQtServices();
+  BuildProgram();
+  const auto Window = MakeMainWindow();
+  Dispatch([&] { Form_Load(CommandLine); });
+  if (ProgramHasEnded()) return 0;
+  if (!Window->isVisible()) return 1;  // a failure has been shown, and there is nothing to go on with
+  OpenAtStart(Document);
+  const int Code = ProgramHasEnded() ? 0 : QApplication::exec();
+  SaveGeometryOf(*Window);
+  return Code;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication Application(argc, argv);
+  // The window system has taken over the regional settings of the process; numbers keep their point.
+  std::setlocale(LC_NUMERIC, "C");
+  QApplication::setApplicationName("zelvanor");
+  QApplication::setDesktopFileName("zelvanor");
+  QApplication::setQuitOnLastWindowClosed(false);
+  return Run(JoinWords(argc, argv), FindFileWord(argc, argv));
+}

@@ -1,0 +1,319 @@
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "Helpers.h"
+#include "Smiles.h"
+#include "nmrcalc/Coupling.h"
+#include "nmrcalc/InputText.h"
+#include "nmrcalc/ParamInput.h"
+#include "nmrcalc/Shielding.h"
+#include "nmrcalc/Tensor.h"
+
+namespace nmrcalc::testing {
+namespace {
+
+const TableFile& ShiftTables() {
+  static const TableFile Tables = ReadTables(NMRCALC_DATA "/nmr_shft.abp", RequiredShiftTables());
+  return Tables;
+}
+
+const TableFile& CouplingTables() {
+  static const TableFile Tables = ReadTables(NMRCALC_DATA "/nmr_cupl.abp", RequiredCouplingTables());
+  return Tables;
+}
+
+double MeanProtonShift(const Molecule& System, std::size_t Center) {
+  double Sum = 0.0;
+  int Count = 0;
+  for (const Neighbour& Bond : System.Atoms[Center].Neighbours) {
+    if (System.Atoms[Bond.Atom].AtomicNumber != 1) continue;
+    Sum += EstimateShift(ShiftTables(), System, Bond.Atom).Shift;
+    ++Count;
+  }
+  return Sum / Count;
+}
+
+struct ErrorSum {
+  double Sum = 0.0;
+  int Count = 0;
+  void Add(double Error) {
+    Sum += std::fabs(Error);
+    ++Count;
+  }
+  double Mean() const { return Sum / Count; }
+};
+
+// The table of textbook shifts: mean absolute deviation of the molecules that were used for the increments and of those
+// that were not.
+TEST(Accuracy, ThirtyMolecules) {
+  std::map<std::string, ErrorSum> Protons;
+  std::map<std::string, ErrorSum> Carbons;
+  for (const std::string& Text : ReadTextFile(NMRCALC_TESTS "/molecules.txt").Lines) {
+    if (Text.empty() || Text[0] == '#') continue;
+    std::vector<std::string> Fields(1);
+    for (const char C : Text) {
+      if (C == '|') {
+        Fields.emplace_back();
+      } else {
+        Fields.back() += C;
+      }
+    }
+    ASSERT_EQ(Fields.size(), 5u) << Text;
+    const Molecule System = MoleculeFromSmiles(std::string(SplitTokens(Fields[1]).at(0)));
+    const std::string Set(SplitTokens(Fields[2]).at(0));
+    const auto Shifts = SplitTokens(Fields[3]);
+    for (std::size_t Center = 0; Center < Shifts.size(); ++Center) {
+      const std::string Carbon(Shifts[Center].substr(0, Shifts[Center].find('/')));
+      const std::string Proton(Shifts[Center].substr(Shifts[Center].find('/') + 1));
+      if (Carbon != "-") {
+        Carbons[Set].Add(EstimateShift(ShiftTables(), System, Center).Shift - std::stod(Carbon));
+      }
+      if (Proton != "-") Protons[Set].Add(MeanProtonShift(System, Center) - std::stod(Proton));
+    }
+  }
+  for (const std::string Set : {"fit", "test"}) {
+    EXPECT_GT(Protons[Set].Count, 30) << Set;
+    EXPECT_LT(Protons[Set].Mean(), 0.2) << Set;
+    EXPECT_LT(Carbons[Set].Mean(), 3.0) << Set;
+    RecordProperty("proton " + Set, std::to_string(Protons[Set].Mean()));
+    RecordProperty("carbon " + Set, std::to_string(Carbons[Set].Mean()));
+  }
+}
+
+// Nitrogen, oxygen, fluorine and phosphorus in the right region (Berger, Braun, Kalinowski, NMR Spectroscopy of the
+// Non-Metallic Elements, 1997), and some protons and carbons of other kinds.
+TEST(Accuracy, Regions) {
+  struct Row {
+    const char* Smiles;
+    std::size_t Atom;
+    double Shift;
+    double Tolerance;
+  };
+  const std::vector<Row> Rows = {{"CN", 1, -377, 30},
+                                 {"NC=O", 0, -268, 20},
+                                 {"CC#N", 2, -137, 15},
+                                 {"c1ccncc1", 3, -63, 15},
+                                 {"CN(=O)=O", 1, 0, 15},
+                                 {"c1cccn1[H]", 4, -235, 20},
+                                 {"O", 0, 0, 20},
+                                 {"CCO", 2, 6, 20},
+                                 {"CC(=O)C", 2, 569, 20},
+                                 {"CC(=O)OC", 2, 361, 20},
+                                 {"CC(=O)OC", 3, 139, 20},
+                                 {"CCOCC", 2, 6, 30},
+                                 {"CF", 1, -272, 20},
+                                 {"CCF", 2, -213, 20},
+                                 {"FC(F)(F)CO", 0, -77, 20},
+                                 {"c1ccccc1F", 6, -113, 15},
+                                 {"CP(C)C", 1, -62, 20},
+                                 {"COP(=O)(OC)OC", 2, 2, 15},
+                                 {"CP(=O)(C)C", 1, 36, 20},
+                                 {"COP(OC)OC", 2, 140, 15},
+                                 {"C#C", 0, 71.9, 3},
+                                 {"C1CC1", 0, -2.8, 3},
+                                 {"CC(C)(C)O", 1, 69.2, 4},
+                                 {"FC(F)(F)CO", 1, 124, 12},
+                                 {"c1ccc2ccccc2c1", 3, 133.5, 2},
+                                 {"ClC=C", 1, 125.9, 3},
+                                 {"O=C=O", 1, 124.7, 2},
+                                 {"COC(=O)c1ccccc1", 2, 167, 3},
+                                 {"COP(=O)(OC)OC", 0, 54.3, 4},
+                                 {"COP(OC)OC", 0, 48.9, 4}};
+  for (const Row& Item : Rows) {
+    const Molecule System = MoleculeFromSmiles(Item.Smiles);
+    EXPECT_NEAR(EstimateShift(ShiftTables(), System, Item.Atom).Shift, Item.Shift, Item.Tolerance) << Item.Smiles;
+  }
+}
+
+// The path of the first coupling in a molecule that has this description.
+double CouplingOf(const Molecule& System, const std::string& Path) {
+  std::vector<std::size_t> All(System.Atoms.size());
+  std::iota(All.begin(), All.end(), std::size_t{0});
+  CouplingModel Model{.Tables = CouplingTables(), .System = System};
+  std::vector<std::vector<std::size_t>> Paths;
+  for (const std::size_t Start : All) Paths.push_back({Start});
+  for (std::size_t Next = 0; Next < Paths.size(); ++Next) {
+    const std::vector<std::size_t> Way = Paths[Next];
+    int Stars = 0;
+    if (Way.size() > 1 && PathMatches(DescribePath(System, Way), Path, Stars)) return EstimateAlongPath(Model, Way);
+    for (const Neighbour& Bond : System.Atoms[Way.back()].Neighbours) {
+      if (Way.size() == 6 || std::find(Way.begin(), Way.end(), Bond.Atom) != Way.end()) continue;
+      Paths.push_back(Way);
+      Paths.back().push_back(Bond.Atom);
+    }
+  }
+  ADD_FAILURE() << "no path " << Path;
+  return 0.0;
+}
+
+// Published couplings (Pretsch; Silverstein; Kalinowski; Dolbier; Berger), Hz.
+TEST(Couplings, AreNearTheUsualOnes) {
+  struct Row {
+    const char* Smiles;
+    const char* Path;
+    double J;
+    double Tolerance;
+  };
+  const std::vector<Row> Rows = {{"CC", "C3-H", 125, 3},
+                                 {"ClC(Cl)Cl", "C3-H", 209, 12},
+                                 {"C=C", "C2-H", 156, 3},
+                                 {"c1ccccc1", "CA-H", 159, 3},
+                                 {"CC=O", "CO-H", 172, 4},
+                                 {"C#C", "C1-H", 249, 3},
+                                 {"C1CC1", "C3-H", 161, 3},
+                                 {"CF", "C3-F", -162, 15},
+                                 {"CP(C)C", "C3-P", -14, 5},
+                                 {"CO", "H-C3-H", -10.8, 1},
+                                 {"CC#N", "H-C3-H", -16.9, 1.5},
+                                 {"C1CC1", "H-C3-H", -4.3, 1},
+                                 {"ClC=C", "H-C2-H", -1.4, 1},
+                                 {"CCF", "H-C3-F", 47, 4},
+                                 {"CCCl", "H-C3-C3-H", 7.2, 0.4},
+                                 {"CCO", "H-C3-C3-H", 7.0, 0.3},
+                                 {"CC(C)O", "H-C3-C3-H", 6.2, 0.7},
+                                 {"CC=O", "H-C3-CO-H", 2.9, 0.6},
+                                 {"CC=C", "H-C3-C2-H", 6.4, 0.5},
+                                 {"c1ccccc1", "H-CA-CA-H", 7.5, 0.3},
+                                 {"c1ccccc1", "H-CA-CA-CA-H", 1.4, 0.3},
+                                 {"c1ccccc1", "H-CA-CA-CA-CA-H", 0.6, 0.2},
+                                 {"c1ccoc1", "H-CA-O-CA-H", 1.5, 0.5},
+                                 {"CCF", "H-C3-C3-F", 25, 3},
+                                 {"FC(F)(F)C", "H-C3-C3-F", 13, 3},
+                                 {"Fc1ccccc1", "H-CA-CA-F", 9, 1},
+                                 {"COP(=O)(OC)OC", "H-C3-O-PV", 11, 1},
+                                 {"CC#C", "H-C3-C1#C1-H", -2.9, 0.5}};
+  for (const Row& Item : Rows) {
+    EXPECT_NEAR(CouplingOf(MoleculeFromSmiles(Item.Smiles), Item.Path), Item.J, Item.Tolerance)
+        << Item.Smiles << " " << Item.Path;
+  }
+}
+
+// A four-atom chain H-A-B-H with the torsion angle in degrees; substituents by the caller.
+Molecule Chain(BondOrder Order, double Degrees) {
+  Molecule System;
+  const double Angle = Degrees * std::acos(-1.0) / 180.0;
+  System.Atoms = {{.AtomicNumber = 1, .Place = {-0.5, 1.0, 0.0}},
+                  {.AtomicNumber = 6, .Place = {0.0, 0.0, 0.0}},
+                  {.AtomicNumber = 6, .Place = {1.3, 0.0, 0.0}},
+                  {.AtomicNumber = 1, .Place = {1.8, std::cos(Angle), std::sin(Angle)}}};
+  AddBond(System, 0, 1, BondOrder::Single);
+  AddBond(System, 1, 2, Order);
+  AddBond(System, 2, 3, BondOrder::Single);
+  PerceiveStructure(System);
+  return System;
+}
+
+TEST(Couplings, CisAndTransFollowTheGeometry) {
+  EXPECT_NEAR(CouplingOf(Chain(BondOrder::Double, 0.0), "H-C2=C2-H"), 11.6, 0.1);
+  EXPECT_NEAR(CouplingOf(Chain(BondOrder::Double, 180.0), "H-C2=C2-H"), 19.1, 0.1);
+  // Over a bond that turns, the torsion drawn does not matter.
+  EXPECT_EQ(CouplingOf(Chain(BondOrder::Single, 60.0), "H-C3-C3-H"),
+            CouplingOf(Chain(BondOrder::Single, 175.0), "H-C3-C3-H"));
+}
+
+// Karplus curve without substituents 13.7 cos^2 - 0.73 cos, and the fall of a gauche coupling where an electronegative
+// substituent stands opposite the other proton (2.5 Hz against 5 in cyclohexane rings).
+TEST(Couplings, KarplusWithSubstituents) {
+  const std::vector<double> Parameters = {13.7, -0.73, 0.0, 0.56, -2.47, 16.9};
+  for (const double Degrees : {0.0, 60.0, -60.0, 90.0, 180.0}) {
+    const double Cosine = std::cos(Degrees * std::acos(-1.0) / 180.0);
+    EXPECT_NEAR(HaasnootCoupling(Chain(BondOrder::Single, Degrees), {0, 1, 2, 3}, Parameters),
+                13.7 * Cosine * Cosine - 0.73 * Cosine, 1e-9);
+  }
+  const auto WithOxygen = [&](double Degrees) {  // on the first carbon, at 120 degrees from its proton
+    Molecule System = Chain(BondOrder::Single, Degrees);
+    System.Atoms.push_back({.AtomicNumber = 8, .Place = {-0.5, -0.5, -std::sqrt(0.75)}});
+    AddBond(System, 1, 4, BondOrder::Single);
+    return HaasnootCoupling(System, {0, 1, 2, 3}, Parameters);
+  };
+  EXPECT_LT(std::min(WithOxygen(60.0), WithOxygen(-60.0)), 2.8);
+  EXPECT_GT(std::max(WithOxygen(60.0), WithOxygen(-60.0)), 3.2);
+  EXPECT_LT(WithOxygen(60.0), WithOxygen(-60.0));  // at 60 degrees the oxygen is opposite the other proton
+}
+
+TEST(Couplings, ExchangingProtonsHaveNone) {
+  for (const char* Smiles : {"CO", "CN", "Oc1ccccc1", "CC(=O)O"}) {
+    const Molecule System = MoleculeFromSmiles(Smiles);
+    std::vector<std::size_t> All(System.Atoms.size());
+    std::iota(All.begin(), All.end(), std::size_t{0});
+    CouplingModel Model{.Tables = CouplingTables(), .System = System};
+    const auto J = EstimateCouplings(Model, All);
+    int Exchanging = 0;
+    for (const std::size_t Atom : All) {
+      if (!Exchanges(CouplingTables(), System, Atom)) continue;
+      ++Exchanging;
+      for (const std::size_t Other : All) EXPECT_EQ(J[Atom * All.size() + Other], 0.0) << Smiles;
+    }
+    EXPECT_GT(Exchanging, 0) << Smiles;
+  }
+}
+
+// The same molecule with its atoms in another order: the same numbers, in that order, to the last digit.
+TEST(Symmetry, TheOrderOfTheAtomsChangesNothing) {
+  for (const char* Smiles : {"CC(=O)OCC", "COc1ccc(C=O)cc1", "c1nccn1[H]", "c1ccc2ccccc2c1", "FC(F)(F)CO", "C1CCCO1"}) {
+    const Molecule System = MoleculeFromSmiles(Smiles);
+    const std::size_t NumAtoms = System.Atoms.size();
+    const auto Place = [NumAtoms](std::size_t Atom) { return (NumAtoms - 1 - Atom + 5) % NumAtoms; };
+    Molecule Turned;
+    Turned.Atoms.resize(NumAtoms);
+    for (std::size_t Atom = 0; Atom < NumAtoms; ++Atom) {
+      Turned.Atoms[Place(Atom)].AtomicNumber = System.Atoms[Atom].AtomicNumber;
+      Turned.Atoms[Place(Atom)].Place = System.Atoms[Atom].Place;
+    }
+    for (std::size_t Atom = NumAtoms; Atom-- > 0;) {
+      for (const Neighbour& Bond : System.Atoms[Atom].Neighbours)
+        AddBond(Turned, Place(Atom), Place(Bond.Atom), Bond.Order);
+    }
+    PerceiveStructure(Turned);
+    std::vector<std::size_t> All(NumAtoms);
+    std::iota(All.begin(), All.end(), std::size_t{0});
+    CouplingModel Left{.Tables = CouplingTables(), .System = System};
+    CouplingModel Right{.Tables = CouplingTables(), .System = Turned};
+    const auto LeftJ = EstimateCouplings(Left, All);
+    const auto RightJ = EstimateCouplings(Right, All);
+    for (const std::size_t Atom : All) {
+      EXPECT_EQ(EstimateShift(ShiftTables(), System, Atom).Shift,
+                EstimateShift(ShiftTables(), Turned, Place(Atom)).Shift)
+          << Smiles << " atom " << Atom;
+      for (const std::size_t Other : All) {
+        EXPECT_EQ(LeftJ[Atom * NumAtoms + Other], RightJ[Place(Atom) * NumAtoms + Place(Other)]) << Smiles;
+      }
+    }
+  }
+}
+
+// Benzene in its plane, as single and double bonds and as aromatic ones.
+TEST(Tensors, AreSymmetricSortedAndOfTheRightSize) {
+  for (const bool Kekule : {false, true}) {
+    Molecule Benzene;
+    for (std::size_t K = 0; K < 6; ++K) {
+      const double Angle = double(K) * std::acos(-1.0) / 3.0;
+      Benzene.Atoms.push_back({.AtomicNumber = 6, .Place = {1.4 * std::cos(Angle), 1.4 * std::sin(Angle), 0.0}});
+    }
+    for (std::size_t K = 0; K < 6; ++K) {
+      const BondOrder Order = K % 2 == 0 ? BondOrder::Double : BondOrder::Single;
+      AddBond(Benzene, K, (K + 1) % 6, Kekule ? Order : BondOrder::Aromatic);
+    }
+    PerceiveStructure(Benzene);
+    const ShieldingTensor Tensor = EstimateTensor(ShiftTables(), Benzene, 1, 58.0);
+    for (std::size_t Row = 0; Row < 3; ++Row) {
+      for (std::size_t Column = 0; Column < 3; ++Column) {
+        EXPECT_EQ(Tensor.Components[3 * Row + Column], Tensor.Components[3 * Column + Row]);
+      }
+    }
+    EXPECT_NEAR(Tensor.Isotropic, 58.0, 1e-9);
+    EXPECT_NEAR((Tensor.Eigenvalues[0] + Tensor.Eigenvalues[1] + Tensor.Eigenvalues[2]) / 3.0, 58.0, 1e-9);
+    EXPECT_TRUE(std::is_sorted(Tensor.Eigenvalues.begin(), Tensor.Eigenvalues.end()));
+    EXPECT_NEAR(Tensor.Anisotropy, 180.0, 10.0);  // along the normal, which is z here
+    EXPECT_NEAR(Tensor.Components[8], Tensor.Eigenvalues[2], 1e-9);
+  }
+  // Methane has none; an atom without coordinates or bonds neither.
+  Molecule Lone;
+  Lone.Atoms.push_back({.AtomicNumber = 6});
+  PerceiveStructure(Lone);
+  EXPECT_EQ(EstimateTensor(ShiftTables(), Lone, 0, 180.0).Anisotropy, 0.0);
+}
+
+}  // namespace
+}  // namespace nmrcalc::testing
