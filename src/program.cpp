@@ -101,6 +101,7 @@ void ConnectMainForm() {
   Main.Spectrum1.MouseDown = Spectrum1_MouseDown;
   Main.Spectrum1.MouseMove = Spectrum1_MouseMove;
   Main.Spectrum1.MouseUp = Spectrum1_MouseUp;
+  Main.ShieldTable.AccessibleName = "Table of results";
   Main.ShieldTable.KeyPress = ShieldTable_KeyPress;
   Main.ShieldTable.RowColChange = ShieldTable_RowColChange;
   Main.ShieldTable.SelChange = ShieldTable_SelChange;

@@ -43,8 +43,7 @@ class TablesTest : public ProgramTest {
     SetArray(W.ChemicalShift, {0, 0, 0, 0, 0});
     SetArray(W.ReferenceShielding, {31, 180, 0, 0, 0, 0, 0});
     W.NumReferenceElements = 6;
-    SetMatrix(W.Coupling,
-              {{0, 7, 1, 2, 0}, {-5, 0, 3, 4, 0}, {1, 3, 0, 5, 0}, {2, 4, 5, 0, 0}, {0, 0, 0, 0, 0}});
+    SetMatrix(W.Coupling, {{0, 7, 1, 2, 0}, {-5, 0, 3, 4, 0}, {1, 3, 0, 5, 0}, {2, 4, 5, 0, 0}, {0, 0, 0, 0, 0}});
     W.ShieldTensor.ReDim(TensorValues * 4);
     for (int Place = 0; Place < TensorValues * 4; ++Place) W.ShieldTensor[Place] = static_cast<Single>(Place);
     ExtendForResults();
@@ -234,9 +233,9 @@ TEST_F(TablesTest, PlottedSelections) {
     int Result;
     const char* Title;
   };
-  for (const Row& R : {Row{{1, 1, 1, 2}, 0, "Shielding"}, Row{{3, 3, 2, 4}, 0, "Tau"}, Row{{2, 3, 1, 4}, 0, "Shift and Tau"},
-                       Row{{1, 1, 0, 2}, 1, "Shift and Tau"}, Row{{1, 3, 2, 2}, 1, "Shift and Tau"},
-                       Row{{1, 3, 1, 4}, 0, "Shielding and Shift"}}) {
+  for (const Row& R : {Row{{1, 1, 1, 2}, 0, "Shielding"}, Row{{3, 3, 2, 4}, 0, "Tau"},
+                       Row{{2, 3, 1, 4}, 0, "Shift and Tau"}, Row{{1, 1, 0, 2}, 1, "Shift and Tau"},
+                       Row{{1, 3, 2, 2}, 1, "Shift and Tau"}, Row{{1, 3, 1, 4}, 0, "Shielding and Shift"}}) {
     SCOPED_TRACE(R.Range[0] * 1000 + R.Range[1] * 100 + R.Range[2] * 10 + R.Range[3]);
     SetGridSelection(Table, R.Range[0], R.Range[1], R.Range[2], R.Range[3]);
     EXPECT_EQ(PlotTableSelection(), R.Result);
@@ -282,9 +281,9 @@ TEST_F(TablesTest, NegativeBarsHangFromZero) {
     EXPECT_NEAR(Bars[1].first, Zero, 1e-6);
     EXPECT_NEAR(Bars[0].second - Bars[0].first, 2 * (Bars[1].second - Bars[1].first), 1e-6);
     for (const char* Words : {"a", "b", "set", "Title", "-5", "10"}) {
-      EXPECT_TRUE(std::any_of(Picture.Texts.begin(), Picture.Texts.end(),
-                              [&](const ChartText& Item) { return Item.Words == Words; }))
-          << Words;
+      EXPECT_TRUE(std::any_of(Picture.Texts.begin(), Picture.Texts.end(), [&](const ChartText& Item) {
+        return Item.Words == Words;
+      })) << Words;
     }
   }
 }
@@ -303,7 +302,8 @@ TEST_F(TablesTest, LargestCouplingTableIsSmall) {
   EXPECT_EQ(CellText(Table, NumAtoms, NumAtoms), "1.250");
   EXPECT_EQ(CellText(Table, 1, NumAtoms), "0.000");
   const GridCells& Cells = Table.Cells;
-  const std::size_t Bytes = Cells.Kinds.capacity() + 4 * Cells.Contents.capacity() + sizeof(Text) * Cells.Texts.capacity();
+  const std::size_t Bytes =
+      Cells.Kinds.capacity() + 4 * Cells.Contents.capacity() + sizeof(Text) * Cells.Texts.capacity();
   EXPECT_LT(Bytes, 40U << 20);
 }
 

@@ -4,6 +4,7 @@
 #include "basic/NumberText.h"
 #include "basic/TextTools.h"
 #include "batch/Batch.h"
+#include "batch/PictureText.h"
 #include "batch/TextFile.h"
 #include "platform/ChartPicture.h"
 #include "tables/frmGraph.h"
@@ -13,27 +14,8 @@ namespace zelvanor::batch {
 
 namespace {
 
-constexpr const char* FontFamily = "sans-serif";
 constexpr Double PointsPerPixel = 0.75;  // at 96 pixels an inch
 constexpr Double QuarterTurn = 1.5707963267948966;
-
-Text SvgColour(Colour Value) {
-  return Join("rgb(", Long{Value & 255}, ",", Long{(Value >> 8) & 255}, ",", Long{(Value >> 16) & 255}, ")");
-}
-
-Text SvgEscaped(TextView Value) {
-  Text Result;
-  for (const char C : Value) {
-    if (C == '&') {
-      Result += "&amp;";
-    } else if (C == '<') {
-      Result += "&lt;";
-    } else {
-      Result += C;
-    }
-  }
-  return Result;
-}
 
 Text Measure(Double Value) { return FormatNumber(Value, "0.0#"); }
 
@@ -47,7 +29,7 @@ Text SvgShape(const ChartShape& Shape) {
 
 Text SvgText(const ChartText& Item) {
   constexpr const char* Anchors[] = {"start", "middle", "end"};
-  Text Tag = Join("<text text-anchor=\"", Anchors[static_cast<int>(Item.Align)], "\" font-family=\"", FontFamily,
+  Text Tag = Join("<text text-anchor=\"", Anchors[static_cast<int>(Item.Align)], "\" font-family=\"", PictureFont,
                   "\" font-size=\"", Long{Item.Pixels}, "\" y=\"", Measure(Item.Pixels * ChartBaseShare), "\"");
   if (Item.Bold) Tag += " font-weight=\"bold\"";
   Tag += Join(" transform=\"translate(", Measure(Item.X), ",", Measure(Item.Y), ")", Item.Upright ? " rotate(-90)" : "",
@@ -56,17 +38,10 @@ Text SvgText(const ChartText& Item) {
 }
 
 Text BuildSvg(const ChartPicture& Picture) {
-  Text Svg = Join("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"",
-                  Long{Picture.Width}, "\" height=\"", Long{Picture.Height}, "\" viewBox=\"0 0 ", Long{Picture.Width},
-                  " ", Long{Picture.Height}, "\">\n<rect width=\"100%\" height=\"100%\" fill=\"white\"/>\n");
+  Text Svg = SvgHead(Graph(), White);
   for (const ChartShape& Shape : Picture.Shapes) Svg += SvgShape(Shape);
   for (const ChartText& Item : Picture.Texts) Svg += SvgText(Item);
   return Svg + "</svg>\n";
-}
-
-void SetSource(cairo_t* Context, Colour Value) {
-  constexpr Double Full = 255.0;
-  cairo_set_source_rgb(Context, (Value & 255) / Full, ((Value >> 8) & 255) / Full, ((Value >> 16) & 255) / Full);
 }
 
 void DrawShape(cairo_t* Context, const ChartShape& Shape) {
@@ -82,7 +57,7 @@ void DrawShape(cairo_t* Context, const ChartShape& Shape) {
 }
 
 void DrawText(cairo_t* Context, const ChartText& Item) {
-  cairo_select_font_face(Context, FontFamily, CAIRO_FONT_SLANT_NORMAL,
+  cairo_select_font_face(Context, PictureFont, CAIRO_FONT_SLANT_NORMAL,
                          Item.Bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
   cairo_set_font_size(Context, Item.Pixels);
   cairo_text_extents_t Size;
@@ -138,7 +113,8 @@ void WritePdf(const ChartPicture& Picture, const Text& Path) {
 void WriteChart(const Text& Path) {
   const ChartControl& Chart = Graph();
   if (Chart.Points.empty()) throw ScriptStop{CannotCarryOut, "nothing has been plotted"};
-  const ChartPicture Picture = DrawChart(Chart, Chart.Width / TwipsPerPixelX, Chart.Height / TwipsPerPixelY);
+  const auto [Width, Height] = SizeOf(Chart);
+  const ChartPicture Picture = DrawChart(Chart, Width, Height);
   const Text Ending = EndingOf(Path);
   if (Ending == ".SVG") return WriteText(Path, BuildSvg(Picture));
   if (Ending == ".PNG") return WritePng(Picture, Path);

@@ -213,8 +213,10 @@ void Spin(const std::vector<Argument>& All) {
   Fire(All[2].Value == "up" ? Button.SpinUp : Button.SpinDown);
 }
 
+namespace {
+
 // On a chart only a second press at the same place means something: it is a double click.
-static void MoveMouseOnChart(const ChartControl& Chart, const std::vector<Argument>& All) {
+void MoveMouseOnChart(const ChartControl& Chart, const std::vector<Argument>& All) {
   static Text PressedAt;
   if (All[2].Value == "up") return;
   Text Place = ControlName(Chart);
@@ -228,6 +230,8 @@ static void MoveMouseOnChart(const ChartControl& Chart, const std::vector<Argume
     PressedAt = Place;
   }
 }
+
+}  // namespace
 
 void MoveMouse(const std::vector<Argument>& All) {
   Control* Target = FindReachable(All);

@@ -253,8 +253,8 @@ class GridView : public QTableView {
   GridModel* Model;
   QLabel* Corner = nullptr;  // title of the label column
   QTimer Late;
-  QPoint Anchor;            // column and row where the user's selection began
-  bool Following = false;   // what the view tells is not from the user
+  QPoint Anchor;           // column and row where the user's selection began
+  bool Following = false;  // what the view tells is not from the user
   bool NewSize = true;
   bool NewWidths = true;
   bool NewTexts = true;

@@ -41,6 +41,18 @@ void ReplaceShieldings(const GridControl& Table, Single Value) {
   }
 }
 
+// Writing a cell makes it the current one; this one is current again at the end.
+struct CurrentCell {
+  int Row = Main.ShieldTable.Row;
+  int Col = Main.ShieldTable.Col;
+  CurrentCell() = default;
+  ~CurrentCell() {
+    IgnoreFailure([this] { SetCurrentCell(Main.ShieldTable, Row, Col); });
+  }
+  CurrentCell(const CurrentCell&) = delete;
+  CurrentCell& operator=(const CurrentCell&) = delete;
+};
+
 // The selected cells and their mirror cells.
 void ReplaceCouplings(const GridControl& Table, Single Value) {
   for (int Row = Table.SelStartRow; Row <= Table.SelEndRow; ++Row) {
@@ -81,6 +93,7 @@ Flag ReplaceSelectedCells(Double Value) {
       return False;
     }
     if (Table.SelEndCol < Table.SelStartCol) return False;
+    const CurrentCell Former;
     if (W.ViewMode == CouplingView) {
       ReplaceCouplings(Table, ToSingle(Value));
     } else if (Table.SelEndRow >= ShieldingRow) {
