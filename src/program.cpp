@@ -1,5 +1,9 @@
 #include "program.h"
 
+#include "atomsets/AtomSets.h"
+#include "atomsets/frmEquiv.h"
+#include "atomsets/frmSelect.h"
+#include "atomsets/frmSelect2.h"
 #include "backend/Compute.h"
 #include "basic/NumberText.h"
 #include "files/FileCommands.h"
@@ -9,7 +13,11 @@
 #include "settings/ColorSets.h"
 #include "settings/Settings.h"
 #include "setup/ReferenceShieldings.h"
+#include "setup/frmParamOptions.h"
+#include "setup/frmRefer.h"
 #include "setup/frmReplace.h"
+#include "setup/frmSCf.h"
+#include "setup/frmSpectOptions.h"
 #include "shell/Frame.h"
 #include "shell/ShellVariables.h"
 #include "shell/frmAbout.h"
@@ -65,6 +73,9 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click},
     {&MainForm::mnuLorentzian, mnuLorentzian_Click},
     {&MainForm::mnuGaussian, mnuGaussian_Click},
+    {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
+    {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
+    {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
     {&MainForm::mnuComputeNMR, mnuComputeNMR_Click},
     {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
     {&MainForm::mnuComputeAll, mnuComputeAll_Click},
@@ -194,6 +205,13 @@ void TakeSettings() {
 void BuildProgram() {
   BuildMainForm();
   BuildAboutForm();
+  BuildAtomSetForm();
+  BuildElementChoiceForm();
+  BuildEquivalentForm();
+  BuildParamOptionsForm();
+  BuildSCFForm();
+  BuildSpectOptionsForm();
+  BuildReferenceForm();
   BuildValuesForm();
   BuildGraphForm();
   BuildReplaceForm();
@@ -203,6 +221,7 @@ void BuildProgram() {
   AddSettingsVariables();
   AddShellVariables();
   AddSpectrumVariables();
+  AddAtomSetVariables();
   AddTableVariables();
   AddVariable("StartedAlone", StartedAlone);
 }

@@ -127,6 +127,7 @@ struct OptionButton : Control {
 struct TextField : Control {
   TextField(Form* Owner, Text Name, int Index = -1) : Control(ControlKind::TextField, Owner, std::move(Name), Index) {}
   Text Value;
+  Flag ReadOnly = False;  // shows what the program sets; keys do nothing
   Event Change;
   std::function<void(int& KeyAscii)> KeyPress;  // may replace the key or take it away (0)
 };
@@ -194,6 +195,8 @@ void SetText(TextField& Target, TextView Value);
 void SetListIndex(ListBox& Target, int Index);
 void SetListIndex(ComboBox& Target, int Index);
 void SetSelected(ListBox& Target, int Index, bool Selected);
+// All rows at once, beside Items; for lists of thousands.
+void SetSelection(ListBox& Target, std::vector<bool> Selected);
 // A value outside the bar's range goes to the nearer end.
 void SetValue(ScrollBar& Target, int Value);
 // New ends; a value that falls outside them moves to the nearer one.
@@ -202,6 +205,8 @@ void SetChanges(ScrollBar& Target, int SmallChange, int LargeChange);
 
 void SetItems(ListBox& Target, std::vector<Text> Items);
 void SetItems(ComboBox& Target, std::vector<Text> Items);
+// Behind the rows that are there, whose selection stays.
+void AppendItems(ListBox& Target, const std::vector<Text>& Items);
 // The next key goes to this control.
 void SetFocus(Control& Target);
 void SetStatus(StatusLine& Target, TextView Value);
