@@ -8,10 +8,15 @@
 #include "basic/NumberText.h"
 #include "files/FileCommands.h"
 #include "host/GetCommand.h"
+#include "molecule/AtomSelection.h"
+#include "molecule/MoleculeView.h"
+#include "molecule/MouseDrag.h"
+#include "molecule/frmRender.h"
 #include "platform/Paths.h"
 #include "platform/Variables.h"
 #include "settings/ColorSets.h"
 #include "settings/Settings.h"
+#include "settings/frmPreference.h"
 #include "setup/ReferenceShieldings.h"
 #include "setup/frmParamOptions.h"
 #include "setup/frmRefer.h"
@@ -57,6 +62,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileSave, mnuFileSave_Click},
     {&MainForm::mnuFileSaveAs, mnuFileSaveAs_Click},
     {&MainForm::mnuFileGet, mnuFileGet_Click},
+    {&MainForm::mnuPreferences, mnuPreferences_Click},
     {&MainForm::mnuFileExit, mnuFileExit_Click},
     {&MainForm::mnuCopy, mnuCopy_Click},
     {&MainForm::mnuReplace, mnuReplace_Click},
@@ -73,6 +79,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click},
     {&MainForm::mnuLorentzian, mnuLorentzian_Click},
     {&MainForm::mnuGaussian, mnuGaussian_Click},
+    {&MainForm::mnuViewRender, mnuViewRender_Click},
     {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
     {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
     {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
@@ -116,12 +123,36 @@ void ConnectMainForm() {
   Main.ShieldTable.KeyPress = ShieldTable_KeyPress;
   Main.ShieldTable.RowColChange = ShieldTable_RowColChange;
   Main.ShieldTable.SelChange = ShieldTable_SelChange;
+  Main.MolRender1.AccessibleName = "Molecule";
+  Main.MolRender1.MouseDown = MolRender1_MouseDown;
+  Main.MolRender1.MouseMove = MolRender1_MouseMove;
+  Main.MolRender1.MouseUp = MolRender1_MouseUp;
+  Main.MolRender1.MouseWheel = MolRender1_MouseWheel;
+  Main.MolRender1.AtomClick = MolRender1_AtomClick;
+  Main.MolRender1.NoAtomClick = MolRender1_NoAtomClick;
   StatusSink = [](TextView Value) { SetStatus(Main.StatusBar, Value); };
+}
+
+void ConnectPreferences() {
+  Preferences.GetGraphClr = GetGraphClr;
+  Preferences.GetSelectionClr = GetSelectionClr;
+  Preferences.GetEnvelop = GetEnvelop;
+  Preferences.SetGraphClr = SetGraphClr;
+  Preferences.SetSelectionClr = SetSelectionClr;
+  Preferences.SetEnvelop = SetEnvelop;
+  Preferences.SetMonochrome = SetMonochrome;
+  Preferences.SetSpectrumBackground = [](Colour Value) { SetBackColor(Main.Spectrum1, Value); };
+  Preferences.GetMoleculeBackground = [] { return Main.MolRender1.BackColor; };
+  Preferences.TakeMoleculePreferences = TakeMoleculePreferences;
+  Preferences.RefreshView = RefreshView;
 }
 
 void ConnectRooms() {
   Rooms.ShowShieldingTable = ShowShieldingTable;
   Rooms.ShowCouplingTable = ShowCouplingTable;
+  Rooms.ShowMoleculeView = ShowMoleculeView;
+  Rooms.TurnMolecule = TurnMolecule;
+  Rooms.FitMolecule = FitMolecule;
   Rooms.ShowSpectrumView = ShowSpectrumView;
   Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
   Rooms.TakeOpenedSpectrum = TakeOpenedSpectrum;
@@ -130,9 +161,13 @@ void ConnectRooms() {
   Rooms.LinesAndEnvelopCommand = mnuLinesAndEnvelop_Click;
 }
 
+// The host may talk to the program that it has started.
+void Form_LinkOpen(Flag& Cancel) { Cancel = False; }
+
 void ReadCommandLine(const Text& CommandLine) {
   StartedAlone = ToFlag(CommandLine != HostWord);
   Main.LinkMode = IsSet(StartedAlone) ? 0 : 1;
+  if (Main.LinkMode == 1) IgnoreFailure([] { Platform.Host.Accept(Form_LinkOpen); });
   SetEnabled(Main.mnuFile, StartedAlone);
 }
 
@@ -198,6 +233,7 @@ void TakeSettings() {
   Settings.PrefGraphColor = GetGraphClr();
   Settings.PrefSelectionColor = GetSelectionClr();
   Settings.PrefEnvelopColor = GetEnvelop();
+  InitMoleculeView();
 }
 
 }  // namespace
@@ -205,6 +241,8 @@ void TakeSettings() {
 void BuildProgram() {
   BuildMainForm();
   BuildAboutForm();
+  BuildPreferenceForm();
+  BuildRenderForm();
   BuildAtomSetForm();
   BuildElementChoiceForm();
   BuildEquivalentForm();
@@ -217,10 +255,14 @@ void BuildProgram() {
   BuildReplaceForm();
   ConnectMainForm();
   ConnectRooms();
+  ConnectPreferences();
   AddWorkspaceVariables();
   AddSettingsVariables();
   AddShellVariables();
   AddSpectrumVariables();
+  AddMoleculeVariables();
+  AddRenderFormVariables();
+  AddPreferenceVariables();
   AddAtomSetVariables();
   AddTableVariables();
   AddVariable("StartedAlone", StartedAlone);
@@ -242,6 +284,7 @@ void Form_Load(const Text& CommandLine) {
 void Form_Resize() {
   IgnoreFailure(BeginSpectrumResize);
   LayOutWindow();
+  IgnoreFailure(PlaceMoleculeView);
   IgnoreFailure(EndSpectrumResize);
   // The layout leaves the table without a height until its view is drawn again.
   if (IsSet(Main.ShieldTable.Visible)) PlaceTable();

@@ -7,6 +7,7 @@
 #include "basic/Numbers.h"
 #include "batch/Batch.h"
 #include "batch/Expect.h"
+#include "batch/HostCommands.h"
 #include "batch/UserActions.h"
 #include "platform/Grid.h"
 #include "program.h"
@@ -67,9 +68,9 @@ void QueueColour(const Words& All) {
 
 void ClipboardCommand(const Words& All) {
   if (All.size() > 1) {
-    State.Clipboard = All[1].Value;
+    Platform.SetClipboard(All[1].Value);
   } else {
-    PrintOut(Escaped(State.Clipboard));
+    PrintOut(Escaped(Platform.GetClipboard()));
   }
 }
 
@@ -85,11 +86,6 @@ void LocaleCommand(const Words& All) {
 void Instance(const Words& /*All*/) {
   BeforeStart("instance");
   State.OtherInstance = true;
-}
-
-void HostCommand(const Words& All) {
-  // Unless told, no host is there: so this is what it says already.
-  if (All[1].Value != "none" || All.size() > 2) throw ScriptStop{CannotCarryOut, "only `host none` is known"};
 }
 
 void Get(const Words& All) { PrintOut(All[1].Value + " = " + PrintedValue(ReadProperty(All[1].Value))); }
@@ -186,6 +182,7 @@ const std::map<Text, CommandRow>& Commands() {
       {"scroll", {ScrollBarTo, 2, true}},
       {"spin", {Spin, 2, true}},
       {"mouse", {MoveMouse, 4, true}},
+      {"atom", {ClickAtom, 2, true}},
       {"key", {PressKey, 1, true}},
       {"size", {Size, 2, false}},
       {"menu", {[](const Words& All) { SubClass1_MenuSelect(0, All[1].Value); }, 1, true}},

@@ -7,6 +7,7 @@
 #include "platform/Chart.h"
 #include "platform/Grid.h"
 #include "platform/Picture.h"
+#include "platform/Render.h"
 
 namespace zelvanor::batch {
 
@@ -128,6 +129,18 @@ Answer ReadChart(const ChartControl& Of, const PropertyName& Name) {
   return {};
 }
 
+Answer ReadRender(const RenderControl& Of, const PropertyName& Name) {
+  if (Name.Name == "ViewTransform")
+    return ScriptValue{{GeneralForm(GetViewTransform(Of, Name.Places[0]))}, false, false};
+  if (Name.Name == "AtomCount") return NumberValue(int(GetAtomCount(Of)));
+  if (Name.Name == "AtomColor") return NumberValue(int(ElementOf(Of.Atoms, Name.Places[0]).Color));
+  if (Name.Name == "AtomText") return TextValue(ElementOf(Of.Atoms, Name.Places[0]).Label);
+  if (Name.Name == "AtomRenderType") return NumberValue(Of.AtomRenderType);
+  if (Name.Name == "BondRenderType") return NumberValue(Of.BondRenderType);
+  if (Name.Name == "BackColor") return NumberValue(int(Of.BackColor));
+  return {};
+}
+
 Answer ReadOwn(const Control& Of, const PropertyName& Name) {
   switch (Of.Kind) {
     case ControlKind::MenuItem:
@@ -160,6 +173,8 @@ Answer ReadOwn(const Control& Of, const PropertyName& Name) {
       return ReadGrid(static_cast<const GridControl&>(Of), Name);
     case ControlKind::Chart:
       return ReadChart(static_cast<const ChartControl&>(Of), Name);
+    case ControlKind::RenderControl:
+      return ReadRender(static_cast<const RenderControl&>(Of), Name);
     default:
       return {};
   }

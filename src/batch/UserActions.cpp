@@ -227,29 +227,53 @@ void MoveMouseOnChart(const ChartControl& Chart, const std::vector<Argument>& Al
   }
 }
 
+// The mouse of a picture surface and of the molecule view, whose own routines tell a click from a drag.
+void MouseAt(Control& Target, const Text& Action, int Button, int Shift, Single X, Single Y) {
+  const auto Run = [&](const auto& Handler) {
+    if (Handler) Handler(Button, Shift, X, Y);
+  };
+  if (Target.Kind == ControlKind::RenderControl) {
+    auto& View = static_cast<RenderControl&>(Target);
+    if (Action == "down") return RenderMouseDown(View, Button, Shift, X, Y);
+    if (Action == "move") return RenderMouseMove(View, Button, Shift, X, Y);
+    return RenderMouseUp(View, Button, Shift, X, Y);
+  }
+  const auto& Surface = static_cast<PictureSurface&>(Target);
+  Run(Action == "down" ? Surface.MouseDown : Action == "move" ? Surface.MouseMove : Surface.MouseUp);
+}
+
 }  // namespace
 
 void MoveMouse(const std::vector<Argument>& All) {
   Control* Target = FindReachable(All);
   if (Target == nullptr) return;
   if (Target->Kind == ControlKind::Chart) return MoveMouseOnChart(static_cast<const ChartControl&>(*Target), All);
-  const auto& Surface = NeedKind<PictureSurface>(*Target, ControlKind::PictureSurface, All);
+  if (Target->Kind != ControlKind::PictureSurface && Target->Kind != ControlKind::RenderControl) RefuseKind(All);
   const Text& Action = All[2].Value;
+  if (Action != "down" && Action != "move" && Action != "up") {
+    throw ScriptStop{CannotCarryOut, "the mouse goes down, move or up, not " + Action};
+  }
   const std::size_t Place = Action == "move" ? 3 : 4;
   const auto X = static_cast<Single>(TwipsFromPixels(NeedNumber(All, Place)));
   const auto Y = static_cast<Single>(TwipsFromPixels(NeedNumber(All, Place + 1)));
   const int Shift = ShiftState(All, Place + 2);
-  if (Action == "down") {
-    State.MouseButton = NeedNumber(All, 3);
-    if (Surface.MouseDown) Surface.MouseDown(State.MouseButton, Shift, X, Y);
-  } else if (Action == "move") {
-    if (Surface.MouseMove) Surface.MouseMove(State.MouseButton, Shift, X, Y);
-  } else if (Action == "up") {
-    State.MouseButton = 0;
-    if (Surface.MouseUp) Surface.MouseUp(NeedNumber(All, 3), Shift, X, Y);
-  } else {
-    throw ScriptStop{CannotCarryOut, "the mouse goes down, move or up, not " + Action};
+  const int Button = Action == "move" ? State.MouseButton : NeedNumber(All, 3);
+  if (Action != "move") State.MouseButton = Action == "down" ? Button : 0;
+  MouseAt(*Target, Action, Button, Shift, X, Y);
+}
+
+void ClickAtom(const std::vector<Argument>& All) {
+  RenderControl& View = Main.MolRender1;
+  if (!IsReachable(View)) return PrintOut("refused MolRender1");
+  const int Button = NeedNumber(All, 2);
+  const int Shift = ShiftState(All, 3);
+  if (All[1].Value == "none") {
+    if (View.NoAtomClick) View.NoAtomClick(Button, Shift);
+    return;
   }
+  const int Atom = NeedNumber(All, 1);
+  if (Atom < 0 || Atom >= GetAtomCount(View)) throw ScriptStop{CannotCarryOut, "there is no atom " + All[1].Value};
+  if (View.AtomClick) View.AtomClick(Button, Shift, Atom);
 }
 
 void PressKey(const std::vector<Argument>& All) {

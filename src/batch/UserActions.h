@@ -18,6 +18,7 @@ void SelectRows(const std::vector<Argument>& All);
 void ScrollBarTo(const std::vector<Argument>& All);
 void Spin(const std::vector<Argument>& All);
 void MoveMouse(const std::vector<Argument>& All);
+void ClickAtom(const std::vector<Argument>& All);
 void PressKey(const std::vector<Argument>& All);
 
 // A whole number among the words of a command.

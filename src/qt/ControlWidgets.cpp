@@ -39,6 +39,7 @@ constexpr MakerRow Makers[] = {
     {ControlKind::PictureSurface, MakePictureSurface},
     {ControlKind::Grid, MakeGrid},
     {ControlKind::Chart, MakeChart},
+    {ControlKind::RenderControl, MakeRenderControl},
     {ControlKind::ToolButton, MakeToolButton},
     {ControlKind::StatusLine, MakeStatusLine},
 };

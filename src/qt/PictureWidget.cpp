@@ -9,6 +9,7 @@
 #include "platform/Picture.h"
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
+#include "qt/MouseCodes.h"
 #include "qt/PictureReplay.h"
 #include "qt/TextConversion.h"
 
@@ -18,8 +19,8 @@ namespace {
 
 Single TwipsOf(qreal Pixels) { return static_cast<Single>(TwipsFromPixels(static_cast<int>(std::floor(Pixels)))); }
 
-// The band of a drag: a range to zoom to is framed, one to integrate is a stripe over the whole height with marks at its
-// ends. Both in light and dark, so that they stand out on every picture.
+// The band of a drag: a range to zoom to is framed, one to integrate is a stripe over the whole height with marks at
+// its ends. Both in light and dark, so that they stand out on every picture.
 void PaintBand(QPainter& Painter, const RubberBand& Band, int Height) {
   if (!Band.Shown) return;
   const int Left = std::min(Band.X1, Band.X2);
@@ -37,15 +38,6 @@ void PaintBand(QPainter& Painter, const RubberBand& Band, int Height) {
   Painter.drawRect(Frame);
   Painter.setPen(QPen(Qt::white, 1, Qt::DashLine));
   Painter.drawRect(Frame);
-}
-
-int ButtonCode(Qt::MouseButtons Buttons) {
-  return (Buttons & Qt::LeftButton ? LeftButton : 0) | (Buttons & Qt::RightButton ? RightButton : 0) |
-         (Buttons & Qt::MiddleButton ? MiddleButton : 0);
-}
-
-int ShiftCode(Qt::KeyboardModifiers Keys) {
-  return (Keys & Qt::ShiftModifier ? ShiftKey : 0) | (Keys & Qt::ControlModifier ? CtrlKey : 0);
 }
 
 // Replays the record of its surface and keeps the picture until the record changes.
@@ -74,6 +66,11 @@ class PictureView : public QWidget {
     QPainter Painter(this);
     Painter.drawImage(0, 0, Picture);
     PaintBand(Painter, Surface.Band, height());
+    if (!IsOfMainForm()) {
+      // A colour of the dialog's own would have no end.
+      Painter.setPen(palette().color(QPalette::Mid));
+      Painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
     if (ShowsFocus) {
       Painter.setPen(palette().color(QPalette::Highlight));
       Painter.drawRect(rect().adjusted(0, 0, -1, -1));
@@ -82,7 +79,7 @@ class PictureView : public QWidget {
 
   // A control of a dialog takes the size that the layout gives it.
   void resizeEvent(QResizeEvent*) override {
-    if (Surface.Owner == nullptr || Surface.Owner->Name == MainFormName) return;
+    if (IsOfMainForm()) return;
     Surface.Width = TwipsFromPixels(width());
     Surface.Height = TwipsFromPixels(height());
   }
@@ -110,6 +107,8 @@ class PictureView : public QWidget {
     if (BandWas || Surface.Band.Shown) update();
     setAccessibleDescription(ToQt(Surface.Description));
   }
+
+  bool IsOfMainForm() const { return Surface.Owner == nullptr || Surface.Owner->Name == MainFormName; }
 
   PictureSurface& Surface;
   QImage Picture;

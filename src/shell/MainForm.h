@@ -6,6 +6,7 @@
 #include "platform/Form.h"
 #include "platform/Grid.h"
 #include "platform/Picture.h"
+#include "platform/Render.h"
 
 namespace zelvanor {
 
