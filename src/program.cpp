@@ -21,6 +21,7 @@
 #include "setup/ReferenceShieldings.h"
 #include "setup/frmParamOptions.h"
 #include "setup/frmRefer.h"
+#include "setup/frmReplace.h"
 #include "setup/frmSCf.h"
 #include "setup/frmSpectOptions.h"
 #include "shell/Frame.h"
@@ -30,6 +31,12 @@
 #include "spectrum/SpectrumInteraction.h"
 #include "spectrum/SpectrumScale.h"
 #include "spectrum/SpectrumView.h"
+#include "spectrum/frmValues.h"
+#include "tables/BarPlots.h"
+#include "tables/ClipboardText.h"
+#include "tables/TableEditing.h"
+#include "tables/TableViews.h"
+#include "tables/frmGraph.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 #include "workspace/WorkspaceVariables.h"
@@ -58,6 +65,8 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileGet, mnuFileGet_Click},
     {&MainForm::mnuPreferences, mnuPreferences_Click},
     {&MainForm::mnuFileExit, mnuFileExit_Click},
+    {&MainForm::mnuCopy, mnuCopy_Click},
+    {&MainForm::mnuReplace, mnuReplace_Click},
     {&MainForm::mnuViewMolecule, mnuViewMolecule_Click},
     {&MainForm::mnuViewShielding, mnuViewShielding_Click},
     {&MainForm::mnuViewCoupling, mnuViewCoupling_Click},
@@ -65,6 +74,9 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuLines, mnuLines_Click},
     {&MainForm::mnuEnvelop, mnuEnvelop_Click},
     {&MainForm::mnuLinesAndEnvelop, mnuLinesAndEnvelop_Click},
+    {&MainForm::mnuViewValues, mnuViewValues_Click},
+    {&MainForm::mnuView2DBar, mnuView2DBar_Click},
+    {&MainForm::mnuView3DBar, mnuView3DBar_Click},
     {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click},
     {&MainForm::mnuLorentzian, mnuLorentzian_Click},
     {&MainForm::mnuGaussian, mnuGaussian_Click},
@@ -108,6 +120,10 @@ void ConnectMainForm() {
   Main.Spectrum1.MouseDown = Spectrum1_MouseDown;
   Main.Spectrum1.MouseMove = Spectrum1_MouseMove;
   Main.Spectrum1.MouseUp = Spectrum1_MouseUp;
+  Main.ShieldTable.AccessibleName = "Table of results";
+  Main.ShieldTable.KeyPress = ShieldTable_KeyPress;
+  Main.ShieldTable.RowColChange = ShieldTable_RowColChange;
+  Main.ShieldTable.SelChange = ShieldTable_SelChange;
   Main.MolRender1.AccessibleName = "Molecule";
   Main.MolRender1.MouseDown = MolRender1_MouseDown;
   Main.MolRender1.MouseMove = MolRender1_MouseMove;
@@ -133,6 +149,8 @@ void ConnectPreferences() {
 }
 
 void ConnectRooms() {
+  Rooms.ShowShieldingTable = ShowShieldingTable;
+  Rooms.ShowCouplingTable = ShowCouplingTable;
   Rooms.ShowMoleculeView = ShowMoleculeView;
   Rooms.TurnMolecule = TurnMolecule;
   Rooms.FitMolecule = FitMolecule;
@@ -237,6 +255,9 @@ void BuildProgram() {
   BuildSCFForm();
   BuildSpectOptionsForm();
   BuildReferenceForm();
+  BuildValuesForm();
+  BuildGraphForm();
+  BuildReplaceForm();
   ConnectMainForm();
   ConnectRooms();
   ConnectPreferences();
@@ -248,6 +269,7 @@ void BuildProgram() {
   AddRenderFormVariables();
   AddPreferenceVariables();
   AddAtomSetVariables();
+  AddTableVariables();
   AddVariable("StartedAlone", StartedAlone);
 }
 
@@ -269,6 +291,8 @@ void Form_Resize() {
   LayOutWindow();
   IgnoreFailure(PlaceMoleculeView);
   IgnoreFailure(EndSpectrumResize);
+  // The layout leaves the table without a height until its view is drawn again.
+  if (IsSet(Main.ShieldTable.Visible)) PlaceTable();
 }
 
 }  // namespace zelvanor

@@ -9,6 +9,7 @@
 #include "batch/Expect.h"
 #include "batch/HostCommands.h"
 #include "batch/UserActions.h"
+#include "platform/Grid.h"
 #include "program.h"
 #include "shell/Frame.h"
 
@@ -126,6 +127,13 @@ void Dump(const Words& All) {
     for (std::size_t Row = 0; Row < List.Items.size(); ++Row) {
       PrintOut((static_cast<int>(Row) == List.ListIndex ? "*" : "") + Escaped(List.Items[Row]));
     }
+  } else if (Target.Kind == ControlKind::Grid) {
+    const auto& Grid = static_cast<const GridControl&>(Target);
+    for (int Row = 0; Row < RowsOf(Grid); ++Row) {
+      Text Line;
+      for (int Col = 0; Col < ColsOf(Grid); ++Col) Line += (Col > 0 ? " " : "") + Escaped(CellText(Grid, Row, Col));
+      PrintOut(Line);
+    }
   } else {
     throw ScriptStop{CannotCarryOut, "nothing to dump in " + All[1].Value};
   }
@@ -168,6 +176,8 @@ const std::map<Text, CommandRow>& Commands() {
       {"type", {TypeText, 2, true}},
       {"enter", {EnterText, 2, true}},
       {"choose", {ChooseEntry, 2, true}},
+      {"cell", {PickGridCell, 3, true}},
+      {"range", {PickGridRange, 5, true}},
       {"select", {SelectRows, 1, true}},
       {"scroll", {ScrollBarTo, 2, true}},
       {"spin", {Spin, 2, true}},
@@ -192,6 +202,7 @@ const std::map<Text, CommandRow>& Commands() {
       {"forms", {ListForms, 0, false}},
       {"dump", {Dump, 1, true}},
       {"view", {[](const Words& All) { WriteView(All[1].Value); }, 1, true}},
+      {"chart", {[](const Words& All) { WriteChart(All[1].Value); }, 1, true}},
       {"save", {[](const Words& All) { SavePeaks(All[1].Value); }, 1, true}},
       {"wait", {Wait, 1, false}},
       {"echo", {Echo, 0, false}},

@@ -1,7 +1,6 @@
 #include <cairo-pdf.h>
 #include <cairo.h>
 
-#include <fstream>
 #include <functional>
 #include <memory>
 
@@ -10,6 +9,7 @@
 #include "batch/Batch.h"
 #include "batch/MoleculePicture.h"
 #include "batch/PictureText.h"
+#include "batch/TextFile.h"
 #include "shell/MainForm.h"
 #include "spectrum/SpectrumDrawing.h"
 #include "workspace/Helpers.h"
@@ -137,18 +137,6 @@ void WritePdf(const Picture& Shown, const Text& Path) {
   NeedWritten(Status, Path);
 }
 
-Text EndingOf(const Text& Path) {
-  const std::size_t Dot = Path.rfind('.');
-  return Dot == Text::npos ? Text() : UpperCase(Path.substr(Dot));
-}
-
-void WriteText(const Text& Path, const Text& Content) {
-  std::ofstream Stream(Path, std::ios::binary | std::ios::trunc);
-  Stream << Content;
-  Stream.flush();
-  if (!Stream) throw ScriptStop{CannotCarryOut, "can't write " + Path};
-}
-
 Double FrequencyOf(Long Peak) {
   const Double Stored = Workspace.PeakFrequency[Peak];
   return Stored == 0.0 ? 0.0 : -Stored;
@@ -194,8 +182,9 @@ Text BuildJcamp() {
 
 void WriteView(const Text& Path) {
   const Text Ending = EndingOf(Path);
+  if (Ending == ".CSV") return WriteTable(Path);
   if (Ending != ".SVG" && Ending != ".PNG" && Ending != ".PDF") {
-    throw ScriptStop{CannotCarryOut, "a view is written as .svg, .png or .pdf: " + Path};
+    throw ScriptStop{CannotCarryOut, "a view is written as .svg, .png or .pdf, a table as .csv: " + Path};
   }
   const Picture Shown = ShownPicture();
   if (Ending == ".SVG") return WriteText(Path, Shown.Svg());

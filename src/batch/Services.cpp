@@ -122,6 +122,8 @@ void UseBatchServices() {
   Platform.ShowColourDialog = ShowColourDialog;
   Platform.RunModal = RunModal;
   Platform.DoEvents = DoEvents;
+  // Scripts see the texts of the clipboard; `chart` writes the picture.
+  Platform.SetClipboardPicture = [](const ChartControl& /*Chart*/) {};
   UseSimulatedHost();
   Platform.DecimalSeparator = [] { return State.DecimalSeparator; };
   Platform.OtherInstanceRuns = [] { return State.OtherInstance; };

@@ -12,6 +12,8 @@ void ReleaseControl(const std::vector<Argument>& All);
 void TypeText(const std::vector<Argument>& All);
 void EnterText(const std::vector<Argument>& All);
 void ChooseEntry(const std::vector<Argument>& All);
+void PickGridCell(const std::vector<Argument>& All);
+void PickGridRange(const std::vector<Argument>& All);
 void SelectRows(const std::vector<Argument>& All);
 void ScrollBarTo(const std::vector<Argument>& All);
 void Spin(const std::vector<Argument>& All);

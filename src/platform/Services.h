@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "basic/Types.h"
+#include "platform/Chart.h"
 #include "platform/Controls.h"
 
 namespace zelvanor {
@@ -77,6 +78,7 @@ struct PlatformServices {
   std::function<void(const Text& File, HelpCommand Command)> ShowHelp;
   std::function<Text()> GetClipboard;
   std::function<void(const Text& Value)> SetClipboard;
+  std::function<void(const ChartControl& Chart)> SetClipboardPicture;  // as it is drawn
 
   std::function<Text()> DecimalSeparator;   // of the regional settings
   std::function<bool()> OtherInstanceRuns;  // takes the instance lock as well

@@ -4,6 +4,7 @@
 
 #include "basic/Array.h"
 #include "platform/Form.h"
+#include "platform/Grid.h"
 #include "platform/Picture.h"
 #include "platform/Render.h"
 
