@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "basic/FixedText.h"
+
 namespace zelvanor {
 
 Text UpperCase(TextView Value) {
@@ -23,12 +25,7 @@ TextView Trim(TextView Value, TextView Characters) {
 }
 }  // namespace
 
-// One character at a time: half of a stored line of 256 is padding, and a search in a set costs a call for each.
-TextView TrimBlanks(TextView Value) {
-  const std::size_t First = Value.find_first_not_of(' ');
-  if (First == TextView::npos) return {};
-  return Value.substr(First, Value.find_last_not_of(' ') - First + 1);
-}
+TextView TrimBlanks(TextView Value) { return TrimLeftBlanks(Value.substr(0, UnpaddedLength(Value))); }
 
 TextView TrimLeftBlanks(TextView Value) {
   const std::size_t First = Value.find_first_not_of(' ');
