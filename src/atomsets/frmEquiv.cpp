@@ -271,12 +271,6 @@ void Command4_Click() {
 
 void Command1_Click() { HideForm(Dialog.frmEquiv); }
 
-void SetUpButton(CommandButton& Button, const char* Caption, void (*Click)(), const char* AccessibleName = "") {
-  Button.Caption = Caption;
-  Button.Click = Click;
-  Button.AccessibleName = AccessibleName;
-}
-
 void AddWorkVariables() {
   AddVariable("frmEquiv.CurrentSet", Dialog.CurrentSet);
   AddVariable("frmEquiv.WorkSetCount", Dialog.WorkSetCount);
@@ -303,10 +297,7 @@ void BuildEquivalentForm() {
   SetUpButton(D.Command7, ">", Command7_Click, "Next set");
   SetUpButton(D.Command5, "&Reset", Command5_Click);
   SetUpButton(D.Command6, "A&pply", [] { Apply(); });
-  SetUpButton(D.Command4, "&OK", Command4_Click);
-  SetUpButton(D.Command1, "&Cancel", Command1_Click);
-  D.Command4.IsDefault = true;
-  D.Command1.IsCancel = true;
+  SetUpOkAndCancel(D.Command4, "&OK", Command4_Click, D.Command1, Command1_Click);
   D.frmEquiv.Activate = Form_Activate;
   D.frmEquiv.Layout =
       ColumnOf({RowOf({ColumnOf({ItemOf(D.Label1), ItemOf(D.List1)}),

@@ -230,11 +230,6 @@ void Command4_Click() {
 
 void Command1_Click() { HideForm(Dialog.frmSelect); }
 
-void SetUpButton(CommandButton& Button, const char* Caption, void (*Click)()) {
-  Button.Caption = Caption;
-  Button.Click = Click;
-}
-
 void AddWorkVariables() {
   const auto Add = [](const Text& Name, WorkList& Work) {
     AddArray("frmSelect.Work" + Name + "Atom", Work.Atom, [&Work] { return int(Work.Count); });
@@ -253,10 +248,7 @@ void BuildAtomSetForm() {
   SetUpButton(D.Command2, "&Add =>", Command2_Click);
   SetUpButton(D.Command3, "&Delete <=", Command3_Click);
   SetUpButton(D.Command6, "&Reset", Command6_Click);
-  SetUpButton(D.Command4, "&OK", Command4_Click);
-  SetUpButton(D.Command1, "&Cancel", Command1_Click);
-  D.Command4.IsDefault = true;
-  D.Command1.IsCancel = true;
+  SetUpOkAndCancel(D.Command4, "&OK", Command4_Click, D.Command1, Command1_Click);
   D.frmSelect.Activate = Form_Activate;
   D.frmSelect.Layout = ColumnOf({RowOf({ColumnOf({ItemOf(D.Label1), ItemOf(D.List1), ItemOf(D.Command5)}),
                                         ColumnOf({StretchOf(), ItemOf(D.Command2), ItemOf(D.Command3), StretchOf()}),

@@ -66,12 +66,7 @@ void BuildElementChoiceForm() {
     BoxAt(Place).Caption = Captions[static_cast<std::size_t>(Place)];
     Boxes.push_back(ItemOf(BoxAt(Place)));
   }
-  Dialog.Command1.Caption = "&OK";
-  Dialog.Command1.IsDefault = true;
-  Dialog.Command1.Click = Command1_Click;
-  Dialog.Command2.Caption = "&Cancel";
-  Dialog.Command2.IsCancel = true;
-  Dialog.Command2.Click = Command2_Click;
+  SetUpOkAndCancel(Dialog.Command1, "&OK", Command1_Click, Dialog.Command2, Command2_Click);
   Window.Load = Form_Load;
   Window.Activate = Form_Activate;
   Window.Layout = ColumnOf({GroupOf("Atoms", std::move(Boxes)), StretchOf(),

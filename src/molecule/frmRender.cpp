@@ -101,12 +101,7 @@ void NameOptions() {
 void BuildRenderForm() {
   R.frmRender.Caption = "Rendering";
   NameOptions();
-  R.Command1.Caption = "OK";
-  R.Command1.IsDefault = true;
-  R.Command1.Click = Command1_Click;
-  R.Command2.Caption = "&Cancel";
-  R.Command2.IsCancel = true;
-  R.Command2.Click = Command2_Click;
+  SetUpOkAndCancel(R.Command1, "OK", Command1_Click, R.Command2, Command2_Click);
   R.frmRender.Load = ShowStyles;
   R.frmRender.Activate = ShowStyles;
   R.frmRender.Layout = ColumnOf({RowOf({GroupOfOptions("Atoms", R.optRenderAtom, NumAtomOptions),

@@ -131,4 +131,18 @@ void SetStatus(StatusLine& Target, TextView Value) {
   Tell(Target, Property::Text);
 }
 
+void SetUpButton(CommandButton& Button, const char* Caption, Event Click, const char* AccessibleName) {
+  Button.Caption = Caption;
+  Button.Click = std::move(Click);
+  Button.AccessibleName = AccessibleName;
+}
+
+void SetUpOkAndCancel(CommandButton& Ok, const char* OkCaption, Event OkClick, CommandButton& Cancel,
+                      Event CancelClick) {
+  SetUpButton(Ok, OkCaption, std::move(OkClick));
+  Ok.IsDefault = true;
+  SetUpButton(Cancel, "&Cancel", std::move(CancelClick));
+  Cancel.IsCancel = true;
+}
+
 }  // namespace zelvanor

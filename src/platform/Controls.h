@@ -206,6 +206,12 @@ void AppendItems(ListBox& Target, const std::vector<Text>& Items);
 void SetFocus(Control& Target);
 void SetStatus(StatusLine& Target, TextView Value);
 
+// A dialog's buttons: caption and handler; a name for screen readers where the caption says nothing.
+void SetUpButton(CommandButton& Button, const char* Caption, Event Click, const char* AccessibleName = "");
+// The pair that ends a dialog: OK, which Enter presses, and Cancel, which Escape and the window's closing press.
+void SetUpOkAndCancel(CommandButton& Ok, const char* OkCaption, Event OkClick, CommandButton& Cancel,
+                      Event CancelClick);
+
 // Runs the event unless it is empty.
 inline void Fire(const Event& Handler) {
   if (Handler) Handler();

@@ -188,12 +188,7 @@ void BuildPreferenceForm() {
   P.CheckMonoChrome.Click = CheckMonoChrome_Click;
   P.CheckMolMonoChrome.Caption = "&MonoChrome display";
   P.CheckMolMonoChrome.Click = CheckMolMonoChrome_Click;
-  P.Command1.Caption = "OK";
-  P.Command1.IsDefault = true;
-  P.Command1.Click = Command1_Click;
-  P.Command2.Caption = "&Cancel";
-  P.Command2.IsCancel = true;
-  P.Command2.Click = Command2_Click;
+  SetUpOkAndCancel(P.Command1, "OK", Command1_Click, P.Command2, Command2_Click);
   P.frmPreference.Load = Form_Load;
   P.frmPreference.Activate = Form_Activate;
   P.frmPreference.Layout = ColumnOf({RowOf({BuildRows("Spectrum", SpectrumRows, P.CheckMonoChrome),

@@ -139,11 +139,6 @@ void Command2_Click() {
   HideForm(Dialog.frmParamOptions);
 }
 
-void SetUpButton(CommandButton& Button, const char* Caption, Event Click) {
-  Button.Caption = Caption;
-  Button.Click = std::move(Click);
-}
-
 void SetUpOptions() {
   auto& D = Dialog;
   const char* const Methods[] = {"KRDO/&1", "KRDO/&2"};
@@ -170,10 +165,7 @@ void BuildParamOptionsForm() {
   SetUpButton(D.Command5, "&Quantum Atoms...", [] { ShowAtomSets(QuantumMode); });
   SetUpButton(D.Command6, "&Labelled Atoms...", [] { ShowAtomSets(LabelledMode); });
   SetUpButton(D.Command7, "&Equivalent Atoms...", ShowEquivalentSets);
-  SetUpButton(D.Command1, "OK", Command1_Click);
-  SetUpButton(D.Command2, "&Cancel", Command2_Click);
-  D.Command1.IsDefault = true;
-  D.Command2.IsCancel = true;
+  SetUpOkAndCancel(D.Command1, "OK", Command1_Click, D.Command2, Command2_Click);
   D.frmParamOptions.Activate = Form_Activate;
   D.frmParamOptions.Layout =
       ColumnOf({RowOf({ColumnOf({GroupOf("Semiempirical Method",

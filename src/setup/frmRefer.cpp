@@ -87,12 +87,7 @@ void BuildReferenceForm() {
   D.List1.Click = List1_Click;
   D.Text1.AccessibleName = "Shielding constant in ppm";
   D.Text1.Change = Text1_Change;
-  D.Command1.Caption = "OK";
-  D.Command1.IsDefault = true;
-  D.Command1.Click = Command1_Click;
-  D.Command2.Caption = "&Cancel";
-  D.Command2.IsCancel = true;
-  D.Command2.Click = Command2_Click;
+  SetUpOkAndCancel(D.Command1, "OK", Command1_Click, D.Command2, Command2_Click);
   D.frmRefer.Load = Form_Load;
   D.frmRefer.Activate = Form_Activate;
   D.frmRefer.Layout = ColumnOf(

@@ -113,12 +113,7 @@ void BuildReplaceForm() {
   Replace.frmReplace.Activate = Replace_Activate;
   Replace.Label1.Caption = "&Value:";
   Replace.Text1.AccessibleName = "Value for all selected entries";
-  Replace.Command1.Caption = "OK";
-  Replace.Command1.IsDefault = true;
-  Replace.Command1.Click = Command1_Click;
-  Replace.Command2.Caption = "&Cancel";
-  Replace.Command2.IsCancel = true;
-  Replace.Command2.Click = Command2_Click;
+  SetUpOkAndCancel(Replace.Command1, "OK", Command1_Click, Replace.Command2, Command2_Click);
   Replace.frmReplace.Layout = ColumnOf({RowOf({ItemOf(Replace.Label1), ItemOf(Replace.Text1)}),
                                         RowOf({StretchOf(), ItemOf(Replace.Command1), ItemOf(Replace.Command2)})});
 }

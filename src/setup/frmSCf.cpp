@@ -194,12 +194,7 @@ void BuildSCFForm() {
   auto& D = Dialog;
   D.frmSCf.Caption = "SCF Wavefunction Options";
   SetUpFields();
-  D.Command1.Caption = "OK";
-  D.Command1.IsDefault = true;
-  D.Command1.Click = Command1_Click;
-  D.Command2.Caption = "&Cancel";
-  D.Command2.IsCancel = true;
-  D.Command2.Click = Command2_Click;
+  SetUpOkAndCancel(D.Command1, "OK", Command1_Click, D.Command2, Command2_Click);
   D.frmSCf.Activate = Form_Activate;
   D.frmSCf.Layout =
       ColumnOf({GroupOf("Convergence", {ItemOf(D.Check3D1), RowOf({ItemOf(D.Label1), ItemOf(D.Text1)}),

@@ -214,12 +214,7 @@ void BuildSpectOptionsForm() {
   auto& D = Dialog;
   D.frmSpectOptions.Caption = "Spectral Options";
   SetUpFields();
-  D.Command1.Caption = "OK";
-  D.Command1.IsDefault = true;
-  D.Command1.Click = Command1_Click;
-  D.Command2.Caption = "&Cancel";
-  D.Command2.IsCancel = true;
-  D.Command2.Click = Command2_Click;
+  SetUpOkAndCancel(D.Command1, "OK", Command1_Click, D.Command2, Command2_Click);
   D.frmSpectOptions.Load = Form_Load;
   D.frmSpectOptions.Activate = Form_Activate;
   D.frmSpectOptions.Layout =
