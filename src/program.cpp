@@ -1,8 +1,10 @@
 #include "program.h"
 
 #include "backend/Compute.h"
+#include "backend/LogCommands.h"
 #include "basic/NumberText.h"
 #include "files/FileCommands.h"
+#include "files/ZMatrixImport.h"
 #include "host/GetCommand.h"
 #include "platform/Paths.h"
 #include "platform/Variables.h"
@@ -16,6 +18,7 @@
 #include "spectrum/SpectrumInteraction.h"
 #include "spectrum/SpectrumScale.h"
 #include "spectrum/SpectrumView.h"
+#include "typing/AtomTyping.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 #include "workspace/WorkspaceVariables.h"
@@ -42,7 +45,10 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileSave, mnuFileSave_Click},
     {&MainForm::mnuFileSaveAs, mnuFileSaveAs_Click},
     {&MainForm::mnuFileGet, mnuFileGet_Click},
+    {&MainForm::mnuStartLog, mnuStartLog_Click},
+    {&MainForm::mnuStopLog, mnuStopLog_Click},
     {&MainForm::mnuFileExit, mnuFileExit_Click},
+    {&MainForm::mnuEditCalculateTypes, mnuEditCalculateTypes_Click},
     {&MainForm::mnuViewMolecule, mnuViewMolecule_Click},
     {&MainForm::mnuViewShielding, mnuViewShielding_Click},
     {&MainForm::mnuViewCoupling, mnuViewCoupling_Click},
@@ -67,6 +73,7 @@ void Form_QueryUnload(Flag& Cancel) {
 
 void Form_Unload() {
   WriteSettings();
+  PrepareTypeRules(TypingTime::Shutdown);
   for (Form* Window : AllForms()) {
     if (Window != &Main.frmNMR) HideForm(*Window);
   }
@@ -92,7 +99,13 @@ void ConnectMainForm() {
   StatusSink = [](TextView Value) { SetStatus(Main.StatusBar, Value); };
 }
 
+void OpenZMatrix() {
+  ConvertZMatrix(W.ZMatrixPath);
+  if (IsSet(BuildAtomTableFromTree())) CalculateAtomTypes();
+}
+
 void ConnectRooms() {
+  Rooms.OpenZMatrix = OpenZMatrix;
   Rooms.ShowSpectrumView = ShowSpectrumView;
   Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
   Rooms.TakeOpenedSpectrum = TakeOpenedSpectrum;
@@ -182,6 +195,8 @@ void BuildProgram() {
   AddSettingsVariables();
   AddShellVariables();
   AddSpectrumVariables();
+  AddZMatrixVariables();
+  AddTypingVariables();
   AddVariable("StartedAlone", StartedAlone);
 }
 
@@ -191,6 +206,7 @@ void Form_Load(const Text& CommandLine) {
   SetFixedState();
   SetUpTables();
   TakeSettings();
+  PrepareTypeRules(TypingTime::StartUp);
   W.ParamDescription = "Description of NMR shielding and coupling constants";
   W.SpectDescription = "Description of NMR Spectrum";
   W.DocumentDirty = False;

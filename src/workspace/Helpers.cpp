@@ -80,6 +80,7 @@ void ShowStatus(TextView Value) {
 
 void ShowWarning(TextView Message) { ShowBox(BoxKind::Warning, BoxButtons::Ok, "WARNING: " + Text(Message)); }
 void ShowError(TextView Message) { ShowBox(BoxKind::Error, BoxButtons::Ok, "ERROR: " + Text(Message)); }
+void ShowMessage(TextView Message) { ShowBox(BoxKind::Plain, BoxButtons::Ok, Text(Message)); }
 BoxAnswer AskYesNo(TextView Message) { return ShowBox(BoxKind::Question, BoxButtons::YesNo, Text(Message)); }
 BoxAnswer AskYesNoCancel(TextView Message) {
   return ShowBox(BoxKind::Question, BoxButtons::YesNoCancel, Text(Message));

@@ -53,6 +53,8 @@ inline Text Quoted(TextView Value) { return "\"" + Text(Value) + "\""; }
 void ShowStatus(TextView Value);
 void ShowWarning(TextView Message);
 void ShowError(TextView Message);
+// A plain box with an OK button.
+void ShowMessage(TextView Message);
 BoxAnswer AskYesNo(TextView Message);
 BoxAnswer AskYesNoCancel(TextView Message);
 BoxAnswer AskOkCancel(TextView Message);
