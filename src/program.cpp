@@ -1,5 +1,9 @@
 #include "program.h"
 
+#include "atomsets/AtomSets.h"
+#include "atomsets/frmEquiv.h"
+#include "atomsets/frmSelect.h"
+#include "atomsets/frmSelect2.h"
 #include "backend/Compute.h"
 #include "backend/LogCommands.h"
 #include "basic/NumberText.h"
@@ -11,6 +15,10 @@
 #include "settings/ColorSets.h"
 #include "settings/Settings.h"
 #include "setup/ReferenceShieldings.h"
+#include "setup/frmParamOptions.h"
+#include "setup/frmRefer.h"
+#include "setup/frmSCf.h"
+#include "setup/frmSpectOptions.h"
 #include "shell/Frame.h"
 #include "shell/ShellVariables.h"
 #include "shell/frmAbout.h"
@@ -59,6 +67,9 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click},
     {&MainForm::mnuLorentzian, mnuLorentzian_Click},
     {&MainForm::mnuGaussian, mnuGaussian_Click},
+    {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
+    {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
+    {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
     {&MainForm::mnuComputeNMR, mnuComputeNMR_Click},
     {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
     {&MainForm::mnuComputeAll, mnuComputeAll_Click},
@@ -189,12 +200,20 @@ void TakeSettings() {
 void BuildProgram() {
   BuildMainForm();
   BuildAboutForm();
+  BuildAtomSetForm();
+  BuildElementChoiceForm();
+  BuildEquivalentForm();
+  BuildParamOptionsForm();
+  BuildSCFForm();
+  BuildSpectOptionsForm();
+  BuildReferenceForm();
   ConnectMainForm();
   ConnectRooms();
   AddWorkspaceVariables();
   AddSettingsVariables();
   AddShellVariables();
   AddSpectrumVariables();
+  AddAtomSetVariables();
   AddZMatrixVariables();
   AddTypingVariables();
   AddVariable("StartedAlone", StartedAlone);

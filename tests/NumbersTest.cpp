@@ -231,13 +231,6 @@ TEST(NumbersTest, GeneralForm) {
   EXPECT_EQ(PrintForm(-0.0F), " 0 ");
 }
 
-// Every Single whose digits the general form keeps comes back from its text.
-TEST(NumbersTest, SevenDigitsSurviveTheRoundTrip) {
-  for (const char* Form : {"0.0001", "1234.567", "-8.765432", "1.5E-09", "9999999", "2.5E+30", "0.7071068"}) {
-    EXPECT_EQ(GeneralForm(StrictSingle(Form)), Form);
-  }
-}
-
 TEST(NumbersTest, Patterns) {
   struct Row {
     Double Value;

@@ -110,9 +110,11 @@ void Trace(const Words& All) {
 }
 
 void ListForms(const Words& /*All*/) {
-  for (const Form* Window : AllForms()) {
-    if (IsSet(Window->Visible)) PrintOut("form " + Window->Name + " " + Escaped(Window->Caption));
-  }
+  const auto List = [](const Form& Window) {
+    if (IsSet(Window.Visible)) PrintOut("form " + Window.Name + " " + Escaped(Window.Caption));
+  };
+  List(Main.frmNMR);
+  for (const Form* Window : ModalForms()) List(*Window);
 }
 
 void Dump(const Words& All) {

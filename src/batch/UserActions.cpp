@@ -11,13 +11,7 @@ namespace zelvanor::batch {
 namespace {
 
 // The form that takes the user's actions: the innermost open one.
-const Form* ActiveForm() {
-  const Form* Active = &Main.frmNMR;
-  for (const Form* Window : AllForms()) {
-    if (IsSet(Window->Visible) && Window != &Main.frmNMR) Active = Window;
-  }
-  return Active;
-}
+const Form* ActiveForm() { return ModalForms().empty() ? &Main.frmNMR : ModalForms().back(); }
 
 bool IsReachable(const Control& Target) {
   if (Target.Owner != ActiveForm() || !IsSet(Target.Enabled) || !IsSet(Target.Visible)) return false;
@@ -79,7 +73,7 @@ void TypeKey(TextField& Field, char Key) {
   int KeyAscii = static_cast<unsigned char>(Key);
   if (Field.KeyPress) Field.KeyPress(KeyAscii);
   if (KeyAscii == '\r') return PressDefault(*Field.Owner);
-  if (KeyAscii == 0) return;
+  if (KeyAscii == 0 || IsSet(Field.ReadOnly)) return;
   Text Value = Field.Value;
   if (KeyAscii == '\b') {
     if (Value.empty()) return;
@@ -142,9 +136,10 @@ void TypeText(const std::vector<Argument>& All) {
 }
 
 void EnterText(const std::vector<Argument>& All) {
-  if (Control* Target = FindReachable(All)) {
-    SetText(NeedKind<TextField>(*Target, ControlKind::TextField, All), All[2].Value);
-  }
+  Control* Target = FindReachable(All);
+  if (Target == nullptr) return;
+  auto& Field = NeedKind<TextField>(*Target, ControlKind::TextField, All);
+  if (!IsSet(Field.ReadOnly)) SetText(Field, All[2].Value);
 }
 
 void ChooseEntry(const std::vector<Argument>& All) {
@@ -166,11 +161,12 @@ void SelectRows(const std::vector<Argument>& All) {
   if (Target == nullptr) return;
   auto& List = NeedKind<ListBox>(*Target, ControlKind::ListBox, All);
   if (!List.Multiple) RefuseKind(All);
-  std::vector<int> Rows;
-  for (std::size_t Word = 2; Word < All.size(); ++Word) Rows.push_back(NeedNumber(All, Word));
-  for (int Row = 0; Row < static_cast<int>(List.Items.size()); ++Row) {
-    SetSelected(List, Row, std::find(Rows.begin(), Rows.end(), Row) != Rows.end());
+  std::vector<bool> Rows(List.Items.size(), false);
+  for (std::size_t Word = 2; Word < All.size(); ++Word) {
+    const int Row = NeedNumber(All, Word);
+    if (Row >= 0 && Row < static_cast<int>(Rows.size())) Rows[static_cast<std::size_t>(Row)] = true;
   }
+  SetSelection(List, std::move(Rows));
   Fire(List.Click);
 }
 

@@ -84,6 +84,12 @@ void SetSelected(ListBox& Target, int Index, bool Selected) {
   Tell(Target, Property::Value);
 }
 
+void SetSelection(ListBox& Target, std::vector<bool> Selected) {
+  if (Selected.size() != Target.Items.size()) throw Failure(failures::Subscript);
+  Target.Selected = std::move(Selected);
+  Tell(Target, Property::Value);
+}
+
 void SetValue(ScrollBar& Target, int Value) {
   const auto [Low, High] = std::minmax(Target.Min, Target.Max);
   if (Store(Target, Target.Value, std::clamp(Value, Low, High), Property::Value)) Fire(Target.Change);
@@ -110,6 +116,14 @@ void SetItems(ListBox& Target, std::vector<Text> Items) {
 }
 
 void SetItems(ComboBox& Target, std::vector<Text> Items) { StoreItems(Target, std::move(Items)); }
+
+void AppendItems(ListBox& Target, const std::vector<Text>& Items) {
+  Target.Items.insert(Target.Items.end(), Items.begin(), Items.end());
+  Target.Selected.resize(Target.Items.size(), false);
+  Tell(Target, Property::Items);
+}
+
+void SetFocus(Control& Target) { Tell(Target, Property::Focus); }
 
 void SetStatus(StatusLine& Target, TextView Value) {
   // Told even when the text is the same: a hint that is set again is shown again.

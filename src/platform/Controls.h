@@ -42,7 +42,21 @@ enum class ControlKind {
 };
 
 // What a setter has changed; a front end updates that much of the widget.
-enum class Property { Enabled, Visible, Caption, Text, Value, Range, Items, Checked, Pressed, Place, Picture, Cells };
+enum class Property {
+  Enabled,
+  Visible,
+  Caption,
+  Text,
+  Value,
+  Range,
+  Items,
+  Checked,
+  Pressed,
+  Place,
+  Picture,
+  Cells,
+  Focus
+};
 
 struct Form;
 using Event = std::function<void()>;
@@ -113,6 +127,7 @@ struct OptionButton : Control {
 struct TextField : Control {
   TextField(Form* Owner, Text Name, int Index = -1) : Control(ControlKind::TextField, Owner, std::move(Name), Index) {}
   Text Value;
+  Flag ReadOnly = False;  // shows what the program sets; keys do nothing
   Event Change;
   std::function<void(int& KeyAscii)> KeyPress;  // may replace the key or take it away (0)
 };
@@ -185,6 +200,8 @@ void SetText(TextField& Target, TextView Value);
 void SetListIndex(ListBox& Target, int Index);
 void SetListIndex(ComboBox& Target, int Index);
 void SetSelected(ListBox& Target, int Index, bool Selected);
+// All rows at once, beside Items; for lists of thousands.
+void SetSelection(ListBox& Target, std::vector<bool> Selected);
 // A value outside the bar's range goes to the nearer end.
 void SetValue(ScrollBar& Target, int Value);
 // New ends; a value that falls outside them moves to the nearer one.
@@ -193,6 +210,10 @@ void SetChanges(ScrollBar& Target, int SmallChange, int LargeChange);
 
 void SetItems(ListBox& Target, std::vector<Text> Items);
 void SetItems(ComboBox& Target, std::vector<Text> Items);
+// Behind the rows that are there, whose selection stays.
+void AppendItems(ListBox& Target, const std::vector<Text>& Items);
+// The next key goes to this control.
+void SetFocus(Control& Target);
 void SetStatus(StatusLine& Target, TextView Value);
 
 // Runs the event unless it is empty.

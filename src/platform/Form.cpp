@@ -13,6 +13,16 @@ std::vector<Form*>& Forms() {
   static std::vector<Form*> List;
   return List;
 }
+
+std::vector<Form*> OpenModals;
+
+// A form's place on top of the open ones, for as long as it is shown.
+struct ModalPlace {
+  explicit ModalPlace(Form& Target) { OpenModals.push_back(&Target); }
+  ~ModalPlace() { OpenModals.pop_back(); }
+  ModalPlace(const ModalPlace&) = delete;
+  ModalPlace& operator=(const ModalPlace&) = delete;
+};
 }  // namespace
 
 Form::Form(Text Name) : Control(ControlKind::Form, nullptr, std::move(Name)) {
@@ -27,10 +37,16 @@ void ShowModal(Form& Target) {
     Target.Loaded = true;
     Fire(Target.Load);
   }
-  SetVisible(Target, True);
-  Fire(Target.Activate);
-  if (IsSet(Target.Visible)) Platform.RunModal(Target);
+  {
+    const ModalPlace Place(Target);
+    SetVisible(Target, True);
+    Fire(Target.Activate);
+    if (IsSet(Target.Visible)) Platform.RunModal(Target);
+  }
+  if (!OpenModals.empty() && IsSet(OpenModals.back()->Visible)) Fire(OpenModals.back()->Activate);
 }
+
+const std::vector<Form*>& ModalForms() { return OpenModals; }
 
 void HideForm(Form& Target) { SetVisible(Target, False); }
 

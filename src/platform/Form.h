@@ -36,7 +36,7 @@ struct Form : Control {
   int HelpContext = 0;
   bool Loaded = false;
   Event Load;      // once, before it is shown for the first time
-  Event Activate;  // each time it is shown
+  Event Activate;  // each time it is shown, and when a modal form over it has gone
   Event Resize;
   std::function<void(Flag& Cancel)> QueryUnload;
   Event Unload;
@@ -50,6 +50,8 @@ inline constexpr int CtrlKey = 2;
 // Shows a form modally and returns when it has been hidden.
 void ShowModal(Form& Target);
 void HideForm(Form& Target);
+// The open modal forms, the outermost first: the last one takes the user's actions.
+const std::vector<Form*>& ModalForms();
 // Presses the form's cancel button, as the window's closing does; hides a form without one.
 void CancelForm(Form& Target);
 

@@ -60,6 +60,8 @@ void ShowOnWidget(const Control& Target, QWidget* Shown, Property What) {
                            PixelsFromTwips(Target.Height));
       }
       return;
+    case Property::Focus:
+      return Shown->setFocus();
     default:
       return;
   }

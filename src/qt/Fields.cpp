@@ -96,6 +96,7 @@ QWidget* MakeTextField(Control& Target, QWidget* Parent) {
     if (MayAct(Field)) Dispatch([&] { SetText(Field, FromQt(Typed)); });
     ShowText();
   });
+  Shown->setReadOnly(IsSet(Field.ReadOnly));
   BindWidget(Field, Shown, [ShowText](Property What) {
     if (What == Property::Text) ShowText();
   });

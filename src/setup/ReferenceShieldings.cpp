@@ -45,4 +45,9 @@ void FillReferenceElements() {
   }
 }
 
+std::vector<Text> ListReferenceNames() {
+  const auto Names = Workspace.ReferenceElementName.Span();
+  return {Names.begin(), Names.begin() + int(Workspace.NumReferenceElements)};
+}
+
 }  // namespace zelvanor

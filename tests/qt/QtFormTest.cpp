@@ -120,6 +120,15 @@ class FormWidgets : public testing::Test {
   ~FormWidgets() override { Dialog()->hide(); }
 };
 
+TEST_F(FormWidgets, FocusGoesWhereTheProgramPutsIt) {
+  for (const auto& [Target, Name] : {std::pair<Control*, const char*>{&Trial().Text1, "Text1"},
+                                     {&Trial().List2, "List2"},
+                                     {&Trial().Check1, "Check1"}}) {
+    SetFocus(*Target);
+    EXPECT_EQ(Dialog()->focusWidget(), Part<QWidget>(Name)) << Name;
+  }
+}
+
 TEST_F(FormWidgets, ButtonsSetTheirControls) {
   TrialForm& F = Trial();
   SetValue(F.Check1, 0);
