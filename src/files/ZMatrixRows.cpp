@@ -100,22 +100,23 @@ struct RowParts {
   Words References;
 };
 
-// Whether the numbers of a row stand without the optimisation flags between them.
-bool LacksFlags(const Words& All) {
+// Whether the numbers of a row stand without the optimisation flags between them. Three numbers are a place, unless the
+// second or third row gives a reference or an angle in its short form.
+bool LacksFlags(const Words& All, int Row) {
   const std::size_t Count = All.size();
-  if (Count < 3) return false;
-  if (!IsFlag(All[1])) return Count == 3 || Count == 6 || Count == 7;
-  // Three whole numbers can be a length with its flag and a reference, or a place; so can longer rows of them.
-  return Count == 3 && !IsWhole(All[2]) && std::fabs(PrefixNumber(All[2])) < SmallestAngle;
+  if (Count == 6 || Count == 7) return !IsFlag(All[1]);
+  if (Count != 3) return false;
+  if (!IsFlag(All[1])) return true;
+  if (Row == 2) return All[2] != "1";
+  return Row != 3 || std::fabs(PrefixNumber(All[2])) < SmallestAngle;
 }
 
 RowParts TakeApart(const Words& All, int Row) {
   RowParts Parts;
   std::size_t Place = 0;
   const std::size_t Count = All.size();
-  if (LacksFlags(All)) {
+  if (LacksFlags(All, Row)) {
     for (; Place < 3; ++Place) Parts.Values.push_back(All[Place]);
-    if (Count == 4) return Parts;
   } else {
     // The short forms of the second and third row end with their one or two references behind as many pairs.
     const bool Short = (Row == 2 && Count == 3 && All[2] == "1") ||
