@@ -10,13 +10,20 @@
 #include "files/FileCommands.h"
 #include "files/ZMatrixImport.h"
 #include "host/GetCommand.h"
+#include "molecule/AtomSelection.h"
+#include "molecule/MoleculeView.h"
+#include "molecule/MouseDrag.h"
+#include "molecule/TakeSystem.h"
+#include "molecule/frmRender.h"
 #include "platform/Paths.h"
 #include "platform/Variables.h"
 #include "settings/ColorSets.h"
 #include "settings/Settings.h"
+#include "settings/frmPreference.h"
 #include "setup/ReferenceShieldings.h"
 #include "setup/frmParamOptions.h"
 #include "setup/frmRefer.h"
+#include "setup/frmReplace.h"
 #include "setup/frmSCf.h"
 #include "setup/frmSpectOptions.h"
 #include "shell/Frame.h"
@@ -26,6 +33,12 @@
 #include "spectrum/SpectrumInteraction.h"
 #include "spectrum/SpectrumScale.h"
 #include "spectrum/SpectrumView.h"
+#include "spectrum/frmValues.h"
+#include "tables/BarPlots.h"
+#include "tables/ClipboardText.h"
+#include "tables/TableEditing.h"
+#include "tables/TableViews.h"
+#include "tables/frmGraph.h"
 #include "typing/AtomTyping.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
@@ -53,9 +66,12 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileSave, mnuFileSave_Click},
     {&MainForm::mnuFileSaveAs, mnuFileSaveAs_Click},
     {&MainForm::mnuFileGet, mnuFileGet_Click},
+    {&MainForm::mnuPreferences, mnuPreferences_Click},
+    {&MainForm::mnuFileExit, mnuFileExit_Click},
+    {&MainForm::mnuCopy, mnuCopy_Click},
+    {&MainForm::mnuReplace, mnuReplace_Click},
     {&MainForm::mnuStartLog, mnuStartLog_Click},
     {&MainForm::mnuStopLog, mnuStopLog_Click},
-    {&MainForm::mnuFileExit, mnuFileExit_Click},
     {&MainForm::mnuEditCalculateTypes, mnuEditCalculateTypes_Click},
     {&MainForm::mnuViewMolecule, mnuViewMolecule_Click},
     {&MainForm::mnuViewShielding, mnuViewShielding_Click},
@@ -64,9 +80,13 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuLines, mnuLines_Click},
     {&MainForm::mnuEnvelop, mnuEnvelop_Click},
     {&MainForm::mnuLinesAndEnvelop, mnuLinesAndEnvelop_Click},
+    {&MainForm::mnuViewValues, mnuViewValues_Click},
+    {&MainForm::mnuView2DBar, mnuView2DBar_Click},
+    {&MainForm::mnuView3DBar, mnuView3DBar_Click},
     {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click},
     {&MainForm::mnuLorentzian, mnuLorentzian_Click},
     {&MainForm::mnuGaussian, mnuGaussian_Click},
+    {&MainForm::mnuViewRender, mnuViewRender_Click},
     {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
     {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
     {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
@@ -107,7 +127,32 @@ void ConnectMainForm() {
   Main.Spectrum1.MouseDown = Spectrum1_MouseDown;
   Main.Spectrum1.MouseMove = Spectrum1_MouseMove;
   Main.Spectrum1.MouseUp = Spectrum1_MouseUp;
+  Main.ShieldTable.AccessibleName = "Table of results";
+  Main.ShieldTable.KeyPress = ShieldTable_KeyPress;
+  Main.ShieldTable.RowColChange = ShieldTable_RowColChange;
+  Main.ShieldTable.SelChange = ShieldTable_SelChange;
+  Main.MolRender1.AccessibleName = "Molecule";
+  Main.MolRender1.MouseDown = MolRender1_MouseDown;
+  Main.MolRender1.MouseMove = MolRender1_MouseMove;
+  Main.MolRender1.MouseUp = MolRender1_MouseUp;
+  Main.MolRender1.MouseWheel = MolRender1_MouseWheel;
+  Main.MolRender1.AtomClick = MolRender1_AtomClick;
+  Main.MolRender1.NoAtomClick = MolRender1_NoAtomClick;
   StatusSink = [](TextView Value) { SetStatus(Main.StatusBar, Value); };
+}
+
+void ConnectPreferences() {
+  Preferences.GetGraphClr = GetGraphClr;
+  Preferences.GetSelectionClr = GetSelectionClr;
+  Preferences.GetEnvelop = GetEnvelop;
+  Preferences.SetGraphClr = SetGraphClr;
+  Preferences.SetSelectionClr = SetSelectionClr;
+  Preferences.SetEnvelop = SetEnvelop;
+  Preferences.SetMonochrome = SetMonochrome;
+  Preferences.SetSpectrumBackground = [](Colour Value) { SetBackColor(Main.Spectrum1, Value); };
+  Preferences.GetMoleculeBackground = [] { return Main.MolRender1.BackColor; };
+  Preferences.TakeMoleculePreferences = TakeMoleculePreferences;
+  Preferences.RefreshView = RefreshView;
 }
 
 void OpenZMatrix() {
@@ -116,18 +161,35 @@ void OpenZMatrix() {
 }
 
 void ConnectRooms() {
+  Rooms.ShowShieldingTable = ShowShieldingTable;
+  Rooms.ShowCouplingTable = ShowCouplingTable;
+  Rooms.ShowMoleculeView = ShowMoleculeView;
+  Rooms.TurnMolecule = TurnMolecule;
+  Rooms.FitMolecule = FitMolecule;
   Rooms.OpenZMatrix = OpenZMatrix;
+  Rooms.UpdateAtomLabels = [] {
+    TakeSystem();
+    UpdateAtomLabels(Main.MolRender1);
+  };
   Rooms.ShowSpectrumView = ShowSpectrumView;
   Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
-  Rooms.TakeOpenedSpectrum = TakeOpenedSpectrum;
+  Rooms.TakeOpenedSpectrum = [] {
+    // The molecule view knows the system even where the document comes up in the spectrum view.
+    IgnoreFailure(TakeSystem);
+    TakeOpenedSpectrum();
+  };
   Rooms.LinesCommand = mnuLines_Click;
   Rooms.EnvelopCommand = mnuEnvelop_Click;
   Rooms.LinesAndEnvelopCommand = mnuLinesAndEnvelop_Click;
 }
 
+// The host may talk to the program that it has started.
+void Form_LinkOpen(Flag& Cancel) { Cancel = False; }
+
 void ReadCommandLine(const Text& CommandLine) {
   StartedAlone = ToFlag(CommandLine != HostWord);
   Main.LinkMode = IsSet(StartedAlone) ? 0 : 1;
+  if (Main.LinkMode == 1) IgnoreFailure([] { Platform.Host.Accept(Form_LinkOpen); });
   SetEnabled(Main.mnuFile, StartedAlone);
 }
 
@@ -193,6 +255,7 @@ void TakeSettings() {
   Settings.PrefGraphColor = GetGraphClr();
   Settings.PrefSelectionColor = GetSelectionClr();
   Settings.PrefEnvelopColor = GetEnvelop();
+  InitMoleculeView();
 }
 
 }  // namespace
@@ -200,6 +263,8 @@ void TakeSettings() {
 void BuildProgram() {
   BuildMainForm();
   BuildAboutForm();
+  BuildPreferenceForm();
+  BuildRenderForm();
   BuildAtomSetForm();
   BuildElementChoiceForm();
   BuildEquivalentForm();
@@ -207,13 +272,21 @@ void BuildProgram() {
   BuildSCFForm();
   BuildSpectOptionsForm();
   BuildReferenceForm();
+  BuildValuesForm();
+  BuildGraphForm();
+  BuildReplaceForm();
   ConnectMainForm();
   ConnectRooms();
+  ConnectPreferences();
   AddWorkspaceVariables();
   AddSettingsVariables();
   AddShellVariables();
   AddSpectrumVariables();
+  AddMoleculeVariables();
+  AddRenderFormVariables();
+  AddPreferenceVariables();
   AddAtomSetVariables();
+  AddTableVariables();
   AddZMatrixVariables();
   AddTypingVariables();
   AddVariable("StartedAlone", StartedAlone);
@@ -236,7 +309,10 @@ void Form_Load(const Text& CommandLine) {
 void Form_Resize() {
   IgnoreFailure(BeginSpectrumResize);
   LayOutWindow();
+  IgnoreFailure(PlaceMoleculeView);
   IgnoreFailure(EndSpectrumResize);
+  // The layout leaves the table without a height until its view is drawn again.
+  if (IsSet(Main.ShieldTable.Visible)) PlaceTable();
 }
 
 }  // namespace zelvanor

@@ -497,6 +497,7 @@ TEST_F(BackendTest, FlagsAfterEachCommand) {
       ResetProgram();
       UseFolders();
       UseHydrogens(2);
+      Rooms.ShowMoleculeView();  // as opening a document does: it tells that it takes the system in
       UseBackend(R.Stage1, R.Stage2);
       SetPeaks({{-50, 1}});
       W.ShieldingAvailable = W.CouplingAvailable = W.SpectraAvailable = W.ParamResultsStale = Before;

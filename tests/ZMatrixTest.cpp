@@ -197,6 +197,8 @@ TEST_F(ZMatrixTest, DocumentOfAnImportedSystemGivesTheSameTable) {
     return All;
   };
   const Text Before = Table();
+  Workspace.SemiEmpiricalMethod = "KRDO1";
+  Workspace.SpinMultiplicity = 1;
   Shown().Files.push_back(TempPath("saved.NMR"));
   mnuFileSaveAs_Click();
   Shown().Files.push_back(TempPath("saved.NMR"));

@@ -27,6 +27,8 @@ inline constexpr const char* DiskFull = "Disk full";
 inline constexpr const char* TooManyFiles = "Too many files";
 inline constexpr const char* BadFileNumber = "Bad file name or number";
 inline constexpr const char* DeviceError = "Device I/O error";
+// Of a control that refuses; callers that expect it drop it.
+inline constexpr const char* CannotPerform = "Can't perform requested operation";
 inline constexpr const char* OutOfMemory = "Out of memory";
 }  // namespace failures
 

@@ -76,6 +76,7 @@ struct ScriptValue {
   std::vector<Text> Elements;
   bool IsText = false;
   bool IsArray = false;
+  bool ComparesAsNumber = false;  // a text that may be a number: `expect` takes either form
 };
 
 Text PrintedValue(const ScriptValue& Value);
@@ -93,6 +94,10 @@ bool Matches(const ScriptValue& Actual, const std::vector<Argument>& Expected);
 
 // Writes the picture of the view; the ending of the path decides on the form. Throws ScriptStop.
 void WriteView(const Text& Path);
+// Writes the table of the view as CSV. Throws ScriptStop.
+void WriteTable(const Text& Path);
+// Writes the picture of the chart window. Throws ScriptStop.
+void WriteChart(const Text& Path);
 // Writes the peak list as CSV or JCAMP-DX. Throws ScriptStop.
 void SavePeaks(const Text& Path);
 

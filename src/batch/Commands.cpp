@@ -7,7 +7,9 @@
 #include "basic/Numbers.h"
 #include "batch/Batch.h"
 #include "batch/Expect.h"
+#include "batch/HostCommands.h"
 #include "batch/UserActions.h"
+#include "platform/Grid.h"
 #include "program.h"
 #include "shell/Frame.h"
 
@@ -66,9 +68,9 @@ void QueueColour(const Words& All) {
 
 void ClipboardCommand(const Words& All) {
   if (All.size() > 1) {
-    State.Clipboard = All[1].Value;
+    Platform.SetClipboard(All[1].Value);
   } else {
-    PrintOut(Escaped(State.Clipboard));
+    PrintOut(Escaped(Platform.GetClipboard()));
   }
 }
 
@@ -84,11 +86,6 @@ void LocaleCommand(const Words& All) {
 void Instance(const Words& /*All*/) {
   BeforeStart("instance");
   State.OtherInstance = true;
-}
-
-void HostCommand(const Words& All) {
-  // Unless told, no host is there: so this is what it says already.
-  if (All[1].Value != "none" || All.size() > 2) throw ScriptStop{CannotCarryOut, "only `host none` is known"};
 }
 
 void Get(const Words& All) { PrintOut(All[1].Value + " = " + PrintedValue(ReadProperty(All[1].Value))); }
@@ -129,6 +126,13 @@ void Dump(const Words& All) {
     const auto& List = static_cast<const ComboBox&>(Target);
     for (std::size_t Row = 0; Row < List.Items.size(); ++Row) {
       PrintOut((static_cast<int>(Row) == List.ListIndex ? "*" : "") + Escaped(List.Items[Row]));
+    }
+  } else if (Target.Kind == ControlKind::Grid) {
+    const auto& Grid = static_cast<const GridControl&>(Target);
+    for (int Row = 0; Row < RowsOf(Grid); ++Row) {
+      Text Line;
+      for (int Col = 0; Col < ColsOf(Grid); ++Col) Line += (Col > 0 ? " " : "") + Escaped(CellText(Grid, Row, Col));
+      PrintOut(Line);
     }
   } else {
     throw ScriptStop{CannotCarryOut, "nothing to dump in " + All[1].Value};
@@ -172,10 +176,13 @@ const std::map<Text, CommandRow>& Commands() {
       {"type", {TypeText, 2, true}},
       {"enter", {EnterText, 2, true}},
       {"choose", {ChooseEntry, 2, true}},
+      {"cell", {PickGridCell, 3, true}},
+      {"range", {PickGridRange, 5, true}},
       {"select", {SelectRows, 1, true}},
       {"scroll", {ScrollBarTo, 2, true}},
       {"spin", {Spin, 2, true}},
       {"mouse", {MoveMouse, 4, true}},
+      {"atom", {ClickAtom, 2, true}},
       {"key", {PressKey, 1, true}},
       {"size", {Size, 2, false}},
       {"menu", {[](const Words& All) { SubClass1_MenuSelect(0, All[1].Value); }, 1, true}},
@@ -195,6 +202,7 @@ const std::map<Text, CommandRow>& Commands() {
       {"forms", {ListForms, 0, false}},
       {"dump", {Dump, 1, true}},
       {"view", {[](const Words& All) { WriteView(All[1].Value); }, 1, true}},
+      {"chart", {[](const Words& All) { WriteChart(All[1].Value); }, 1, true}},
       {"save", {[](const Words& All) { SavePeaks(All[1].Value); }, 1, true}},
       {"wait", {Wait, 1, false}},
       {"echo", {Echo, 0, false}},

@@ -62,7 +62,8 @@ void Expect(const std::vector<Argument>& All) {
   if (What == "file") return ExpectFile(All);
   if (What == "clipboard") {
     if (All.size() < 3) throw ScriptStop{CannotCarryOut, "expect clipboard TEXT"};
-    if (State.Clipboard != All[2].Value) Fail("clipboard", Escaped(State.Clipboard), Escaped(All[2].Value));
+    const Text Clipboard = Platform.GetClipboard();
+    if (Clipboard != All[2].Value) Fail("clipboard", Escaped(Clipboard), Escaped(All[2].Value));
     return;
   }
   ExpectValue(All);

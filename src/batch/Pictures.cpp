@@ -1,12 +1,15 @@
 #include <cairo-pdf.h>
 #include <cairo.h>
 
-#include <fstream>
+#include <functional>
 #include <memory>
 
 #include "basic/NumberText.h"
 #include "basic/TextTools.h"
 #include "batch/Batch.h"
+#include "batch/MoleculePicture.h"
+#include "batch/PictureText.h"
+#include "batch/TextFile.h"
 #include "shell/MainForm.h"
 #include "spectrum/SpectrumDrawing.h"
 #include "workspace/Helpers.h"
@@ -16,21 +19,11 @@ namespace zelvanor::batch {
 
 namespace {
 
-constexpr const char* FontFamily = "sans-serif";
 // Of the font's size: how far its base line lies below the top that a text hangs from.
 constexpr Double AscentShare = 0.93;
 constexpr Double PointsPerPixel = 0.75;  // at 96 pixels an inch
 
-struct PictureSize {
-  int Width;
-  int Height;
-};
-
-PictureSize SizeOf(const PictureSurface& Surface) {
-  return {std::max(Surface.Width / TwipsPerPixelX, 1), std::max(Surface.Height / TwipsPerPixelY, 1)};
-}
-
-// The surface that the view shows. The molecule and the tables draw nothing on a surface: the spectrum stands for them
+// The surface that the view shows. The tables and an empty molecule view draw nothing: the spectrum stands for them
 // where there is one.
 const PictureSurface& ShownSurface() {
   if (!IsSet(Main.Spectrum1.Visible)) {
@@ -38,24 +31,6 @@ const PictureSurface& ShownSurface() {
     DrawSpectra();
   }
   return Main.Spectrum1;
-}
-
-Text SvgColour(Colour Value) {
-  return Join("rgb(", Long{Value & 255}, ",", Long{(Value >> 8) & 255}, ",", Long{(Value >> 16) & 255}, ")");
-}
-
-Text SvgEscaped(TextView Value) {
-  Text Result;
-  for (const char C : Value) {
-    if (C == '&') {
-      Result += "&amp;";
-    } else if (C == '<') {
-      Result += "&lt;";
-    } else {
-      Result += C;
-    }
-  }
-  return Result;
 }
 
 // Lines that go on where the last one of the same pen ended are one path: the envelope stays in one piece.
@@ -76,11 +51,8 @@ void WalkLines(const PictureSurface& Surface, Begin BeginPath, Continue Continue
 
 // Written by hand, so that texts stay texts in the programs that open it.
 Text BuildSvg(const PictureSurface& Surface) {
-  const auto [Width, Height] = SizeOf(Surface);
   const auto Number = [](Double Value) { return GeneralForm(Value); };
-  Text Svg = Join("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"",
-                  Long{Width}, "\" height=\"", Long{Height}, "\" viewBox=\"0 0 ", Long{Width}, " ", Long{Height},
-                  "\">\n<rect width=\"100%\" height=\"100%\" fill=\"", SvgColour(Surface.BackColor), "\"/>\n");
+  Text Svg = SvgHead(Surface, Surface.BackColor);
   WalkLines(
       Surface,
       [&](const PictureLine& Line) {
@@ -91,15 +63,10 @@ Text BuildSvg(const PictureSurface& Surface) {
       [&] { Svg += "\"/>\n"; });
   for (const PictureText& Item : Surface.Texts) {
     Svg += Join("<text x=\"", Long{Item.X}, "\" y=\"", Number(Item.Y + SurfaceFontPixels * AscentShare),
-                "\" font-family=\"", FontFamily, "\" font-size=\"", Long{SurfaceFontPixels}, "\" fill=\"",
+                "\" font-family=\"", PictureFont, "\" font-size=\"", Long{SurfaceFontPixels}, "\" fill=\"",
                 SvgColour(Item.Pen), "\">", SvgEscaped(Item.Value), "</text>\n");
   }
   return Svg + "</svg>\n";
-}
-
-void SetSource(cairo_t* Context, Colour Value) {
-  constexpr Double Full = 255.0;
-  cairo_set_source_rgb(Context, (Value & 255) / Full, ((Value >> 8) & 255) / Full, ((Value >> 16) & 255) / Full);
 }
 
 void DrawWithCairo(cairo_t* Context, const PictureSurface& Surface) {
@@ -119,7 +86,7 @@ void DrawWithCairo(cairo_t* Context, const PictureSurface& Surface) {
         SetSource(Context, Pen);
         cairo_stroke(Context);
       });
-  cairo_select_font_face(Context, FontFamily, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+  cairo_select_font_face(Context, PictureFont, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
   cairo_set_font_size(Context, SurfaceFontPixels);
   for (const PictureText& Item : Surface.Texts) {
     SetSource(Context, Item.Pen);
@@ -132,40 +99,42 @@ void NeedWritten(cairo_status_t Status, const Text& Path) {
   if (Status != CAIRO_STATUS_SUCCESS) throw ScriptStop{CannotCarryOut, "can't write " + Path};
 }
 
-void WritePng(const PictureSurface& Surface, const Text& Path) {
-  const auto [Width, Height] = SizeOf(Surface);
+// What a file is made of: the control whose size it has, and the picture in both ways of writing it.
+struct Picture {
+  const Control& Shown;
+  std::function<Text()> Svg;
+  std::function<void(cairo_t*)> Draw;
+};
+
+Picture ShownPicture() {
+  if (ShowsMolecule()) return {Main.MolRender1, BuildMoleculeSvg, DrawMolecule};
+  const PictureSurface& Surface = ShownSurface();
+  return {Surface, [&Surface] { return BuildSvg(Surface); },
+          [&Surface](cairo_t* Context) { DrawWithCairo(Context, Surface); }};
+}
+
+void WritePng(const Picture& Shown, const Text& Path) {
+  const auto [Width, Height] = SizeOf(Shown.Shown);
   cairo_surface_t* Target = cairo_image_surface_create(CAIRO_FORMAT_RGB24, Width, Height);
   cairo_t* Context = cairo_create(Target);
-  DrawWithCairo(Context, Surface);
+  Shown.Draw(Context);
   cairo_destroy(Context);
   const cairo_status_t Status = cairo_surface_write_to_png(Target, Path.c_str());
   cairo_surface_destroy(Target);
   NeedWritten(Status, Path);
 }
 
-void WritePdf(const PictureSurface& Surface, const Text& Path) {
-  const auto [Width, Height] = SizeOf(Surface);
+void WritePdf(const Picture& Shown, const Text& Path) {
+  const auto [Width, Height] = SizeOf(Shown.Shown);
   cairo_surface_t* Target = cairo_pdf_surface_create(Path.c_str(), Width * PointsPerPixel, Height * PointsPerPixel);
   cairo_t* Context = cairo_create(Target);
   cairo_scale(Context, PointsPerPixel, PointsPerPixel);
-  DrawWithCairo(Context, Surface);
+  Shown.Draw(Context);
   cairo_destroy(Context);
   cairo_surface_finish(Target);
   const cairo_status_t Status = cairo_surface_status(Target);
   cairo_surface_destroy(Target);
   NeedWritten(Status, Path);
-}
-
-Text EndingOf(const Text& Path) {
-  const std::size_t Dot = Path.rfind('.');
-  return Dot == Text::npos ? Text() : UpperCase(Path.substr(Dot));
-}
-
-void WriteText(const Text& Path, const Text& Content) {
-  std::ofstream Stream(Path, std::ios::binary | std::ios::trunc);
-  Stream << Content;
-  Stream.flush();
-  if (!Stream) throw ScriptStop{CannotCarryOut, "can't write " + Path};
 }
 
 Double FrequencyOf(Long Peak) {
@@ -213,13 +182,14 @@ Text BuildJcamp() {
 
 void WriteView(const Text& Path) {
   const Text Ending = EndingOf(Path);
+  if (Ending == ".CSV") return WriteTable(Path);
   if (Ending != ".SVG" && Ending != ".PNG" && Ending != ".PDF") {
-    throw ScriptStop{CannotCarryOut, "a view is written as .svg, .png or .pdf: " + Path};
+    throw ScriptStop{CannotCarryOut, "a view is written as .svg, .png or .pdf, a table as .csv: " + Path};
   }
-  const PictureSurface& Surface = ShownSurface();
-  if (Ending == ".SVG") return WriteText(Path, BuildSvg(Surface));
-  if (Ending == ".PNG") return WritePng(Surface, Path);
-  WritePdf(Surface, Path);
+  const Picture Shown = ShownPicture();
+  if (Ending == ".SVG") return WriteText(Path, Shown.Svg());
+  if (Ending == ".PNG") return WritePng(Shown, Path);
+  WritePdf(Shown, Path);
 }
 
 void SavePeaks(const Text& Path) {

@@ -4,7 +4,10 @@
 #include "basic/NumberText.h"
 #include "basic/Numbers.h"
 #include "batch/Batch.h"
+#include "platform/Chart.h"
+#include "platform/Grid.h"
 #include "platform/Picture.h"
+#include "platform/Render.h"
 
 namespace zelvanor::batch {
 
@@ -97,6 +100,47 @@ Answer ReadPicture(const PictureSurface& Of, const PropertyName& Name) {
   return {};
 }
 
+Answer ReadGrid(const GridControl& Of, const PropertyName& Name) {
+  if (Name.Name == "Rows") return NumberValue(RowsOf(Of));
+  if (Name.Name == "Cols") return NumberValue(ColsOf(Of));
+  if (Name.Name == "FixedRows") return NumberValue(Of.FixedRows);
+  if (Name.Name == "FixedCols") return NumberValue(Of.FixedCols);
+  if (Name.Name == "Row") return NumberValue(Of.Row);
+  if (Name.Name == "Col") return NumberValue(Of.Col);
+  if (Name.Name == "SelStartRow") return NumberValue(Of.SelStartRow);
+  if (Name.Name == "SelEndRow") return NumberValue(Of.SelEndRow);
+  if (Name.Name == "SelStartCol") return NumberValue(Of.SelStartCol);
+  if (Name.Name == "SelEndCol") return NumberValue(Of.SelEndCol);
+  if (Name.Name == "Cell") return TextValue(CellText(Of, Name.Places[0], Name.Places[1]));
+  if (Name.Name == "Text") return TextValue(CellText(Of, Of.Row, Of.Col));
+  if (Name.Name == "ColWidth") return NumberValue(ElementOf(Of.ColWidths, Name.Places[0]));
+  return {};
+}
+
+// A value that was written as a text still compares as the number it may be.
+ScriptValue WrittenValue(const ChartValue& Value) { return {{Value.Words}, Value.IsText, false, true}; }
+
+Answer ReadChart(const ChartControl& Of, const PropertyName& Name) {
+  if (Name.Name == "Data") return WrittenValue(ElementOf(Of.Points, Name.Places[0]));
+  if (Name.Name == "Member") {
+    const auto Entry = Of.Members.find(Name.Places[0]);
+    return Entry == Of.Members.end() ? TextValue("") : WrittenValue(Entry->second);
+  }
+  return {};
+}
+
+Answer ReadRender(const RenderControl& Of, const PropertyName& Name) {
+  if (Name.Name == "ViewTransform")
+    return ScriptValue{{GeneralForm(GetViewTransform(Of, Name.Places[0]))}, false, false};
+  if (Name.Name == "AtomCount") return NumberValue(int(GetAtomCount(Of)));
+  if (Name.Name == "AtomColor") return NumberValue(int(ElementOf(Of.Atoms, Name.Places[0]).Color));
+  if (Name.Name == "AtomText") return TextValue(ElementOf(Of.Atoms, Name.Places[0]).Label);
+  if (Name.Name == "AtomRenderType") return NumberValue(Of.AtomRenderType);
+  if (Name.Name == "BondRenderType") return NumberValue(Of.BondRenderType);
+  if (Name.Name == "BackColor") return NumberValue(int(Of.BackColor));
+  return {};
+}
+
 Answer ReadOwn(const Control& Of, const PropertyName& Name) {
   switch (Of.Kind) {
     case ControlKind::MenuItem:
@@ -125,6 +169,12 @@ Answer ReadOwn(const Control& Of, const PropertyName& Name) {
       return ReadScrollBar(static_cast<const ScrollBar&>(Of), Name);
     case ControlKind::PictureSurface:
       return ReadPicture(static_cast<const PictureSurface&>(Of), Name);
+    case ControlKind::Grid:
+      return ReadGrid(static_cast<const GridControl&>(Of), Name);
+    case ControlKind::Chart:
+      return ReadChart(static_cast<const ChartControl&>(Of), Name);
+    case ControlKind::RenderControl:
+      return ReadRender(static_cast<const RenderControl&>(Of), Name);
     default:
       return {};
   }

@@ -3,6 +3,8 @@
 #include <time.h>
 
 #include "batch/Batch.h"
+#include "batch/HostCommands.h"
+#include "hostbus/HostBus.h"
 #include "platform/posix/PosixServices.h"
 #include "shell/MainForm.h"
 
@@ -100,6 +102,7 @@ void DoEvents() {
   // Nothing is pending without a display; while a process runs the processor is better used by it.
   constexpr timespec Millisecond{0, 1000000};
   if (AnyProcessRuns()) nanosleep(&Millisecond, nullptr);
+  hostbus::ServeConversations();
 }
 
 void ShowChange(Control& Target, Property What) {
@@ -119,8 +122,9 @@ void UseBatchServices() {
   Platform.ShowColourDialog = ShowColourDialog;
   Platform.RunModal = RunModal;
   Platform.DoEvents = DoEvents;
-  Platform.GetClipboard = [] { return State.Clipboard; };
-  Platform.SetClipboard = [](const Text& Value) { State.Clipboard = Value; };
+  // Scripts see the texts of the clipboard; `chart` writes the picture.
+  Platform.SetClipboardPicture = [](const ChartControl& /*Chart*/) {};
+  UseSimulatedHost();
   Platform.DecimalSeparator = [] { return State.DecimalSeparator; };
   Platform.OtherInstanceRuns = [] { return State.OtherInstance; };
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "basic/TextTools.h"
+#include "platform/Chart.h"
+#include "platform/Grid.h"
 #include "platform/Picture.h"
 #include "shell/MainForm.h"
 
@@ -55,6 +57,8 @@ void Click(Control& Target, const std::vector<Argument>& All) {
     }
     case ControlKind::OptionButton:
       return SetValue(static_cast<OptionButton&>(Target), True);
+    case ControlKind::Chart:
+      return Fire(static_cast<ChartControl&>(Target).CopyGesture);
     default:
       RefuseKind(All);
   }
@@ -131,8 +135,29 @@ void ReleaseControl(const std::vector<Argument>& All) {
 void TypeText(const std::vector<Argument>& All) {
   Control* Target = FindReachable(All);
   if (Target == nullptr) return;
+  if (Target->Kind == ControlKind::Grid) {
+    auto& Grid = static_cast<GridControl&>(*Target);
+    for (const char Key : KeysOf(All[2])) PressGridKey(Grid, static_cast<unsigned char>(Key));
+    return;
+  }
   auto& Field = NeedKind<TextField>(*Target, ControlKind::TextField, All);
   for (const char Key : KeysOf(All[2])) TypeKey(Field, Key);
+}
+
+void PickGridCell(const std::vector<Argument>& All) {
+  Control* Target = FindReachable(All);
+  if (Target == nullptr) return;
+  auto& Grid = NeedKind<GridControl>(*Target, ControlKind::Grid, All);
+  Fire(Grid.MouseDown);
+  PickCell(Grid, NeedNumber(All, 2), NeedNumber(All, 3));
+}
+
+void PickGridRange(const std::vector<Argument>& All) {
+  Control* Target = FindReachable(All);
+  if (Target == nullptr) return;
+  auto& Grid = NeedKind<GridControl>(*Target, ControlKind::Grid, All);
+  Fire(Grid.MouseDown);
+  PickRange(Grid, NeedNumber(All, 2), NeedNumber(All, 3), NeedNumber(All, 4), NeedNumber(All, 5));
 }
 
 void EnterText(const std::vector<Argument>& All) {
@@ -184,32 +209,84 @@ void Spin(const std::vector<Argument>& All) {
   Fire(All[2].Value == "up" ? Button.SpinUp : Button.SpinDown);
 }
 
+namespace {
+
+// On a chart only a second press at the same place means something: it is a double click.
+void MoveMouseOnChart(const ChartControl& Chart, const std::vector<Argument>& All) {
+  static Text PressedAt;
+  if (All[2].Value == "up") return;
+  Text Place = ControlName(Chart);
+  for (std::size_t Word = 3; Word < All.size(); ++Word) Place += " " + All[Word].Value;
+  if (All[2].Value != "down") {
+    PressedAt.clear();
+  } else if (Place == PressedAt) {
+    PressedAt.clear();
+    Fire(Chart.CopyGesture);
+  } else {
+    PressedAt = Place;
+  }
+}
+
+// The mouse of a picture surface and of the molecule view, whose own routines tell a click from a drag.
+void MouseAt(Control& Target, const Text& Action, int Button, int Shift, Single X, Single Y) {
+  const auto Run = [&](const auto& Handler) {
+    if (Handler) Handler(Button, Shift, X, Y);
+  };
+  if (Target.Kind == ControlKind::RenderControl) {
+    auto& View = static_cast<RenderControl&>(Target);
+    if (Action == "down") return RenderMouseDown(View, Button, Shift, X, Y);
+    if (Action == "move") return RenderMouseMove(View, Button, Shift, X, Y);
+    return RenderMouseUp(View, Button, Shift, X, Y);
+  }
+  const auto& Surface = static_cast<PictureSurface&>(Target);
+  Run(Action == "down" ? Surface.MouseDown : Action == "move" ? Surface.MouseMove : Surface.MouseUp);
+}
+
+}  // namespace
+
 void MoveMouse(const std::vector<Argument>& All) {
   Control* Target = FindReachable(All);
   if (Target == nullptr) return;
-  const auto& Surface = NeedKind<PictureSurface>(*Target, ControlKind::PictureSurface, All);
+  if (Target->Kind == ControlKind::Chart) return MoveMouseOnChart(static_cast<const ChartControl&>(*Target), All);
+  if (Target->Kind != ControlKind::PictureSurface && Target->Kind != ControlKind::RenderControl) RefuseKind(All);
   const Text& Action = All[2].Value;
+  if (Action != "down" && Action != "move" && Action != "up") {
+    throw ScriptStop{CannotCarryOut, "the mouse goes down, move or up, not " + Action};
+  }
   const std::size_t Place = Action == "move" ? 3 : 4;
   const auto X = static_cast<Single>(TwipsFromPixels(NeedNumber(All, Place)));
   const auto Y = static_cast<Single>(TwipsFromPixels(NeedNumber(All, Place + 1)));
   const int Shift = ShiftState(All, Place + 2);
-  if (Action == "down") {
-    State.MouseButton = NeedNumber(All, 3);
-    if (Surface.MouseDown) Surface.MouseDown(State.MouseButton, Shift, X, Y);
-  } else if (Action == "move") {
-    if (Surface.MouseMove) Surface.MouseMove(State.MouseButton, Shift, X, Y);
-  } else if (Action == "up") {
-    State.MouseButton = 0;
-    if (Surface.MouseUp) Surface.MouseUp(NeedNumber(All, 3), Shift, X, Y);
-  } else {
-    throw ScriptStop{CannotCarryOut, "the mouse goes down, move or up, not " + Action};
+  const int Button = Action == "move" ? State.MouseButton : NeedNumber(All, 3);
+  if (Action != "move") State.MouseButton = Action == "down" ? Button : 0;
+  MouseAt(*Target, Action, Button, Shift, X, Y);
+}
+
+void ClickAtom(const std::vector<Argument>& All) {
+  RenderControl& View = Main.MolRender1;
+  if (!IsReachable(View)) return PrintOut("refused MolRender1");
+  const int Button = NeedNumber(All, 2);
+  const int Shift = ShiftState(All, 3);
+  if (All[1].Value == "none") {
+    if (View.NoAtomClick) View.NoAtomClick(Button, Shift);
+    return;
   }
+  const int Atom = NeedNumber(All, 1);
+  if (Atom < 0 || Atom >= GetAtomCount(View)) throw ScriptStop{CannotCarryOut, "there is no atom " + All[1].Value};
+  if (View.AtomClick) View.AtomClick(Button, Shift, Atom);
 }
 
 void PressKey(const std::vector<Argument>& All) {
-  if (ActiveForm() != &Main.frmNMR) return PrintOut("refused frmNMR");
   int KeyCode = NeedNumber(All, 1);
   const int Shift = ShiftState(All, 2);
+  if (const Form* Active = ActiveForm(); Active != &Main.frmNMR) {
+    // A dialog with keys of its own has them; Escape closes it.
+    if (!Active->KeyDown) return PrintOut("refused frmNMR");
+    Active->KeyDown(KeyCode, Shift);
+    constexpr int Escape = 27;
+    if (KeyCode == Escape) CancelForm(*FindForm(Active->Name));
+    return;
+  }
   if (Main.frmNMR.KeyDown) Main.frmNMR.KeyDown(KeyCode, Shift);
   if (Shift != CtrlKey || KeyCode < 'A' || KeyCode > 'Z') return;
   // A key that nobody has taken may be a menu item's.

@@ -12,10 +12,13 @@ void ReleaseControl(const std::vector<Argument>& All);
 void TypeText(const std::vector<Argument>& All);
 void EnterText(const std::vector<Argument>& All);
 void ChooseEntry(const std::vector<Argument>& All);
+void PickGridCell(const std::vector<Argument>& All);
+void PickGridRange(const std::vector<Argument>& All);
 void SelectRows(const std::vector<Argument>& All);
 void ScrollBarTo(const std::vector<Argument>& All);
 void Spin(const std::vector<Argument>& All);
 void MoveMouse(const std::vector<Argument>& All);
+void ClickAtom(const std::vector<Argument>& All);
 void PressKey(const std::vector<Argument>& All);
 
 // A whole number among the words of a command.

@@ -100,7 +100,8 @@ bool Matches(const ScriptValue& Actual, const std::vector<Argument>& Expected) {
     // A text with blanks may stand unquoted.
     Text Whole;
     for (const Argument& Word : Expected) Whole += (&Word == &Expected.front() ? "" : " ") + Word.Value;
-    return Actual.Elements.front() == Whole;
+    const Text& Element = Actual.Elements.front();
+    return Element == Whole || (Actual.ComparesAsNumber && NumbersMatch(Element, Whole));
   }
   return std::equal(Actual.Elements.begin(), Actual.Elements.end(), Expected.begin(), Expected.end(),
                     [&](const Text& Element, const Argument& Word) {

@@ -211,6 +211,7 @@ void mnuFileNew_Click() {
   UpdateTitle();
   W.ViewMode = MoleculeView;
   UpdateCommands(MoleculeView);
+  IgnoreFailure(Rooms.ShowMoleculeView);
   SetEnabled(Main.picToolbar[ToolNew], False);
   SetEnabled(Main.mnuFileNew, False);
 }

@@ -98,12 +98,19 @@ void ReadForceFieldLine(const ParseState& State, TextView Line) {
                    ".  Some atom types may not be available Zelvanor."));
 }
 
+// Without outer blanks, and without the carriage return that stays at the end of a line taken from the host.
+TextView TrimLine(TextView Line) {
+  Line = TrimBlanks(Line);
+  while (Line.ends_with('\r')) Line = TrimBlanks(Line.substr(0, Line.size() - 1));
+  return Line;
+}
+
 void ReadRecords(const Text& Title) {
   ParseState State;
   State.Title = Title;
   for (int Index = 0; Index <= W.HostTextLineCount; ++Index) {
     FixedText<HostLineLength>& Stored = W.HostTextLine[Index];
-    Stored = Text(TrimBlanks(Stored.View()));
+    Stored = Text(TrimLine(Stored.View()));
     const TextView Line = Stored.Trimmed();
     if (Line.starts_with("atom ")) {
       ReadAtomLine(State, Line, Index);

@@ -16,6 +16,10 @@ Flag LinkToHost() {
 }
 
 void HostExecute(const Text& Command) { Platform.Host.Execute(Command); }
-Text HostRequest(const Text& Item) { return Platform.Host.Request(Item); }
+
+Text HostRequest(const Text& Item) {
+  Platform.Host.LinkTimeout = -1;
+  return Platform.Host.Request(Item);
+}
 
 }  // namespace zelvanor

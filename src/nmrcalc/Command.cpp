@@ -149,7 +149,7 @@ int RunCommand(const CommandLine& Command) {
   const auto Start = std::chrono::steady_clock::now();
   UseOneLibraryThread();
   KeepFreedMemory();
-  Log Report{.Path = Command.LogPath, .Level = FindLogLevel(Command)};
+  Log Report{.Path = Command.LogPath, .Level = Command.LogPath.empty() ? 0 : FindLogLevel(Command)};
   bool Failed = false;
   std::string Output = RunStageSafely(Command, Report, Failed);
   try {

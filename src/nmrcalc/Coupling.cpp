@@ -208,6 +208,7 @@ std::vector<double> EstimateCouplings(CouplingModel& Model, const std::vector<st
       if (FirstExchanges || Exchanges(Model.Tables, Model.System, Selection[Second])) continue;
       // The sum in rising order, so that the numbering of the atoms does not reach the last digit.
       std::vector<double> Values;
+      Values.reserve(Found->second.size());
       for (const auto& Path : Found->second) Values.push_back(EstimateAlongPath(Model, Path));
       std::sort(Values.begin(), Values.end());
       double Sum = 0.0;

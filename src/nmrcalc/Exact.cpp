@@ -19,10 +19,12 @@ namespace nmrcalc {
 namespace {
 
 constexpr double BytesPerNumber = 8.0;
-constexpr double LineShare = 0.25;                 // of the memory, for lines; sorting and growing take as much again
-constexpr double OperationsPerThread = 4e6;        // less is done sooner than a thread is started
-constexpr std::size_t PanelColumns = 256;          // columns of transition moments formed at a time
-constexpr std::size_t LinesBeforeMerge = 4000000;  // per worker
+constexpr std::size_t LinesPerThread = 50000;       // fewer are sorted sooner than a thread is started
+constexpr double LargestStateCount = 2147483648.0;  // codes of states have 32 bits
+constexpr double LineShare = 0.25;                  // of the memory, for lines; sorting and growing take as much again
+constexpr double OperationsPerThread = 4e6;         // less is done sooner than a thread is started
+constexpr std::size_t PanelColumns = 1024;          // columns of transition moments formed at a time
+constexpr std::size_t LinesBeforeMerge = 4000000;   // per worker
 constexpr double LargestUnordered = 32.0 * 1024.0 * 1024.0;  // bytes of eigenvectors of a system
 constexpr double NoiseWidth = 1e-7;  // Hz; transitions nearer than this differ by rounding alone
 
@@ -47,13 +49,20 @@ struct BlockTask {
   double Size = 0.0;
 };
 
+// What one worker has found.
+struct WorkerLines {
+  std::vector<Line> Lines{};
+  IntensityCells Cells{};
+};
+
 struct Team {
   const std::vector<SpinSystem>& Systems;
   const ExactLimits& Limits;
   std::vector<BlockTask> Tasks{};
   std::vector<std::shared_ptr<SystemWork>> Works{};
-  std::vector<std::size_t> TasksLeft{};    // per system
-  std::vector<std::vector<Line>> Lines{};  // per worker
+  std::vector<std::size_t> TasksLeft{};  // per system
+  std::size_t NumTransitions = 0;        // a first guess of the number of lines
+  std::vector<WorkerLines> Found{};
   std::mutex Lock{};
   std::condition_variable Changed{};
   std::size_t NextTask = 0;
@@ -76,9 +85,20 @@ struct BlockPair {
   double Weight = 1.0;
 };
 
+void CheckLineMemory(const Team& Group, std::vector<Line>& Lines) {
+  const auto TooMany = [&Group, &Lines] {
+    return double(Lines.size() * sizeof(Line)) * double(Group.Found.size()) > LineShare * Group.Limits.Bytes;
+  };
+  if (Lines.size() < LinesBeforeMerge || !TooMany()) return;
+  SortAndMerge(Lines, NoiseWidth);
+  if (TooMany()) {
+    throw zelvanor::Failure("The spectrum has too many lines for the free memory; raise the minimal intensity");
+  }
+}
+
 // Adds the lines of NumColumns columns of moments, from FirstColumn on.
 void AddLines(const Team& Group, const BlockPair& Pair, std::size_t FirstColumn, std::size_t NumColumns,
-              const std::vector<double>& Moments, std::vector<Line>& Lines) {
+              const std::vector<double>& Moments, WorkerLines& Found) {
   const std::size_t NumRows = Pair.Rows.Energies.size();
   const double Faintest = Group.Limits.FaintestIntensity / Pair.Weight;
   const double FarFrequency =
@@ -91,22 +111,17 @@ void AddLines(const Team& Group, const BlockPair& Pair, std::size_t FirstColumn,
       if (Intensity < Faintest) continue;
       const double Frequency = Pair.Carrier + Pair.Sign * (Pair.Rows.Energies[Row] - ColumnEnergy);
       if (std::fabs(Frequency) > FarFrequency) continue;
-      Lines.push_back({Frequency, Intensity * Pair.Weight, Pair.Weight});
+      Found.Lines.push_back({Frequency, Intensity * Pair.Weight, Pair.Weight});
+      AddToCells(Found.Cells, Frequency, Intensity * Pair.Weight);
     }
   }
-  if (Lines.size() < LinesBeforeMerge) return;
-  if (double(Lines.size() * sizeof(Line)) * double(Group.Lines.size()) > LineShare * Group.Limits.Bytes) {
-    SortAndMerge(Lines, NoiseWidth);
-  }
-  if (double(Lines.size() * sizeof(Line)) * double(Group.Lines.size()) > LineShare * Group.Limits.Bytes) {
-    throw zelvanor::Failure("The spectrum has too many lines for the free memory; raise the minimal intensity");
-  }
+  CheckLineMemory(Group, Found.Lines);
 }
 
 // Moments of all transitions from the block at Level to the one above it: V_upper^T I+ V_lower, in panels of columns.
 // The side that is contracted densely is the smaller one.
 void ComputeTransitions(const Team& Group, const SpinSystem& System, const SystemWork& Work, std::size_t Chain,
-                        std::size_t Level, std::vector<Line>& Lines) {
+                        std::size_t Level, WorkerLines& Found) {
   const BlockStates& Lower = Work.Blocks[Chain][Level];
   const BlockStates& Upper = Work.Blocks[Chain][Level + 1];
   const auto Raising = BuildRaising(System, Work.Basis, Work.Basis.Chains[Chain][Level]);
@@ -133,7 +148,7 @@ void ComputeTransitions(const Team& Group, const SpinSystem& System, const Syste
       }
     }
     MultiplyTransposed(Pair.Rows.Vectors.data(), Raised.data(), Moments.data(), NumRows, Width, NumRows);
-    AddLines(Group, Pair, First, Width, Moments, Lines);
+    AddLines(Group, Pair, First, Width, Moments, Found);
   }
 }
 
@@ -211,7 +226,7 @@ void RunWorker(Team& Group, std::size_t Worker) {
       Solved.Vectors = BuildHamiltonian(System, Work->Basis, States);
       DiagonalizeSymmetric(Solved.Vectors, States.size(), Solved.Energies);
       for (const std::size_t Level : StoreBlock(Group, *Task, *Work, Solved)) {
-        ComputeTransitions(Group, System, *Work, Task->Chain, Level, Group.Lines[Worker]);
+        ComputeTransitions(Group, System, *Work, Task->Chain, Level, Group.Found[Worker]);
         ReleasePair(Group, *Task, *Work, Level);
       }
       FinishTask(Group, *Task);
@@ -253,6 +268,38 @@ double PlanTasks(Team& Group) {
   return Operations;
 }
 
+// Runs the action for each worker, on threads of their own where it is worth while and they are to be had.
+template <class Action>
+void ForEachWorker(std::size_t NumWorkers, bool InParallel, Action Act) {
+  std::vector<std::thread> Threads;
+  std::size_t Next = 1;
+  try {
+    for (; InParallel && Next < NumWorkers; ++Next) Threads.emplace_back(Act, Next);
+  } catch (const std::system_error&) {  // the first thread does the rest
+  }
+  Act(std::size_t{0});
+  for (; Next < NumWorkers; ++Next) Act(Next);
+  for (std::thread& Thread : Threads) Thread.join();
+}
+
+// One list of what all workers have found, sorted, without the hopeless lines.
+std::vector<Line> GatherLines(Team& Group) {
+  std::size_t NumLines = 0;
+  for (const WorkerLines& Found : Group.Found) NumLines += Found.Lines.size();
+  IntensityCells& Cells = Group.Found[0].Cells;
+  for (std::size_t Worker = 1; Worker < Group.Found.size(); ++Worker) MergeCells(Cells, Group.Found[Worker].Cells);
+  ForEachWorker(Group.Found.size(), NumLines > LinesPerThread, [&Group, &Cells](std::size_t Worker) {
+    DropHopelessLines(Group.Found[Worker].Lines, Cells);
+    SortLines(Group.Found[Worker].Lines);
+  });
+  std::vector<Line> All = std::move(Group.Found[0].Lines);
+  for (std::size_t Worker = 1; Worker < Group.Found.size(); ++Worker) {
+    MergeSortedLines(All, Group.Found[Worker].Lines);
+    Group.Found[Worker].Lines = std::vector<Line>();
+  }
+  return All;
+}
+
 std::size_t ChooseWorkerCount(double Operations) {
   if (!LibraryTakesThreads()) return 1;
   const std::size_t Cores = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, 64);
@@ -274,6 +321,7 @@ ExactCost EstimateExactCost(const std::vector<SpinSystem>& Systems) {
         Cost.Operations += 7.0 * Size * Size * Size;  // measured: 5 n^3 for the eigenvectors, 2 n^3 for the moments
       }
     }
+    if (States > LargestStateCount) Cost.Bytes = std::numeric_limits<double>::infinity();
     // Two neighbours and the block in work, its workspace, the basis.
     const double Bytes = 3.0 * VectorBytes(Largest) + WorkspaceBytes(Largest) + States * (20.0 + double(System.Size()));
     Cost.Bytes = std::max(Cost.Bytes, Bytes);
@@ -286,25 +334,14 @@ std::vector<Line> SimulateExact(const std::vector<SpinSystem>& Systems, const Ex
   Team Group{.Systems = Systems, .Limits = Limits};
   const double Operations = PlanTasks(Group);
   const std::size_t NumWorkers = ChooseWorkerCount(Operations);
-  Group.Lines.resize(NumWorkers);
-  for (std::vector<Line>& Lines : Group.Lines) Lines.reserve(Group.NumTransitions / NumWorkers);
-  std::vector<std::thread> Threads;
-  for (std::size_t Worker = 1; Worker < NumWorkers; ++Worker) {
-    try {
-      Threads.emplace_back([&Group, Worker] { RunWorker(Group, Worker); });
-    } catch (const std::system_error&) {
-      break;  // no thread to be had: the others do the work
-    }
+  Group.Found.resize(NumWorkers);
+  for (WorkerLines& Found : Group.Found) {
+    Found.Lines.reserve(Group.NumTransitions / NumWorkers);
+    Found.Cells = MakeCells(Group.NumTransitions, Limits.MinimalIntensity);
   }
-  RunWorker(Group, 0);
-  for (std::thread& Thread : Threads) Thread.join();
+  ForEachWorker(NumWorkers, true, [&Group](std::size_t Worker) { RunWorker(Group, Worker); });
   if (Group.Error) std::rethrow_exception(Group.Error);
-  std::vector<Line> All = std::move(Group.Lines[0]);
-  for (std::size_t Worker = 1; Worker < NumWorkers; ++Worker) {
-    All.insert(All.end(), Group.Lines[Worker].begin(), Group.Lines[Worker].end());
-    Group.Lines[Worker] = std::vector<Line>();
-  }
-  return All;
+  return GatherLines(Group);
 }
 
 }  // namespace nmrcalc

@@ -21,6 +21,7 @@ struct ExactCost {
 struct ExactLimits {
   double Bytes = 0.0;              // memory that may be used
   double FaintestIntensity = 0.0;  // transitions below are not kept
+  double MinimalIntensity = 0.0;   // merged lines below will be dropped by the caller
   double FarFrequency = 0.0;       // lines beyond this |Hz| belong to nuclei that are not observed; 0: no limit
 };
 
@@ -29,8 +30,9 @@ inline constexpr double LargestSplittingError = 1e-6;
 
 ExactCost EstimateExactCost(const std::vector<SpinSystem>& Systems);
 
-// All transitions of the observed spins with the systems' weights. Not sorted, not merged.
-// Throws Failure when the lines grow beyond the memory or an eigenvalue problem does not converge.
+// Transitions of the observed spins with the systems' weights; not sorted, not merged, most of those left out that
+// cannot reach the minimal intensity together with their neighbours. Throws Failure when the lines grow beyond the
+// memory or an eigenvalue problem does not converge.
 std::vector<Line> SimulateExact(const std::vector<SpinSystem>& Systems, const ExactLimits& Limits);
 
 }  // namespace nmrcalc

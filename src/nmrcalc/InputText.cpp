@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 
@@ -107,12 +108,30 @@ int WholeNumberAt(const TextFile& File, std::size_t Line, std::string_view Token
 }
 
 void AppendFixedNumber(std::string& Target, double Value, int Decimals) {
-  std::array<char, 400> Buffer;  // the longest finite Double has 309 digits in front of the point
-  const char* End =
-      std::to_chars(Buffer.data(), Buffer.data() + Buffer.size(), Value, std::chars_format::fixed, Decimals).ptr;
-  const char* Start = Buffer.data();
-  if (*Start == '-' && std::all_of(Start + 1, End, [](char C) { return C == '0' || C == '.'; })) ++Start;
-  Target.append(Start, End);
+  constexpr std::array<double, 10> Powers = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+  constexpr double LargestExact = 9007199254740992.0;  // 2^53
+  std::array<char, 400> Buffer;                        // the longest Double has 309 digits in front of the point
+  char* const Start = Buffer.data();
+  const double Magnitude = std::fabs(Value);
+  const double Scaled = Magnitude * Powers.at(static_cast<std::size_t>(Decimals));
+  if (!(Scaled < LargestExact)) {
+    Target.append(Start, std::to_chars(Start, Start + Buffer.size(), Value, std::chars_format::fixed, Decimals).ptr);
+    return;
+  }
+  // Tens of thousands of lines are written; whole numbers take a tenth of the time.
+  const auto Whole = static_cast<std::uint64_t>(std::llround(Scaled));
+  const char* End = std::to_chars(Start, Start + Buffer.size(), Whole).ptr;
+  const std::string_view Digits(Start, static_cast<std::size_t>(End - Start));
+  const auto NumDecimals = static_cast<std::size_t>(Decimals);
+  if (Value < 0.0 && Whole > 0) Target += '-';
+  if (Digits.size() <= NumDecimals) {
+    Target += NumDecimals > 0 ? "0." : "0";
+    Target.append(NumDecimals - Digits.size(), '0');
+    if (NumDecimals > 0) Target += Digits;
+    return;
+  }
+  Target += Digits.substr(0, Digits.size() - NumDecimals);
+  if (NumDecimals > 0) (Target += '.') += Digits.substr(Digits.size() - NumDecimals);
 }
 
 std::string FixedNumber(double Value, int Decimals) {

@@ -25,6 +25,12 @@ TextFile ReadTextFile(const std::string& Path);
 // The line with this index from 0; throws Failure naming What when the file ends before it.
 const std::string& TakeLine(const TextFile& File, std::size_t Line, const std::string& What);
 
+// Reading position: the file and the index of the next line.
+struct TextCursor {
+  TextFile File{};
+  std::size_t Line = 0;
+};
+
 // The tokens of a line, cut at blanks and tabs.
 std::vector<std::string_view> SplitTokens(std::string_view Text);
 
@@ -34,7 +40,7 @@ double NumberAt(const TextFile& File, std::size_t Line, std::string_view Token, 
 int WholeNumberAt(const TextFile& File, std::size_t Line, std::string_view Token, int Lowest, int Highest,
                   const std::string& What);
 
-// The value with this many decimals, never in exponent form, whatever the locale.
+// The value with this many decimals (0 to 9), never in exponent form, whatever the locale.
 std::string FixedNumber(double Value, int Decimals);
 // The same, appended to a text.
 void AppendFixedNumber(std::string& Target, double Value, int Decimals);

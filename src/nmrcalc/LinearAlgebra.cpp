@@ -1,6 +1,5 @@
 #include "nmrcalc/LinearAlgebra.h"
 
-#include <limits>
 #include <string>
 
 #include "basic/Failure.h"
@@ -12,20 +11,36 @@ void dgemm_(const char* LeftForm, const char* RightForm, const int* Rows, const 
             const double* Alpha, const double* Left, const int* LeftLeading, const double* Right,
             const int* RightLeading, const double* Beta, double* Target, const int* TargetLeading);
 // Only OpenBLAS has these; with another library they stay null.
-void openblas_set_num_threads(int Count) __attribute__((weak));
-int openblas_get_parallel(void) __attribute__((weak));
-int blas_thread_shutdown_(void) __attribute__((weak));
+#ifdef NMRCALC_OPENBLAS_ARCHIVE
+#define NMRCALC_OPTIONAL
+#else
+#define NMRCALC_OPTIONAL __attribute__((weak))
+#endif
+void openblas_set_num_threads(int Count) NMRCALC_OPTIONAL;
+int openblas_get_parallel(void) NMRCALC_OPTIONAL;
+int blas_thread_shutdown_(void) NMRCALC_OPTIONAL;
 }
 
 namespace nmrcalc {
 
-void UseOneLibraryThread() {
-  if (openblas_set_num_threads != nullptr) openblas_set_num_threads(1);
-  // The threads made at the start would spin for some hundredths of a second, on the cores that we need.
-  if (blas_thread_shutdown_ != nullptr) blas_thread_shutdown_();
+namespace {
+
+// A null function is one that the library does not have. Taken through a variable, since the compiler knows that a
+// function of an archive is never null and warns of the test.
+template <class Function>
+bool IsThere(Function* Entry) {
+  return Entry != nullptr;
 }
 
-bool LibraryTakesThreads() { return openblas_get_parallel != nullptr && openblas_get_parallel() != 0; }
+}  // namespace
+
+void UseOneLibraryThread() {
+  if (IsThere(openblas_set_num_threads)) openblas_set_num_threads(1);
+  // The threads made at the start would spin for some hundredths of a second, on the cores that we need.
+  if (IsThere(blas_thread_shutdown_)) blas_thread_shutdown_();
+}
+
+bool LibraryTakesThreads() { return IsThere(openblas_get_parallel) && openblas_get_parallel() != 0; }
 
 void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::vector<double>& Eigenvalues) {
   Eigenvalues.resize(Size);
@@ -35,7 +50,7 @@ void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::ve
     return;
   }
   const std::size_t Needed = 1 + 6 * Size + 2 * Size * Size;
-  if (Needed > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+  if (Size > LargestMatrix) {
     throw zelvanor::Failure("A block of " + std::to_string(Size) + " states is too large for the linear algebra");
   }
   const int Order = static_cast<int>(Size);

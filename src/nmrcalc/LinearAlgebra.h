@@ -14,6 +14,9 @@ void UseOneLibraryThread();
 // keep work arrays of their own between calls and then give wrong numbers without a word, and for unknown libraries.
 bool LibraryTakesThreads();
 
+// The largest matrix whose workspace the library can count, with its whole numbers of 32 bits.
+inline constexpr std::size_t LargestMatrix = 32766;
+
 // Eigenvalues (rising) of the symmetric Size x Size matrix; Matrix is replaced by the eigenvectors, one a column.
 // Divide and conquer, with a workspace of 2 Size^2 numbers. Throws Failure when it does not converge.
 void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::vector<double>& Eigenvalues);

@@ -2,52 +2,69 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
-#include <cstdint>
 #include <tuple>
 
 namespace nmrcalc {
 
+namespace {
+
+bool ComesBefore(const Line& A, const Line& B) {
+  return std::tie(A.Frequency, A.Intensity, A.Count) < std::tie(B.Frequency, B.Intensity, B.Count);
+}
+
+}  // namespace
+
+void SortLines(std::vector<Line>& Lines) {
+  if (!std::is_sorted(Lines.begin(), Lines.end(), ComesBefore)) std::sort(Lines.begin(), Lines.end(), ComesBefore);
+}
+
+void MergeSortedLines(std::vector<Line>& Target, const std::vector<Line>& Source) {
+  const auto Middle = static_cast<std::ptrdiff_t>(Target.size());
+  Target.insert(Target.end(), Source.begin(), Source.end());
+  std::inplace_merge(Target.begin(), Target.begin() + Middle, Target.end(), ComesBefore);
+}
+
 void SortAndMerge(std::vector<Line>& Lines, double Width) {
-  std::sort(Lines.begin(), Lines.end(), [](const Line& A, const Line& B) {
-    return std::tie(A.Frequency, A.Intensity, A.Count) < std::tie(B.Frequency, B.Intensity, B.Count);
-  });
+  SortLines(Lines);
   std::size_t Kept = 0;
   for (std::size_t Start = 0; Start < Lines.size();) {
     const double First = Lines[Start].Frequency;
     Line Merged;
     double Moment = 0.0;  // about the first line, so that no digits are lost to the carrier
+    double Mean = 0.0;
     std::size_t Next = Start;
-    for (; Next < Lines.size() && Lines[Next].Frequency - First < Width; ++Next) {
+    while (Next < Lines.size() && (Next == Start || Lines[Next].Frequency - First - Mean < Width)) {
       Merged.Intensity += Lines[Next].Intensity;
       Merged.Count += Lines[Next].Count;
       Moment += Lines[Next].Intensity * (Lines[Next].Frequency - First);
+      Mean = Merged.Intensity > 0.0 ? Moment / Merged.Intensity : 0.0;
+      ++Next;
     }
-    if (Next == Start) ++Next;  // only with a frequency that is no number
-    Merged.Frequency = Merged.Intensity > 0.0 ? First + Moment / Merged.Intensity : First;
+    Merged.Frequency = First + Mean;
     Lines[Kept++] = Merged;
     Start = Next;
   }
   Lines.resize(Kept);
 }
 
-void DropHopelessLines(std::vector<Line>& Lines, double MinimalIntensity, double Width) {
-  // Sums over cells of the merge width; cells far apart share a place, which only makes sums too large. A merged line
-  // spans two neighbouring cells at most.
+IntensityCells MakeCells(std::size_t ExpectedLines, double MinimalIntensity) {
   constexpr std::size_t FewestPlaces = 1024;
-  constexpr std::size_t MostPlaces = std::size_t{1} << 25;
-  constexpr double RoundingShare = 0.999;  // the sums are Singles
-  const std::size_t NumPlaces = std::clamp(std::bit_ceil(2 * Lines.size()), FewestPlaces, MostPlaces);
-  std::vector<float> Sums(NumPlaces);
-  const auto PlaceOf = [NumPlaces, Width](const Line& Item) {
-    return static_cast<std::size_t>(static_cast<std::int64_t>(std::floor(Item.Frequency / Width))) & (NumPlaces - 1);
-  };
-  for (const Line& Item : Lines) Sums[PlaceOf(Item)] += static_cast<float>(Item.Intensity);
+  constexpr std::size_t MostPlaces = std::size_t{1} << 26;
+  const std::size_t NumPlaces = std::bit_ceil(std::clamp(2 * ExpectedLines, FewestPlaces, MostPlaces));
+  return {std::vector<std::uint8_t>(NumPlaces), UnitsPerMinimum / std::max(MinimalIntensity, 1e-12)};
+}
+
+void MergeCells(IntensityCells& Target, const IntensityCells& Source) {
+  std::transform(Target.Counts.begin(), Target.Counts.end(), Source.Counts.begin(), Target.Counts.begin(),
+                 [](std::uint8_t A, std::uint8_t B) { return static_cast<std::uint8_t>(std::min(A + B, 255)); });
+}
+
+void DropHopelessLines(std::vector<Line>& Lines, const IntensityCells& Cells) {
+  const std::size_t Mask = Cells.Counts.size() - 1;
   std::erase_if(Lines, [&](const Line& Item) {
-    const std::size_t Place = PlaceOf(Item);
-    const double Sum = double(Sums[Place]) + double(Sums[(Place + 1) & (NumPlaces - 1)]) +
-                       double(Sums[(Place + NumPlaces - 1) & (NumPlaces - 1)]);
-    return Sum < RoundingShare * MinimalIntensity;
+    // A merged line is no wider than a cell, two merge widths, and lies in two neighbouring ones at most.
+    const std::size_t Place = CellOf(Cells, Item.Frequency);
+    return Cells.Counts[Place] + Cells.Counts[(Place + 1) & Mask] + Cells.Counts[(Place - 1) & Mask] < UnitsPerMinimum;
   });
 }
 

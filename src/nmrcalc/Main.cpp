@@ -1,9 +1,14 @@
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "nmrcalc/Command.h"
 
 int main(int ArgumentCount, char** ArgumentTexts) {
-  return nmrcalc::RunProgram(
-      std::vector<std::string>(ArgumentTexts + (ArgumentCount > 0 ? 1 : 0), ArgumentTexts + ArgumentCount));
+  const std::vector<std::string> Arguments(ArgumentTexts + (ArgumentCount > 0 ? 1 : 0), ArgumentTexts + ArgumentCount);
+  const int ExitCode = nmrcalc::RunProgram(Arguments);
+  // All files are closed. The libraries' leave-taking would take longer than a small spectrum.
+  std::fflush(nullptr);
+  std::_Exit(ExitCode);
 }

@@ -64,8 +64,10 @@ void FindRings(Molecule& System) {
       }
     }
   }
-  for (const auto& Ring : System.Rings) {
+  for (std::size_t Number = 0; Number < System.Rings.size(); ++Number) {
+    const auto& Ring = System.Rings[Number];
     for (const std::size_t Member : Ring) {
+      System.Atoms[Member].InRings.push_back(Number);
       int& Smallest = System.Atoms[Member].SmallestRing;
       const int Size = static_cast<int>(Ring.size());
       Smallest = Smallest == 0 ? Size : std::min(Smallest, Size);
@@ -161,10 +163,9 @@ int CountNeighbours(const Molecule& System, std::size_t Center, int AtomicNumber
 
 int SmallestRingOfBond(const Molecule& System, std::size_t First, std::size_t Second) {
   std::size_t Smallest = 0;
-  for (const auto& Ring : System.Rings) {
-    const auto Place = std::find(Ring.begin(), Ring.end(), First);
-    if (Place == Ring.end()) continue;
-    const auto Index = static_cast<std::size_t>(Place - Ring.begin());
+  for (const std::size_t Number : System.Atoms[First].InRings) {
+    const auto& Ring = System.Rings[Number];
+    const auto Index = static_cast<std::size_t>(std::find(Ring.begin(), Ring.end(), First) - Ring.begin());
     const bool Beside =
         Ring[(Index + 1) % Ring.size()] == Second || Ring[(Index + Ring.size() - 1) % Ring.size()] == Second;
     if (Beside && (Smallest == 0 || Ring.size() < Smallest)) Smallest = Ring.size();

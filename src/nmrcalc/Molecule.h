@@ -30,7 +30,8 @@ struct Atom {
   std::vector<Neighbour> Neighbours{};
   Hybrid State = Hybrid::Sp3;
   bool Aromatic = false;
-  int SmallestRing = 0;  // 0: in no ring of up to eight atoms
+  int SmallestRing = 0;                // 0: in no ring of up to eight atoms
+  std::vector<std::size_t> InRings{};  // indices into Molecule::Rings
 };
 
 struct Molecule {

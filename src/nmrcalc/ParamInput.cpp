@@ -20,16 +20,11 @@ struct SelectedAtom {
   std::size_t Line = 0;
 };
 
-struct Cursor {
-  TextFile File;
-  std::size_t Line = 0;
-};
-
-std::string_view TrimmedLine(const Cursor& Place, const std::string& What) {
+std::string_view TrimmedLine(const TextCursor& Place, const std::string& What) {
   return zelvanor::TrimWhite(TakeLine(Place.File, Place.Line, What));
 }
 
-bool ReadFlag(const Cursor& Place, std::string_view Value) {
+bool ReadFlag(const TextCursor& Place, std::string_view Value) {
   if (zelvanor::EqualsIgnoringCase(Value, "Yes")) return true;
   if (!zelvanor::EqualsIgnoringCase(Value, "No")) {
     FailAtLine(Place.File, Place.Line, "the option should be Yes or No, but is \"" + std::string(Value) + "\"");
@@ -38,7 +33,7 @@ bool ReadFlag(const Cursor& Place, std::string_view Value) {
 }
 
 // Options in any order and case. Those that steer a quantum-chemical calculation have no meaning here.
-void ReadOption(const Cursor& Place, std::string_view Text, ParamInput& Input) {
+void ReadOption(const TextCursor& Place, std::string_view Text, ParamInput& Input) {
   const std::size_t Equals = Text.find('=');
   if (Equals == std::string_view::npos) {
     FailAtLine(Place.File, Place.Line, "neither an option nor NMRSelectionBegin");
@@ -60,7 +55,7 @@ void ReadOption(const Cursor& Place, std::string_view Text, ParamInput& Input) {
 }
 
 // The block's count, lines "mol M atom A" and its last line; Place stands on the line behind the opening one.
-std::vector<SelectedAtom> ReadSelection(Cursor& Place, const std::string& Name) {
+std::vector<SelectedAtom> ReadSelection(TextCursor& Place, const std::string& Name) {
   const auto Count =
       static_cast<std::size_t>(WholeNumberAt(Place.File, Place.Line, TrimmedLine(Place, "the number of selected atoms"),
                                              0, LargestAtomCount, "the number of selected atoms"));
@@ -105,7 +100,8 @@ struct TextBond {
   std::size_t Line = 0;
 };
 
-void ReadAtom(const Cursor& Place, int MoleculeNumber, int InMolecule, Molecule& System, std::vector<TextBond>& Bonds) {
+void ReadAtom(const TextCursor& Place, int MoleculeNumber, int InMolecule, Molecule& System,
+              std::vector<TextBond>& Bonds) {
   const auto Tokens = SplitTokens(TakeLine(Place.File, Place.Line, "an atom"));
   constexpr std::size_t FirstNeighbour = 11;
   if (Tokens.size() < FirstNeighbour) FailAtLine(Place.File, Place.Line, "an atom has at least 11 tokens");
@@ -134,7 +130,7 @@ void ReadAtom(const Cursor& Place, int MoleculeNumber, int InMolecule, Molecule&
 
 using AtomIndex = std::map<std::pair<int, int>, std::size_t>;  // molecule, atom within it
 
-void ReadSystem(Cursor& Place, ParamInput& Input, AtomIndex& Index) {
+void ReadSystem(TextCursor& Place, ParamInput& Input, AtomIndex& Index) {
   const int Count = WholeNumberAt(Place.File, Place.Line, TrimmedLine(Place, "the number of atoms"), 1,
                                   LargestAtomCount, "the number of atoms");
   ++Place.Line;
@@ -172,7 +168,7 @@ void ReadSystem(Cursor& Place, ParamInput& Input, AtomIndex& Index) {
 }  // namespace
 
 ParamInput ReadParamInput(const std::string& Path) {
-  Cursor Place{.File = ReadTextFile(Path)};
+  TextCursor Place{.File = ReadTextFile(Path)};
   ParamInput Input;
   for (;; ++Place.Line) {
     const std::string_view Text = TrimmedLine(Place, "NMRSelectionBegin");
@@ -205,7 +201,7 @@ ParamInput ReadParamInput(const std::string& Path) {
 }
 
 int ReadLogLevel(const std::string& InputPath) {
-  Cursor Place{.File = ReadTextFile(InputPath)};
+  TextCursor Place{.File = ReadTextFile(InputPath)};
   ParamInput Input;
   for (; Place.Line < Place.File.Lines.size(); ++Place.Line) {
     const std::string_view Text = zelvanor::TrimWhite(Place.File.Lines[Place.Line]);

@@ -45,7 +45,7 @@ ShiftEstimate AliphaticShift(const TableFile& Tables, const Molecule& System, st
 
 // The class of a substituent on a double bond: alkyl groups are told apart by what they bear and by rings.
 std::string OlefinClass(const Molecule& System, std::size_t Group, std::size_t From) {
-  const std::string Class = SubstituentClass(System, Group, From);
+  std::string Class = SubstituentClass(System, Group, From);
   if (Class != "C") return Class;
   if (SmallestRingOfBond(System, Group, From) != 0) return "Cring";
   for (const Neighbour& Bond : System.Atoms[Group].Neighbours) {

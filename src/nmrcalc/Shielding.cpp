@@ -78,6 +78,7 @@ std::vector<RingPosition> WalkRing(const Molecule& System, const std::vector<std
 
 std::vector<std::string> SortedClasses(const std::vector<RingPosition>& Positions) {
   std::vector<std::string> Classes;
+  Classes.reserve(Positions.size());
   for (const RingPosition& Item : Positions) Classes.push_back(std::to_string(Item.Distance) + Item.Class);
   std::sort(Classes.begin(), Classes.end());
   return Classes;
@@ -87,9 +88,9 @@ std::vector<std::string> SortedClasses(const std::vector<RingPosition>& Position
 
 std::vector<RingPosition> WalkAromaticRing(const Molecule& System, std::size_t Center) {
   std::vector<RingPosition> Best;
-  for (const auto& Ring : System.Rings) {
+  for (const std::size_t Number : System.Atoms[Center].InRings) {
+    const auto& Ring = System.Rings[Number];
     if (Ring.size() != 5 && Ring.size() != 6) continue;
-    if (std::find(Ring.begin(), Ring.end(), Center) == Ring.end()) continue;
     if (!std::all_of(Ring.begin(), Ring.end(), [&](std::size_t Member) { return System.Atoms[Member].Aromatic; })) {
       continue;
     }

@@ -6,6 +6,7 @@
 #include "basic/Failure.h"
 #include "nmrcalc/Exact.h"
 #include "nmrcalc/InputText.h"
+#include "nmrcalc/LinearAlgebra.h"
 #include "nmrcalc/SpinSystem.h"
 #include "nmrcalc/Weak.h"
 
@@ -13,7 +14,6 @@ namespace nmrcalc {
 
 namespace {
 
-constexpr double LargestChoiceCount = 1048576.0;
 constexpr double Mebibyte = 1024.0 * 1024.0;
 constexpr double OperationsPerSecond = 4e10;             // one core with a tuned library
 constexpr double LargestDegeneracyShown = 2147483647.0;  // readers hold it in 32 bits
@@ -34,6 +34,10 @@ void CheckPartSize(const SpinPart& Part) {
 }
 
 void CheckCost(const SpinPart& Part, const ExactCost& Cost, double FreeBytes) {
+  if (Cost.LargestBlock > double(LargestMatrix) || !std::isfinite(Cost.Bytes)) {
+    RefusePart(Part, "has a largest block of " + Count(Cost.LargestBlock) + " states, beyond the " +
+                         std::to_string(LargestMatrix) + " that can be diagonalised");
+  }
   if (Cost.Bytes <= FreeBytes) return;
   RefusePart(Part, "has a largest block of " + Count(Cost.LargestBlock) + " states and needs " +
                        Count(std::ceil(Cost.Bytes / Mebibyte)) + " MiB, of which " + Count(FreeBytes / Mebibyte) +
@@ -42,8 +46,6 @@ void CheckCost(const SpinPart& Part, const ExactCost& Cost, double FreeBytes) {
 
 std::vector<Line> SimulatePartExactly(const SpectrumInput& Input, const SpinPart& Part, double FreeBytes, Log& Report) {
   CheckCost(Part, EstimateExactCost({LargestSystem(Input, Part)}), FreeBytes);
-  const double Choices = CountSpinChoices(Input, Part);
-  if (Choices > LargestChoiceCount) RefusePart(Part, "splits into " + Count(Choices) + " total-spin systems");
   const std::vector<SpinSystem> Systems = ReducePart(Input, Part);
   const ExactCost Cost = EstimateExactCost(Systems);
   AddToLog(Report, 1,
@@ -51,7 +53,8 @@ std::vector<Line> SimulatePartExactly(const SpectrumInput& Input, const SpinPart
                Count(Cost.LargestBlock) + " states, " + FixedNumber(Cost.Bytes / Mebibyte, 1) + " MiB, about " +
                FixedNumber(Cost.Operations / OperationsPerSecond, 2) + " s on one core");
   CheckCost(Part, Cost, FreeBytes);
-  ExactLimits Limits{.Bytes = FreeBytes, .FaintestIntensity = FaintestTransition};
+  if (Cost.Operations > OperationsPerSecond) WriteLog(Report);  // so that one can see what it is busy with
+  ExactLimits Limits{.Bytes = FreeBytes, .MinimalIntensity = Input.MinimalIntensity};
   Limits.FaintestIntensity = std::clamp(1e-6 * Input.MinimalIntensity, FaintestTransition, 1e-7);
   double NearestFar = 0.0;
   for (const SpinSite& Site : Input.Sites) {
@@ -82,7 +85,6 @@ std::vector<Line> SimulateSpectrum(const SpectrumInput& Input, double FreeBytes,
                  " sites, first site " + std::to_string(Part.Sites[0] + 1));
     std::vector<Line> Lines =
         Input.WeakCoupling ? SimulateWeak(Input, Part) : SimulatePartExactly(Input, Part, FreeBytes, Report);
-    DropHopelessLines(Lines, Input.MinimalIntensity, MergeWidth);
     SortAndMerge(Lines, MergeWidth);
     DropFaintLines(Lines, std::max(Input.MinimalIntensity, FaintestTransition));
     AddToLog(Report, 1, "  " + std::to_string(Lines.size()) + " lines");

@@ -12,28 +12,23 @@ namespace {
 
 constexpr int LargestDegeneracy = 100;
 constexpr int LargestSiteCount = 10000;
+constexpr double LargestFrequency = 1e14;  // Hz
 constexpr double OutOfRangeRatio = 5000.0;
 
-// Reading position: the file and the index of the next line.
-struct Cursor {
-  TextFile File;
-  std::size_t Line = 0;
-};
-
-const std::string& NextLine(Cursor& Place, const std::string& What) {
+const std::string& NextLine(TextCursor& Place, const std::string& What) {
   const std::string& Text = TakeLine(Place.File, Place.Line, What);
   ++Place.Line;
   return Text;
 }
 
-void ReadKeyword(Cursor& Place, const std::string& Keyword) {
+void ReadKeyword(TextCursor& Place, const std::string& Keyword) {
   const std::string& Text = NextLine(Place, "the line " + Keyword);
   if (!zelvanor::EqualsIgnoringCase(zelvanor::TrimWhite(Text), Keyword)) {
     FailAtLine(Place.File, Place.Line - 1, "the line should read " + Keyword);
   }
 }
 
-std::vector<std::string_view> ReadRow(Cursor& Place, std::size_t Count, const std::string& What) {
+std::vector<std::string_view> ReadRow(TextCursor& Place, std::size_t Count, const std::string& What) {
   std::vector<std::string_view> Tokens = SplitTokens(NextLine(Place, What));
   if (Tokens.size() != Count) {
     FailAtLine(
@@ -43,12 +38,12 @@ std::vector<std::string_view> ReadRow(Cursor& Place, std::size_t Count, const st
   return Tokens;
 }
 
-double ReadSingleNumber(Cursor& Place, const std::string& What) {
+double ReadSingleNumber(TextCursor& Place, const std::string& What) {
   const std::string_view Token = ReadRow(Place, 1, What)[0];
   return NumberAt(Place.File, Place.Line - 1, Token, What);
 }
 
-void ReadSites(Cursor& Place, SpectrumInput& Input) {
+void ReadSites(TextCursor& Place, SpectrumInput& Input) {
   const std::string_view CountToken = ReadRow(Place, 1, "the number of sites")[0];
   const auto NumSites = static_cast<std::size_t>(
       WholeNumberAt(Place.File, Place.Line - 1, CountToken, 0, LargestSiteCount, "the number of sites"));
@@ -63,7 +58,7 @@ void ReadSites(Cursor& Place, SpectrumInput& Input) {
   }
 }
 
-void ReadCouplings(Cursor& Place, SpectrumInput& Input) {
+void ReadCouplings(TextCursor& Place, SpectrumInput& Input) {
   const std::size_t NumSites = Input.Sites.size();
   std::vector<double> Raw(NumSites * NumSites);
   for (std::size_t Row = 0; Row < NumSites; ++Row) {
@@ -85,6 +80,7 @@ void ReadCouplings(Cursor& Place, SpectrumInput& Input) {
 
 void FindObservedSites(SpectrumInput& Input) {
   std::vector<double> Magnitudes;
+  Magnitudes.reserve(Input.Sites.size());
   for (const SpinSite& Site : Input.Sites) Magnitudes.push_back(std::fabs(Site.Shift));
   std::sort(Magnitudes.begin(), Magnitudes.end());
   double Limit = Magnitudes.back() + 1.0;
@@ -103,7 +99,7 @@ void FindObservedSites(SpectrumInput& Input) {
 }
 
 SpectrumInput ReadSpectrumInput(const std::string& Path) {
-  Cursor Place{.File = ReadTextFile(Path)};
+  TextCursor Place{.File = ReadTextFile(Path)};
   SpectrumInput Input;
   NextLine(Place, "the description");
   ReadSites(Place, Input);
@@ -113,6 +109,11 @@ SpectrumInput ReadSpectrumInput(const std::string& Path) {
   const auto Shifts = ReadRow(Place, Input.Sites.size(), "the chemical shifts");
   for (std::size_t Site = 0; Site < Input.Sites.size(); ++Site) {
     Input.Sites[Site].Shift = NumberAt(Place.File, Place.Line - 1, Shifts[Site], "a chemical shift");
+  }
+  for (const SpinSite& Site : Input.Sites) {
+    if (std::fabs(Site.Shift * Input.Field) > LargestFrequency) {
+      FailAtLine(Place.File, Place.Line - 1, "a chemical shift times the spectrometer frequency is out of range");
+    }
   }
   ReadKeyword(Place, "COUPLING");
   ReadCouplings(Place, Input);

@@ -114,14 +114,9 @@ double Multiplicity(int Degeneracy, int TwiceSpin) {
   return Binomial(Degeneracy, Lowered) - Binomial(Degeneracy, Lowered - 1);
 }
 
-double CountSpinChoices(const SpectrumInput& Input, const SpinPart& Part) {
-  double Choices = 1.0;
-  for (const std::size_t Site : Part.Sites) Choices *= Input.Sites[Site].Degeneracy / 2 + 1;
-  return Choices;
-}
-
 SpinSystem LargestSystem(const SpectrumInput& Input, const SpinPart& Part) {
   SpinList Spins;
+  Spins.reserve(Part.Sites.size());
   for (const std::size_t Site : Part.Sites) Spins.emplace_back(Site, Input.Sites[Site].Degeneracy);
   return MakeSystem(Input, Spins);
 }
@@ -129,6 +124,7 @@ SpinSystem LargestSystem(const SpectrumInput& Input, const SpinPart& Part) {
 std::vector<SpinSystem> ReducePart(const SpectrumInput& Input, const SpinPart& Part) {
   std::map<SpinList, SpinSystem> Systems;
   std::vector<int> Choice;
+  Choice.reserve(Part.Sites.size());
   for (const std::size_t Site : Part.Sites) Choice.push_back(Input.Sites[Site].Degeneracy);
   do {
     AddSystems(Input, Part, Choice, Systems);

@@ -39,9 +39,6 @@ std::vector<SpinPart> FindParts(const SpectrumInput& Input);
 // How often the total spin TwiceSpin/2 occurs among Degeneracy spins 1/2.
 double Multiplicity(int Degeneracy, int TwiceSpin);
 
-// The number of choices of total spins in the part, as a Double since it may be huge.
-double CountSpinChoices(const SpectrumInput& Input, const SpinPart& Part);
-
 // The system of a part with the largest total spin in every site; none of the others has a larger block.
 SpinSystem LargestSystem(const SpectrumInput& Input, const SpinPart& Part);
 

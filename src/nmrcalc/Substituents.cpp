@@ -11,7 +11,7 @@ namespace nmrcalc {
 namespace {
 
 // What stands in for a class that a table does not list.
-constexpr std::array<std::pair<const char*, const char*>, 17> Relatives = {{{"OAr", "OR"},
+constexpr std::array<std::pair<const char*, const char*>, 18> Relatives = {{{"OAr", "OR"},
                                                                             {"OCOR", "OR"},
                                                                             {"OR", "OH"},
                                                                             {"NCO", "N"},
@@ -27,6 +27,7 @@ constexpr std::array<std::pair<const char*, const char*>, 17> Relatives = {{{"OA
                                                                             {"SO", "S"},
                                                                             {"Cring", "C"},
                                                                             {"CX", "C"},
+                                                                            {"OP", "OR"},
                                                                             {"ringNH", "ringN"}}};
 
 // Pauling scale: A. L. Allred, J. Inorg. Nucl. Chem. 17 (1961) 215.
@@ -60,6 +61,7 @@ std::string OxygenClass(const Molecule& System, std::size_t Group, std::size_t F
     if (Other.Atom == From || System.Atoms[Other.Atom].AtomicNumber == 1) continue;
     Class = "OR";
     if (System.Atoms[Other.Atom].Aromatic) Class = "OAr";
+    if (System.Atoms[Other.Atom].AtomicNumber == 15) Class = "OP";
     if (IsCarbonyl(System, Other.Atom)) Class = "OCOR";
   }
   return Class;

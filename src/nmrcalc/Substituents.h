@@ -11,7 +11,7 @@ namespace nmrcalc {
 
 // Substituents as the increment tables name them, and the kinds of atoms as the coupling tables name them.
 //
-//   H  C (alkyl)  C=C  C#C  Ar  F Cl Br I  OH OR OAr OCOR  N NCO N= N+ NO2  CN  CHO COR COOH COOR CON COX  C=N
+//   H  C (alkyl)  C=C  C#C  Ar  F Cl Br I  OH OR OAr OCOR OP  N NCO N= N+ NO2  CN  CHO COR COOH COOR CON COX  C=N
 //   S SO SO2  P  Si  =O  and * for everything else
 
 // The class of the group that begins with Group, seen from the atom From that carries it.

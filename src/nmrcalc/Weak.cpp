@@ -39,6 +39,11 @@ void SplitByOneSpin(std::vector<Line>& Lines, double J, std::vector<Line>& Copie
   Lines.swap(Target);
 }
 
+[[noreturn]] void RefuseLines(const std::string& What, std::size_t Limit) {
+  throw zelvanor::Failure(What + " has more than " + std::to_string(Limit) +
+                          " lines even in first order; leave out the smallest couplings or select fewer atoms");
+}
+
 // Transitions of n equivalent spins 1/2 by themselves.
 double CountOwnTransitions(int Degeneracy) {
   double Count = 0.0;
@@ -67,17 +72,15 @@ std::vector<Line> SimulateWeak(const SpectrumInput& Input, const SpinPart& Part)
         continue;
       }
       for (int Spin = 0; Spin < Degeneracy; ++Spin) SplitByOneSpin(Lines, Input.J(Site, Other), Copies, Target);
-      if (Lines.size() > LargestLineCount) {
-        throw zelvanor::Failure("Site " + std::to_string(Site + 1) + " has more than " +
-                                std::to_string(LargestLineCount) +
-                                " lines even in first order; leave out the smallest couplings or some atoms");
-      }
+      if (Lines.size() > LargestLineCount) RefuseLines("Site " + std::to_string(Site + 1), LargestLineCount);
     }
     for (Line& Item : Lines) {
       Item.Intensity *= Uncoupled;
       Item.Count *= Uncoupled;
     }
     All.insert(All.end(), Lines.begin(), Lines.end());
+    if (All.size() > 4 * LargestLineCount)
+      RefuseLines("The part of site " + std::to_string(Site + 1), 4 * LargestLineCount);
   }
   return All;
 }

@@ -176,16 +176,6 @@ struct StatusLine : Control {
   Text Value;
 };
 
-// The render control as the frame needs it: a place in the window that is shown or hidden.
-struct RenderControl : Control {
-  RenderControl(Form* Owner, Text Name) : Control(ControlKind::RenderControl, Owner, std::move(Name)) {}
-};
-
-// A grid as the frame needs it: a place in the window that is shown or hidden.
-struct GridControl : Control {
-  GridControl(Form* Owner, Text Name) : Control(ControlKind::Grid, Owner, std::move(Name)) {}
-};
-
 void SetEnabled(Control& Target, Flag Enabled);
 void SetVisible(Control& Target, Flag Visible);
 void SetCaption(Control& Target, TextView Caption);

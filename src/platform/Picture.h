@@ -20,6 +20,16 @@ struct PictureText {
   Colour Pen = 0;
 };
 
+// A rectangle that a drag stretches, in pixels. A front end draws it over the picture after each mouse event.
+struct RubberBand {
+  bool Shown = false;
+  bool Filled = false;  // a filled stripe of the surface's whole height, not an outline
+  int X1 = 0;
+  int Y1 = 0;
+  int X2 = 0;
+  int Y2 = 0;
+};
+
 // A surface that records what is drawn on it, in pixels from its top left corner; a front end replays the record on
 // the screen and into files. Mouse positions come in twips.
 struct PictureSurface : Control {
@@ -30,6 +40,8 @@ struct PictureSurface : Control {
   Colour BackColor = Black;
   std::vector<PictureLine> Lines;
   std::vector<PictureText> Texts;
+  RubberBand Band;
+  Text Description;  // what is read out of the picture, for those who hear it
   MouseEvent MouseDown;
   MouseEvent MouseMove;
   MouseEvent MouseUp;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "basic/Types.h"
+#include "platform/Chart.h"
 #include "platform/Controls.h"
 
 namespace zelvanor {
@@ -49,11 +50,20 @@ inline constexpr Long StillActive = 259;
 // The number of the failure "no application answers" when a host conversation is opened.
 inline constexpr int NoApplicationAnswers = 282;
 
+// The longest that a conversation waits for one answer.
+inline constexpr Long LongestWait = 65535;  // tenths of a second
+
+// A conversation with another program: it carries out commands and answers items. Each call blocks until it is answered
+// and throws a Failure when the other program refuses, is gone or lets LinkTimeout pass.
 struct HostConversation {
-  std::function<void(const Text& Topic)> Open;  // throws a Failure; number 282: no application answers
+  std::function<void(const Text& Topic)> Open;  // "APPLICATION|TOPIC"; number 282: no application answers
   std::function<void()> Close;
   std::function<void(const Text& Command)> Execute;
   std::function<Text(const Text& Item)> Request;
+  Long LinkTimeout = -1;  // tenths of a second; -1 is LongestWait
+  // Lets other programs open conversations on the main window from now on. Each one asks LinkOpen, which may set
+  // Cancel.
+  std::function<void(std::function<void(Flag& Cancel)> LinkOpen)> Accept;
 };
 
 struct PlatformServices {
@@ -68,6 +78,7 @@ struct PlatformServices {
   std::function<void(const Text& File, HelpCommand Command)> ShowHelp;
   std::function<Text()> GetClipboard;
   std::function<void(const Text& Value)> SetClipboard;
+  std::function<void(const ChartControl& Chart)> SetClipboardPicture;  // as it is drawn
 
   std::function<Text()> DecimalSeparator;   // of the regional settings
   std::function<bool()> OtherInstanceRuns;  // takes the instance lock as well

@@ -37,6 +37,9 @@ constexpr MakerRow Makers[] = {
     {ControlKind::ScrollBar, MakeScrollBar},
     {ControlKind::SpinButton, MakeSpinButton},
     {ControlKind::PictureSurface, MakePictureSurface},
+    {ControlKind::Grid, MakeGrid},
+    {ControlKind::Chart, MakeChart},
+    {ControlKind::RenderControl, MakeRenderControl},
     {ControlKind::ToolButton, MakeToolButton},
     {ControlKind::StatusLine, MakeStatusLine},
 };

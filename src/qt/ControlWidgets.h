@@ -38,6 +38,9 @@ QWidget* MakeComboBox(Control& Target, QWidget* Parent);
 QWidget* MakeScrollBar(Control& Target, QWidget* Parent);
 QWidget* MakeSpinButton(Control& Target, QWidget* Parent);
 QWidget* MakePictureSurface(Control& Target, QWidget* Parent);
+QWidget* MakeGrid(Control& Target, QWidget* Parent);
+QWidget* MakeChart(Control& Target, QWidget* Parent);
+QWidget* MakeRenderControl(Control& Target, QWidget* Parent);
 QWidget* MakeToolButton(Control& Target, QWidget* Parent);
 QWidget* MakeStatusLine(Control& Target, QWidget* Parent);
 

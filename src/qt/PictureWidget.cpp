@@ -9,6 +9,7 @@
 #include "platform/Picture.h"
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
+#include "qt/MouseCodes.h"
 #include "qt/PictureReplay.h"
 #include "qt/TextConversion.h"
 
@@ -16,21 +17,27 @@ namespace zelvanor {
 
 namespace {
 
-// The program takes mouse places in 16 bits; a place farther out counts as the farthest one.
-constexpr int FarthestTwips = 32767;
+Single TwipsOf(qreal Pixels) { return static_cast<Single>(TwipsFromPixels(static_cast<int>(std::floor(Pixels)))); }
 
-Single TwipsOf(qreal Pixels) {
-  const int Whole = static_cast<int>(std::floor(Pixels));
-  return static_cast<Single>(std::clamp(TwipsFromPixels(Whole), -FarthestTwips, FarthestTwips));
-}
-
-int ButtonCode(Qt::MouseButtons Buttons) {
-  return (Buttons & Qt::LeftButton ? LeftButton : 0) | (Buttons & Qt::RightButton ? RightButton : 0) |
-         (Buttons & Qt::MiddleButton ? MiddleButton : 0);
-}
-
-int ShiftCode(Qt::KeyboardModifiers Keys) {
-  return (Keys & Qt::ShiftModifier ? ShiftKey : 0) | (Keys & Qt::ControlModifier ? CtrlKey : 0);
+// The band of a drag: a range to zoom to is framed, one to integrate is a stripe over the whole height with marks at
+// its ends. Both in light and dark, so that they stand out on every picture.
+void PaintBand(QPainter& Painter, const RubberBand& Band, int Height) {
+  if (!Band.Shown) return;
+  const int Left = std::min(Band.X1, Band.X2);
+  const int Right = std::max(Band.X1, Band.X2);
+  if (Band.Filled) {
+    const QColor Stripe(80, 160, 255);
+    Painter.fillRect(QRect(QPoint(Left, 0), QPoint(Right, Height - 1)), QColor(80, 160, 255, 70));
+    Painter.setPen(QPen(Stripe, 1));
+    Painter.drawLine(Left, 0, Left, Height - 1);
+    Painter.drawLine(Right, 0, Right, Height - 1);
+    return;
+  }
+  const QRect Frame(QPoint(Left, std::min(Band.Y1, Band.Y2)), QPoint(Right, std::max(Band.Y1, Band.Y2)));
+  Painter.setPen(Qt::black);
+  Painter.drawRect(Frame);
+  Painter.setPen(QPen(Qt::white, 1, Qt::DashLine));
+  Painter.drawRect(Frame);
 }
 
 // Replays the record of its surface and keeps the picture until the record changes.
@@ -58,6 +65,12 @@ class PictureView : public QWidget {
     }
     QPainter Painter(this);
     Painter.drawImage(0, 0, Picture);
+    PaintBand(Painter, Surface.Band, height());
+    if (!IsOfMainForm()) {
+      // A colour of the dialog's own would have no end.
+      Painter.setPen(palette().color(QPalette::Mid));
+      Painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
     if (ShowsFocus) {
       Painter.setPen(palette().color(QPalette::Highlight));
       Painter.drawRect(rect().adjusted(0, 0, -1, -1));
@@ -66,7 +79,7 @@ class PictureView : public QWidget {
 
   // A control of a dialog takes the size that the layout gives it.
   void resizeEvent(QResizeEvent*) override {
-    if (Surface.Owner == nullptr || Surface.Owner->Name == MainFormName) return;
+    if (IsOfMainForm()) return;
     Surface.Width = TwipsFromPixels(width());
     Surface.Height = TwipsFromPixels(height());
   }
@@ -89,8 +102,13 @@ class PictureView : public QWidget {
     if (!Handler || !MayAct(Surface)) return;
     const int Shift = ShiftCode(Mouse.modifiers());
     const QPointF Place = Mouse.position();
+    const bool BandWas = Surface.Band.Shown;
     Dispatch([&] { Handler(ButtonCode(Buttons), Shift, TwipsOf(Place.x()), TwipsOf(Place.y())); });
+    if (BandWas || Surface.Band.Shown) update();
+    setAccessibleDescription(ToQt(Surface.Description));
   }
+
+  bool IsOfMainForm() const { return Surface.Owner == nullptr || Surface.Owner->Name == MainFormName; }
 
   PictureSurface& Surface;
   QImage Picture;

@@ -8,6 +8,7 @@
 #include "platform/Services.h"
 #include "platform/posix/PosixServices.h"
 #include "qt/Boxes.h"
+#include "qt/ChartView.h"
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
 #include "qt/FormBuilder.h"
@@ -49,6 +50,9 @@ void UseQtServices() {
   Platform.ShowHelp = ShowHelpWindow;
   Platform.GetClipboard = [] { return FromQt(QGuiApplication::clipboard()->text()); };
   Platform.SetClipboard = [](const Text& Value) { QGuiApplication::clipboard()->setText(ToQt(Value)); };
+  Platform.SetClipboardPicture = [](const ChartControl& Chart) {
+    QGuiApplication::clipboard()->setImage(ChartImage(Chart));
+  };
 }
 
 }  // namespace zelvanor

@@ -5,6 +5,7 @@
 #include "program.h"
 #include "qt/Boxes.h"
 #include "qt/Dispatch.h"
+#include "qt/HostLink.h"
 #include "qt/MainWindow.h"
 #include "qt/QtServices.h"
 #include "qt/TextConversion.h"
@@ -44,6 +45,7 @@ void OpenAtStart(const Text& Path) {
 
 int Run(const Text& CommandLine, const Text& Document) {
   UseQtServices();
+  UseHostLink();
   BuildProgram();
   const auto Window = MakeMainWindow();
   Dispatch([&] { Form_Load(CommandLine); });

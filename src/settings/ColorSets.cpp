@@ -117,7 +117,7 @@ void SelectRadiusSet(int Index) {
 Text GetColorSetName(int Index) { return NameOf(S.ColorSetName, Index); }
 Text GetRadiusSetName(int Index) { return NameOf(S.RadiusSetName, Index); }
 
-std::optional<Colour> ColorFromText(TextView Value) {
+std::optional<Colour> ReadColour(TextView Value) {
   try {
     TextView Rest = Value;
     if (const std::size_t Open = Rest.find('('); Open != TextView::npos) Rest.remove_prefix(Open + 1);
@@ -126,9 +126,14 @@ std::optional<Colour> ColorFromText(TextView Value) {
     const Integer Blue = TakeComponent(Rest, ')');
     return ToLong(int(Red) + 256.0 * int(Green) + 65536.0 * int(Blue));
   } catch (const Failure&) {
-    ShowError(Join("Bad color specification: ", Quoted(Value)));
     return {};
   }
+}
+
+std::optional<Colour> ColorFromText(TextView Value) {
+  const std::optional<Colour> Read = ReadColour(Value);
+  if (!Read) ShowError(Join("Bad color specification: ", Quoted(Value)));
+  return Read;
 }
 
 Text TextFromColor(Colour Value) {

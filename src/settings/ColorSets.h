@@ -22,6 +22,8 @@ Text GetRadiusSetName(int Index);
 // "RGB(red,green,blue)", blanks round the numbers allowed; a text that is none is reported and gives no value. The
 // numbers are not held to 255.
 std::optional<Colour> ColorFromText(TextView Value);
+// The same without a report.
+std::optional<Colour> ReadColour(TextView Value);
 Text TextFromColor(Colour Value);
 
 inline constexpr Colour FallbackAtomColor = Rgb(192, 192, 192);

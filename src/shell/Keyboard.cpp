@@ -11,7 +11,10 @@ void Form_KeyDown(int& KeyCode, int Shift) {
   constexpr int DownArrow = 40;
   constexpr int TurnStep = 7;  // degrees
   if (Workspace.ViewMode != MoleculeView || KeyCode < Space || KeyCode > DownArrow) return;
-  if (KeyCode == Space) ShowStatus("Scale to fit the molecule on the screen.");
+  if (KeyCode == Space) {
+    ShowStatus("Scale to fit the molecule on the screen.");
+    IgnoreFailure(Rooms.FitMolecule);
+  }
   const bool Turns = (Shift & ShiftKey) == 0 && Rooms.TurnMolecule;
   if (KeyCode == End && Turns) Rooms.TurnMolecule(TurnStep);
   if (KeyCode == Home && Turns) Rooms.TurnMolecule(-TurnStep);

@@ -4,7 +4,9 @@
 
 #include "basic/Array.h"
 #include "platform/Form.h"
+#include "platform/Grid.h"
 #include "platform/Picture.h"
+#include "platform/Render.h"
 
 namespace zelvanor {
 

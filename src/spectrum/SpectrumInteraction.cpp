@@ -26,6 +26,11 @@ constexpr Double LeastZoomPpm = 0.001;
 
 bool IsPickedInList() { return V.PickedPeak >= 0 && V.PickedPeak < V.ListPeakCount; }
 
+void ShowReadout(const Text& Value) {
+  Main.Spectrum1.Description = Value;
+  ShowStatus(Value);
+}
+
 void RepeatReadout() {
   if (IsPickedInList()) {
     ShowPeakReadout(V.PickedPeak);
@@ -66,26 +71,52 @@ void SpreadLineWidth() {
   }
 }
 
+bool IsDrag(Long X) { return LeastDragPixels * TwipsPerPixelX <= std::fabs(Double(V.BandStartX) - X); }
+
+// The band as the front end draws it over the picture; a drag that is still a pick shows none.
+void ShowBand() {
+  RubberBand& Band = Main.Spectrum1.Band;
+  Band.Shown = IsSet(V.BandActive) && IsDrag(V.BandEndX);
+  Band.Filled = IsSet(V.BandIntegrates);
+  Band.X1 = V.BandStartX / TwipsPerPixelX;
+  Band.Y1 = V.BandStartY / TwipsPerPixelY;
+  Band.X2 = V.BandEndX / TwipsPerPixelX;
+  Band.Y2 = V.BandEndY / TwipsPerPixelY;
+}
+
+// The inverse of FGetPeakRX, panning included; Hz in the view's sign.
+Double FrequencyAtColumn(Long Pixel) {
+  return Divide((Pixel + V.HorizontalOffset * V.HorizontalScale) * GetHighLow(), int(V.ViewWidth)) + V.ViewLow;
+}
+
+void IntegrateBand(Long From, Long To) {
+  const auto Readout = [](Long Twips) { return ToSingle(-FrequencyAtColumn(ToLong(Double(Twips) / TwipsPerPixelX))); };
+  IntegrateRange(Readout(From), Readout(To));
+}
+
 void EndDrag(Single X) {
   const Long Place = ToLong(X);
-  const Double Distance = std::fabs(Double(V.BandStartX) - Place);
-  if (LeastDragPixels * TwipsPerPixelX <= Distance) {
-    Long Low = std::min(V.BandStartX, Place);
-    Long High = std::max(V.BandStartX, Place);
+  Long Low = std::min(V.BandStartX, Place);
+  Long High = std::max(V.BandStartX, Place);
+  if (!IsDrag(Place)) {
+    if (FPickPeak(Place)) RefreshView();
+  } else if (IsSet(V.BandIntegrates)) {
+    IntegrateBand(Low, High);
+  } else {
     ZoomIn(Low, High);
-  } else if (FPickPeak(Place)) {
-    RefreshView();
   }
 }
 
 }  // namespace
 
-void Spectrum1_MouseDown(int Button, int /*Shift*/, Single X, Single Y) {
+void Spectrum1_MouseDown(int Button, int Shift, Single X, Single Y) {
   if (Button != LeftButton) return ResetView();
-  IgnoreFailure([X, Y] {
+  IgnoreFailure([=] {
     V.BandStartX = V.BandEndX = ToLong(X);
     V.BandStartY = V.BandEndY = ToLong(Y);
     V.BandActive = True;
+    V.BandIntegrates = ToFlag((Shift & ShiftKey) != 0);
+    ShowBand();
   });
 }
 
@@ -94,6 +125,7 @@ void Spectrum1_MouseMove(int /*Button*/, int /*Shift*/, Single X, Single Y) {
   IgnoreFailure([X, Y] {
     V.BandEndX = ToLong(X);
     V.BandEndY = ToLong(Y);
+    ShowBand();
   });
 }
 
@@ -101,6 +133,7 @@ void Spectrum1_MouseUp(int /*Button*/, int /*Shift*/, Single X, Single /*Y*/) {
   if (!IsSet(V.BandActive)) return;
   IgnoreFailure([X] { EndDrag(X); });
   V.BandActive = False;
+  ShowBand();
 }
 
 void HScroll1_Change() {
@@ -131,7 +164,7 @@ void ZoomIn(Long& Low, Long& High) {
     return Divide(Pixel + Double(V.HorizontalOffset), V.HorizontalScale) + V.ViewLow;
   };
   const Double Width = FrequencyAt(High) - FrequencyAt(Low);
-  if (std::fabs(V.SpectrometerMHz * LeastZoomPpm) <= Width) V.HorizontalScale = int(V.ViewWidth) / Width;
+  if (std::fabs(V.SpectrometerMHz * LeastZoomPpm) <= Width) V.HorizontalScale = Divide(int(V.ViewWidth), Width);
   const Double Step = Divide(GetHighLow(), int(V.ViewWidth));
   const Double NewLow = Step * Low + V.ViewLow;
   const Double NewHigh = Step * High + V.ViewLow;
@@ -177,13 +210,29 @@ bool FPickPeak(Long X) {
 void ShowPeakReadout(Long Peak) {
   if (Peak < 0) {
     V.PickedPeak = -1;
-    return ShowStatus("");
+    return ShowReadout("");
   }
   V.PickedPeak = Peak;
   const Single Frequency = W.PeakFrequency[Peak] == 0.0F ? 0.0F : -W.PeakFrequency[Peak];
   const Single Shift = ToSingle(Divide(Frequency, W.NMRFrequency));
-  ShowStatus(Join("Shift=", FormatNumber(Shift, "######.000"), " ppm", "  Freq=", Frequency, " Hz  Inten=",
+  ShowReadout(Join("Shift=", FormatNumber(Shift, "######.000"), " ppm", "  Freq=", Frequency, " Hz  Inten=",
                   W.PeakIntensity[Peak], "  Degen=", W.PeakDegeneracy[Peak], "  Width=", W.PeakLineWidth[Peak]));
+}
+
+void DRBandHwnd(Long X1, Long Y1, Long X2, Long Y2) {
+  RefreshView();
+  const int Left = X1 / TwipsPerPixelX;
+  const int Top = Y1 / TwipsPerPixelY;
+  const int Right = X2 / TwipsPerPixelX;
+  const int Bottom = Y2 / TwipsPerPixelY;
+  DrawingContext Context = GetDC(Main.Spectrum1);
+  SelectPen(Context, White);
+  MoveTo(Context, Left, Top);
+  LineTo(Context, Right, Top);
+  LineTo(Context, Right, Bottom);
+  LineTo(Context, Left, Bottom);
+  LineTo(Context, Left, Top);
+  ReleaseDC(Context);
 }
 
 void IntegrateRange(Single Low, Single High) {
@@ -197,7 +246,7 @@ void IntegrateRange(Single Low, Single High) {
   std::transform(Name.begin(), Name.end(), Name.begin(),
                  [](char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C - 'A' + 'a') : C; });
   const auto Ppm = [](Single Frequency) { return FormatNumber(Divide(-Double{Frequency}, W.NMRFrequency), "0.000"); };
-  ShowStatus(Join("Integrated intensity from ", Ppm(Low), " to ", Ppm(High), " ppm equivalent to ",
+  ShowReadout(Join("Integrated intensity from ", Ppm(Low), " to ", Ppm(High), " ppm equivalent to ",
                   FormatNumber(Equivalent, "0.0"), " ", Name, "(s)."));
 }
 

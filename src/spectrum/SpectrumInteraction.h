@@ -4,7 +4,8 @@
 
 namespace zelvanor {
 
-// The spectrum by hand. Mouse positions are in twips of the surface.
+// The spectrum by hand. Mouse positions are in twips of the surface. A drag with the left button zooms, with Shift it
+// integrates; a click picks a peak; any other button shows the whole spectrum again.
 void Spectrum1_MouseDown(int Button, int Shift, Single X, Single Y);
 void Spectrum1_MouseMove(int Button, int Shift, Single X, Single Y);
 void Spectrum1_MouseUp(int Button, int Shift, Single X, Single Y);
@@ -19,6 +20,9 @@ void Spectrum1_ZoomChanged(Double ZoomLow, Double ZoomHigh);
 bool FPickPeak(Long X);
 // Puts the read-out of a peak into the status line; -1 clears it.
 void ShowPeakReadout(Long Peak);
+// Refreshes the view and outlines a rectangle (twips) in white; it stays until the next drawing. The band of a drag is
+// not drawn by it: the front end lays that one over the picture.
+void DRBandHwnd(Long X1, Long Y1, Long X2, Long Y2);
 // Tells the intensity between two frequencies (Hz, in the sign of the read-out), as a number of observed nuclei.
 void IntegrateRange(Single Low, Single High);
 

@@ -53,6 +53,7 @@ void AddSpectrumVariables() {
   AddVariable("BandEndX", V.BandEndX);
   AddVariable("BandEndY", V.BandEndY);
   AddVariable("BandActive", V.BandActive);
+  AddVariable("BandIntegrates", V.BandIntegrates);
   AddVariable("CurrentLineWidth", V.CurrentLineWidth);
   AddVariable("FrequencyRange", V.FrequencyRange);
   AddVariable("TotalIntensity", V.TotalIntensity);

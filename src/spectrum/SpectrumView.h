@@ -43,7 +43,8 @@ struct SpectrumViewState {
   Integer Monochrome;
   // Corners of the band, in twips; a wide screen has more of them than an Integer holds.
   Long BandStartX = 0, BandStartY = 0, BandEndX = 0, BandEndY = 0;
-  Flag BandActive = False;
+  Flag BandActive = False;      // a drag with the left button is under way
+  Flag BandIntegrates = False;  // it began with Shift held
 
   Single CurrentLineWidth = 0;  // Hz
   Double FrequencyRange = 0;    // -1 while another view is refreshed

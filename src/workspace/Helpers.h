@@ -1,5 +1,6 @@
 #pragma once
 
+#include "basic/Elements.h"
 #include "basic/NumberText.h"
 #include "basic/TextTools.h"
 #include "basic/Types.h"
@@ -21,12 +22,6 @@ Integer NextTokenEnd(TextView Value, Integer From);
 // Splits at blanks and tabs into Workspace.Tokens, from index 1, and returns the number of tokens. A text without
 // tokens leaves Tokens as they were: callers test the count.
 Integer Tokenize(TextView Value);
-
-// The symbol of an element: 0 is the lone pair "Lp", 1 to 103 are "H" to "Lr", every other number is "??".
-Text ElementSymbol(int Number);
-// The number of a symbol, without case, 0..128; -1 when there is none. "??" is 104.
-Integer ElementNumber(TextView Symbol);
-inline constexpr int LargestElement = 128;
 
 // Y, YES, TRUE, T and 1 in any case are true, every other text is false.
 Flag BoolFromText(TextView Value);

@@ -91,6 +91,7 @@ void UsePosixServices() {
   Platform.Host.Close = [] {};
   Platform.Host.Execute = [](const Text&) { throw Failure("No conversation is open"); };
   Platform.Host.Request = [](const Text&) -> Text { throw Failure("No conversation is open"); };
+  Platform.Host.Accept = [](const std::function<void(Flag&)>&) {};
 }
 
 }  // namespace zelvanor

@@ -1,0 +1,166 @@
+#include "molecule/MoleculeView.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "basic/Numbers.h"
+#include "molecule/AtomSelection.h"
+#include "molecule/TakeSystem.h"
+#include "platform/RenderScene.h"
+#include "platform/Variables.h"
+#include "settings/ColorSets.h"
+#include "shell/Frame.h"
+#include "workspace/Helpers.h"
+#include "workspace/Workspace.h"
+
+namespace zelvanor {
+
+MoleculeViewState MoleculeView1;
+
+namespace {
+
+WorkspaceState& W = Workspace;
+MoleculeViewState& V = MoleculeView1;
+
+// Slots of the settings texts that nothing else takes.
+enum { AtomTypeSlot = 0, BondTypeSlot = 1, BackSlot = 2, LabelSlot = 3, BondSlot = 4 };
+
+// A fitted system leaves this margin; a small one is not blown up beyond this many pixels to an angstrom.
+constexpr Double FitMargin = 24;
+constexpr Double LargestFitScale = 90;
+
+const Text& SettingAt(int Slot) { return Settings.SettingsText[static_cast<std::size_t>(Slot)]; }
+
+// These colours are not checked when the settings are read, so that a text that is none falls back in silence.
+Colour ColourSetting(int Slot, Colour Default) { return ReadColour(SettingAt(Slot)).value_or(Default); }
+
+Text LabelOf(int Atom) {
+  enum { NoLabel, SymbolLabel, NameLabel, NumberLabel, TypeLabel, ChargeLabel };
+  constexpr Single LeastCharge = 0.001F;
+  switch (Main.AtomLabelMode) {
+    case SymbolLabel:
+      return Text(TrimBlanks(W.AtomElement[Atom].View()));
+    case NameLabel: {
+      const TextView Name = TrimBlanks(W.AtomName[Atom].View());
+      return Text(Name == "-" ? TextView() : Name);
+    }
+    case NumberLabel:
+      return GeneralForm(W.AtomInMolecule[Atom]);
+    case TypeLabel:
+      return Text(TrimBlanks(W.AtomType[Atom].View()));
+    case ChargeLabel:
+      return LeastCharge <= std::fabs(W.AtomCharge[Atom]) ? FormatNumber(W.AtomCharge[Atom], "0.000") : "0";
+    default:
+      return {};
+  }
+}
+
+// How far the turned system reaches from its origin to the sides and up or down, in angstrom, balls included.
+struct Extent {
+  Double Wide = 0;
+  Double High = 0;
+};
+
+Extent FindExtent(const RenderControl& Control, const ViewMatrix& M, Double Scale) {
+  Extent Result;
+  for (const RenderAtom& Atom : Control.Atoms) {
+    const auto Along = [&](std::size_t C) {
+      return std::fabs(Atom.X * M[0][C] + Atom.Y * M[1][C] + Atom.Z * M[2][C]) / Scale + Atom.Radius;
+    };
+    Result.Wide = std::max(Result.Wide, Along(0));
+    Result.High = std::max(Result.High, Along(1));
+  }
+  return Result;
+}
+
+bool IsStillFitted() {
+  ViewMatrix M{};
+  GetViewTransform(Main.MolRender1, M);
+  return M == V.Fitted;
+}
+
+}  // namespace
+
+void AddMoleculeVariables() {
+  AddArray("RotationCentre", V.RotationCentre, [] { return 3; });
+  AddVariable("MouseDragState", V.MouseDragState);
+  AddVariable("MouseDragButton", V.MouseDragButton);
+  AddVariable("MouseDownX", V.MouseDownX);
+  AddVariable("MouseDownY", V.MouseDownY);
+  AddVariable("MouseViewSize", V.MouseViewSize);
+}
+
+void InitMoleculeView() {
+  RenderControl& Control = Main.MolRender1;
+  IgnoreFailure([&] { SetAtomRenderType(Control, StrictLong(SettingAt(AtomTypeSlot))); });
+  IgnoreFailure([&] { SetBondRenderType(Control, StrictLong(SettingAt(BondTypeSlot))); });
+  SetBackColor(Control, ColourSetting(BackSlot, White));
+  Control.LabelColor = ColourSetting(LabelSlot, Rgb(255, 255, 0));
+  Control.BondColor = ColourSetting(BondSlot, Rgb(192, 192, 192));
+  Control.MarkColor = Settings.SelectionColor;
+  GetViewTransform(Control, V.Fitted);
+  PlaceMoleculeView();
+}
+
+void ShowMoleculeView() {
+  SetEnabled(Main.mnuReplace, False);
+  PlaceMoleculeView();
+  SetVisible(Main.MolRender1, True);
+  TakeSystem();
+  UpdateAtomLabels(Main.MolRender1);
+}
+
+void PlaceMoleculeView() {
+  const Form& Window = Main.frmNMR;
+  const int Free = Window.Height - Main.StatusBar.Height - Main.ToolbarHeight;
+  const bool Refit = IsStillFitted();
+  SetPlace(Main.MolRender1, 0, Main.ToolbarHeight, Window.Width, std::max(Free, 1));
+  if (Refit) FitMolecule();
+}
+
+void FitMolecule() {
+  RenderControl& Control = Main.MolRender1;
+  ViewMatrix M{};
+  GetViewTransform(Control, M);
+  const Double Scale = ViewScale(Control);
+  if (!Control.Atoms.empty() && std::isfinite(Scale) && Scale > 0) {
+    const Extent Reach = FindExtent(Control, M, Scale);
+    const auto ScaleFor = [](int Twips, Double Angstrom) {
+      const Double Pixels = static_cast<Double>(Twips) / TwipsPerPixelX;
+      return std::max(Pixels / 2 - FitMargin, Pixels / 4) / Angstrom;
+    };
+    const Double Fit =
+        std::min({ScaleFor(Control.Width, Reach.Wide), ScaleFor(Control.Height, Reach.High), LargestFitScale});
+    if (std::isfinite(Fit) && Fit > 0) {
+      MagnifyView(Fit / Scale, M);
+      M[3] = {};
+      SetViewTransform(Control, M);
+    }
+  }
+  GetViewTransform(Control, V.Fitted);
+}
+
+void TurnMolecule(int Degrees) {
+  IgnoreFailure([Degrees] { RotateAboutCentre(Main.MolRender1, 0, 0, DegreesToRadians(Degrees), V.RotationCentre); });
+}
+
+void UpdateAtomLabels(RenderControl& Control) {
+  const int Count = GetAtomCount(Control);
+  for (int Atom = 0; Atom < Count; ++Atom) {
+    SetThisAtom(Control, Atom);
+    SetAtomText(Control, LabelOf(Atom));
+  }
+  RepaintRender(Control);
+}
+
+void TakeMoleculePreferences() {
+  RenderControl& Control = Main.MolRender1;
+  Control.Monochrome = Settings.MolMonochrome != 0;
+  Control.LabelColor = Settings.PrefLabelColor;
+  Settings.SelectionColor = Settings.MolSelectColor;
+  Control.MarkColor = Settings.SelectionColor;
+  SetBackColor(Control, Control.Monochrome ? White : Settings.PrefBackColor);
+  MarkSelection(Control);
+}
+
+}  // namespace zelvanor

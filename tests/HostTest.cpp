@@ -1,0 +1,438 @@
+#include "Support.h"
+#include "host/GetCommand.h"
+#include "host/HostAtomSets.h"
+#include "host/HostConversation.h"
+#include "hostsim/SimulatedHost.h"
+
+namespace zelvanor::test {
+namespace {
+
+using hostsim::AtomList;
+using hostsim::NamedSelection;
+
+// Methane and water: atoms 1 to 5, and 6 to 8.
+const Text TwoMolecules =
+    "forcefield amber\nsys 0\nmol 1\n"
+    "atom 1 C C CT - 0 0 0 0 4 2 s 3 s 4 s 5 s\natom 2 - H HC - 0 1 0 0 1 1 s\natom 3 - H HC - 0 0 1 0 1 1 s\n"
+    "atom 4 - H HC - 0 0 0 1 1 1 s\natom 5 - H HC - 0 1 1 0 1 1 s\nendmol 1\nmol 2\n"
+    "atom 1 O O OW - 0 5 0 0 2 2 s 3 s\natom 2 - H HW - 0 6 0 0 1 1 s\natom 3 - H HW - 0 5 1 0 1 1 s\nendmol 2\n";
+
+Text ManyAtoms(int Count) {
+  Text Content = "mol 1\n";
+  for (int Atom = 1; Atom <= Count; ++Atom) Content += Join("atom ", Long{Atom}, " - H HC - 0 0 0 0 0\n");
+  return Content + "endmol 1\n";
+}
+
+AtomList FirstAtoms(int Count) {
+  AtomList Atoms;
+  for (int Atom = 1; Atom <= Count; ++Atom) Atoms.push_back({1, Atom});
+  return Atoms;
+}
+
+// The program against a simulated host in the same process, whose FailAt-th call fails (from 1; 0: none).
+class HostTest : public ProgramTest {
+ protected:
+  HostTest() {
+    Platform.GetClipboard = [this] { return Clipboard; };
+    Platform.SetClipboard = [this](const Text& Value) { Clipboard = Value; };
+    Host.SetClipboard = Platform.SetClipboard;
+    Platform.Host.Close = [] {};
+    Platform.Host.Open = [this](const Text& Topic) {
+      EXPECT_EQ(Topic, "Morvantis|System");
+      hostsim::BeginConversation(Host);
+    };
+    Platform.Host.Execute = [this](const Text& Command) {
+      Count();
+      hostsim::ExecuteCommand(Host, Command);
+    };
+    Platform.Host.Request = [this](const Text& Item) {
+      Count();
+      return hostsim::AnswerItem(Host, Item);
+    };
+    UseSystem(TwoMolecules, {});
+  }
+  ~HostTest() override { ResetProgram(); }
+
+  void UseSystem(const Text& Content, const std::vector<NamedSelection>& Named) {
+    hostsim::LoadSystem(Host, hostsim::ReadHostSystem(Content));
+    Host.Named = Named;
+    Host.Log.clear();
+    Calls = FailAt = 0;
+    Shown() = {};
+    Workspace.DocumentDirty = False;
+  }
+
+  void Count() const {
+    if (++Calls == FailAt) throw Failure("gone");
+  }
+
+  hostsim::SimulatedHost Host;
+  Text Clipboard;
+  mutable int Calls = 0;
+  int FailAt = 0;
+};
+
+struct TransferRow {
+  const char* What;
+  const char* Method;
+  AtomList Current;
+  Texts Asked;
+  AtomList CurrentAfter;
+};
+
+const Texts Beginning = {"execute [query-response-has-tag no]", "request molecule-count",
+                         "execute [query-response-has-tag no]", "request molecular-mechanics-method"};
+
+Texts operator+(Texts Left, const Texts& Right) {
+  Left.insert(Left.end(), Right.begin(), Right.end());
+  return Left;
+}
+
+TEST_F(HostTest, WhatTheTransferAsksOfTheHost) {
+  const Texts Count = {"execute [query-response-has-tag no]", "request selected-atom-count"};
+  const Texts Copy = {"execute [menu-select-select-all]", "execute [menu-edit-copy]", "execute [select-none]"};
+  const Texts Amber = {"execute [molecular-mechanics-method amber]"};
+  const Texts Save = {"execute [name-selection tmp_select_saved]"};
+  const Texts Restore = {"execute [select-name tmp_select_saved]"};
+  const Texts NoSets = {"request named-selection-count"};
+  const Texts OneName = {"request named-selection-name 1"};
+  // Four walks for sets that are not there, and the one that restores.
+  const Texts Walks = NoSets + OneName + OneName + OneName + OneName + OneName;
+  const TransferRow Rows[] = {
+      {"nothing selected", "amber", {}, Beginning + Count + Copy + NoSets, {}},
+      {"Amber in other letters", "AmbeR", {}, Beginning + Count + Copy + NoSets, {}},
+      {"another force field", "mm+", {}, Beginning + Amber + Count + Copy + NoSets, {}},
+      {"a selection over both molecules",
+       "amber",
+       {{2, 3}, {1, 2}},
+       Beginning + Count + Save + Copy + Restore + Walks + Texts{"execute [select-none]"} + Restore,
+       {{2, 3}, {1, 2}}},
+  };
+  for (const TransferRow& R : Rows) {
+    SCOPED_TRACE(R.What);
+    UseSystem(TwoMolecules, {});
+    Host.Method = R.Method;
+    Host.Current = R.Current;
+    mnuFileGet_Click();
+    EXPECT_EQ(Host.Log, R.Asked);
+    EXPECT_TRUE(Host.Current == R.CurrentAfter);
+    EXPECT_EQ(UpperCase(Host.Method), "AMBER");
+    EXPECT_EQ(Workspace.NumAtoms, 8);
+    EXPECT_EQ(Workspace.IsBusy, 0);
+    EXPECT_EQ(Main.mnuFile.Enabled, -1);
+  }
+}
+
+TEST_F(HostTest, AGetReplacesTheDocument) {
+  WorkspaceState& W = Workspace;
+  W.DocumentPath = W.ZMatrixPath = W.HostTextPath = W.DocumentTitle = "OLD.NMR";
+  W.ShieldingAvailable = W.CouplingAvailable = W.SpectraAvailable = W.AtomTypesChanged = True;
+  W.ViewMode = SpectrumViewMode;
+  mnuFileGet_Click();
+  EXPECT_EQ(Shown().Boxes, Texts{"warning Morvantis has no named selections.\r\rSelect and name the atoms with nuclear "
+                                 "spins as \"nmr-atoms\"."});
+  EXPECT_EQ(W.DocumentPath + W.ZMatrixPath + W.HostTextPath + W.DocumentTitle, "");
+  EXPECT_EQ(Main.frmNMR.Caption, "Zelvanor - (untitled)");
+  EXPECT_EQ(W.ShieldingAvailable + W.CouplingAvailable + W.SpectraAvailable + W.AtomTypesChanged, 0);
+  EXPECT_EQ(W.ParamResultsStale + W.SpectResultsStale + W.MoleculeLoaded + W.DocumentDirty, -4);
+  EXPECT_EQ(W.NMRAtomsValid, 0);
+  EXPECT_EQ(W.ViewMode, MoleculeView);
+
+  Shown() = {};
+  Shown().Answers = {BoxAnswer::Cancel};
+  Host.Log.clear();
+  mnuFileGet_Click();
+  EXPECT_EQ(Shown().Boxes, Texts{"question Save the changes to (untitled)?"});
+  EXPECT_EQ(Host.Log, Texts{});
+}
+
+TEST_F(HostTest, AFailureInTheTransferLeavesTheDocument) {
+  UseSystem(TwoMolecules, {{"nmr-atoms", {{1, 2}}}});
+  Host.Method = "mm+";
+  Host.Current = {{1, 1}};
+  constexpr int TransferCalls = 12;
+  for (int Step = 1; Step <= TransferCalls; ++Step) {
+    SCOPED_TRACE(Step);
+    const hostsim::SimulatedHost Former = Host;
+    Workspace.DocumentTitle = "KEPT";
+    Workspace.NumAtoms = 77;
+    Shown() = {};
+    Calls = 0;
+    FailAt = Step;
+    mnuFileGet_Click();
+    EXPECT_EQ(Calls, Step);
+    EXPECT_EQ(Shown().Boxes, Texts{"warning gone."});
+    EXPECT_EQ(Workspace.NumAtoms, 77);
+    EXPECT_EQ(Workspace.DocumentTitle, "KEPT");
+    EXPECT_EQ(Workspace.DocumentDirty, 0);
+    EXPECT_EQ(Main.mnuFile.Enabled, -1);
+    Host = Former;
+  }
+}
+
+TEST_F(HostTest, NoHostAndNoMolecule) {
+  Workspace.NumAtoms = 77;
+  for (const auto& [Number, Message] : {std::pair{282, "No running Morvantis."}, {283, "Cannot link to Morvantis."}}) {
+    Platform.Host.Open = [Number = Number](const Text&) { throw Failure("x", Number); };
+    Shown() = {};
+    mnuFileGet_Click();
+    EXPECT_EQ(Shown().Boxes, Texts{Text("warning ") + Message});
+  }
+  Platform.Host.Open = [](const Text&) {};
+  // With its tag in front an answer would read as 0: the host that ignores the command shows it.
+  Host.Answers["molecule-count"] = "molecule-count = 2";
+  Shown() = {};
+  mnuFileGet_Click();
+  EXPECT_EQ(Shown().Boxes, Texts{"warning No Molecule in Morvantis."});
+  EXPECT_EQ(Host.Log, (Texts{"execute [query-response-has-tag no]", "request molecule-count"}));
+  EXPECT_EQ(Workspace.NumAtoms, 77);
+}
+
+struct LinesRow {
+  const char* What;
+  Text Content;
+  Texts Lines;  // as they reach the reader
+};
+
+TEST_F(HostTest, LinesOfTheClipboard) {
+  const Text LongLine(300, 'x');
+  const LinesRow Rows[] = {
+      {"line feeds", "mol 1\nb\n", {"mol 1", "b"}},
+      {"carriage returns stay", "mol 1\r\nb\r\n", {"mol 1\r", "b\r"}},
+      {"the last line without its end is lost", "mol 1\nb\nlost", {"mol 1", "b"}},
+      {"no line feed", "mol 1", {}},
+      {"an empty line inside", "mol 1\n\nb\n", {"mol 1", "", "b"}},
+      {"a line feed in the first place is not counted", "\nmol 1\nb\n", {"", "mol 1"}},
+      {"a long line", "mol 1\n" + LongLine + "\n", {"mol 1", LongLine.substr(0, 256)}},
+  };
+  for (const LinesRow& R : Rows) {
+    SCOPED_TRACE(R.What);
+    UseSystem(R.Content, {});
+    Host.Answers["molecule-count"] = "1";
+    EXPECT_EQ(CountTextLines(R.Content), static_cast<Long>(R.Lines.size()));
+    EXPECT_EQ(GetSystemFromHost(), -1);
+    ASSERT_EQ(Workspace.HostTextLineCount, static_cast<Long>(R.Lines.size()));
+    for (std::size_t Line = 0; Line < R.Lines.size(); ++Line) {
+      EXPECT_EQ(Workspace.HostTextLine[static_cast<int>(Line)].Trimmed(), R.Lines[Line]);
+    }
+  }
+}
+
+TEST_F(HostTest, CarriageReturnsDoNotReachTheAtoms) {
+  Text Content;
+  for (const char C : TwoMolecules) Content += C == '\n' ? "\r\n" : Text(1, C);
+  UseSystem(Content, {{"other", {}}});
+  mnuFileGet_Click();
+  EXPECT_EQ(Shown().Boxes, Texts{});  // the force field's name is known
+  EXPECT_EQ(Workspace.NumAtoms, 8);
+  EXPECT_EQ(Workspace.AtomBondType(7, 0).View(), "s ");
+  EXPECT_EQ(Workspace.HostTextLine[0].Trimmed(), "forcefield amber");
+}
+
+TEST_F(HostTest, ASystemThatCannotBeReadLeavesNothing) {
+  for (const char* Content : {"mol 1\nendmol 1\n", "mol 1\natom 1 H H HC - 0 0 0 0 1 9 s\nendmol 1\n"}) {
+    UseSystem(Content, {{"nmr-atoms", {{1, 1}}}});
+    mnuFileGet_Click();
+    EXPECT_EQ(Shown().Boxes.size(), 1U);
+    EXPECT_EQ(Workspace.NumAtoms, 0);
+    EXPECT_EQ(Workspace.MoleculeLoaded + Workspace.DocumentDirty, 0);
+    EXPECT_EQ(Host.Log.back(), "execute [select-none]");  // the sets are not asked for
+  }
+}
+
+struct SetsRow {
+  const char* What;
+  std::vector<NamedSelection> Named;
+  Texts Boxes;
+  std::vector<int> NMR;
+  std::vector<int> Quantum;
+  std::vector<int> Labelled;
+  std::vector<int> Sizes;  // of the equivalent sets 0 up
+  int NumSets;
+};
+
+const AtomList Hydrogens = {{1, 2}, {1, 3}, {1, 4}, {1, 5}, {2, 2}, {2, 3}};
+const std::vector<int> HydrogenNumbers = {2, 3, 4, 5, 7, 8};
+
+Text BadName(const Text& Name) { return "warning Selection name " + Name + " is not a valid equivalent set name."; }
+Text NotNMR(const Text& Name) {
+  return "warning Selection (" + Name + ") contains atoms which are not NMR atoms.  Set ignored.";
+}
+
+TEST_F(HostTest, SelectionsBecomeSets) {
+  const NamedSelection NMR = {"nmr-atoms", Hydrogens};
+  const AtomList Two = {{2, 2}, {2, 3}};
+  const SetsRow Rows[] = {
+      {"none reserved", {{"NMR-ATOMS", Two}, {"nmr-atoms ", Two}}, {}, {}, {}, {}, {}, 0},
+      {"all kinds, out of order, over both molecules",
+       {{"equivalent-atoms-2", Two}, {"labelled-atoms", {{1, 1}}}, NMR, {"quantum-atoms", {{2, 1}, {1, 1}}}},
+       {},
+       HydrogenNumbers,
+       {6, 1},
+       {1},
+       {0, 2},
+       1},
+      {"the first of two with one name counts",
+       {{"nmr-atoms", {{1, 3}}}, NMR, {"equivalent-atoms-1", {{1, 3}}}, {"equivalent-atoms-1", {}}},
+       {},
+       {3},
+       {},
+       {},
+       {1},
+       1},
+      {"set 10 is the last",
+       {NMR, {"equivalent-atoms-10", Two}},
+       {},
+       HydrogenNumbers,
+       {},
+       {},
+       {0, 0, 0, 0, 0, 0, 0, 0, 0, 2},
+       1},
+      {"set 11 ends the scan",
+       {NMR, {"equivalent-atoms-1", Two}, {"equivalent-atoms-11", Two}, {"equivalent-atoms-2", Two}},
+       {BadName("equivalent-atoms-11")},
+       HydrogenNumbers,
+       {},
+       {},
+       {2, 0},
+       1},
+      {"set 0", {NMR, {"equivalent-atoms-0", Two}}, {BadName("equivalent-atoms-0")}, HydrogenNumbers, {}, {}, {}, 0},
+      {"no number", {NMR, {"equivalent-atoms-", Two}}, {BadName("equivalent-atoms-")}, HydrogenNumbers, {}, {}, {}, 0},
+      {"a tie goes to the even place", {NMR, {"equivalent-atoms-1.5", Two}}, {}, HydrogenNumbers, {}, {}, {2, 0, 0}, 1},
+      {"and up", {NMR, {"equivalent-atoms-2.5", Two}}, {}, HydrogenNumbers, {}, {}, {0, 0, 2}, 1},
+      {"a foreign atom drops the set, the scan goes on",
+       {NMR, {"equivalent-atoms-1", {{1, 2}, {1, 1}}}, {"equivalent-atoms-2", Two}},
+       {NotNMR("equivalent-atoms-1")},
+       HydrogenNumbers,
+       {},
+       {},
+       {0, 2},
+       1},
+      {"no NMR atoms at all", {{"equivalent-atoms-1", Two}}, {NotNMR("equivalent-atoms-1")}, {}, {}, {}, {0}, 0},
+  };
+  for (const SetsRow& R : Rows) {
+    SCOPED_TRACE(R.What);
+    UseSystem(TwoMolecules, R.Named);
+    mnuFileGet_Click();
+    const WorkspaceState& W = Workspace;
+    EXPECT_EQ(Shown().Boxes, R.Boxes);
+    EXPECT_EQ(Numbers(W.NMRAtom, W.NumNMRAtoms), R.NMR);
+    EXPECT_EQ(Numbers(W.NMRAtomicNumber, W.NumNMRAtoms), std::vector<int>(R.NMR.size(), 1));
+    EXPECT_EQ(Numbers(W.QuantumAtom, W.NumQuantumAtoms), R.Quantum);
+    EXPECT_EQ(Numbers(W.LabelledAtom, W.NumLabelledAtoms), R.Labelled);
+    EXPECT_EQ(Numbers(W.EquivalentSetSize, static_cast<int>(R.Sizes.size())), R.Sizes);
+    EXPECT_EQ(W.NumEquivalentSets, R.NumSets);
+    EXPECT_EQ(W.NMRAtomsValid, R.NMR.empty() ? 0 : -1);
+    EXPECT_EQ(W.Coupling.UpperColumn(), W.NumNMRAtoms);
+    EXPECT_EQ(W.DocumentDirty, -1);
+  }
+}
+
+TEST_F(HostTest, TwentyAtomsAreTheMost) {
+  const NamedSelection NMR = {"nmr-atoms", FirstAtoms(21)};
+  UseSystem(ManyAtoms(21), {NMR,
+                            {"equivalent-atoms-4", FirstAtoms(20)},
+                            {"equivalent-atoms-5", FirstAtoms(21)},
+                            {"equivalent-atoms-6", FirstAtoms(2)}});
+  mnuFileGet_Click();
+  EXPECT_EQ(Shown().Boxes, Texts{"warning Selection equivalent-atoms-5 has too many atoms. Ignoring Set."});
+  EXPECT_EQ(Numbers(Workspace.EquivalentSetSize, 10), (std::vector<int>{0, 0, 0, 20, 0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(Workspace.EquivalentAtom(3, 19), 20);
+}
+
+struct AnswerRow {
+  const char* Item;
+  const char* Answer;
+  std::vector<int> NMR;
+  std::vector<int> Elements;
+};
+
+TEST_F(HostTest, OddAnswersAmongTheSets) {
+  const AnswerRow Rows[] = {
+      {"selected-atom 2", "3 1", {2, 0, 0}, {1, 0, 0}},     // no comma: the rest stays 0
+      {"selected-atom 2", "3,\t 9", {2, 0, 0}, {1, 1, 0}},  // no such molecule, which shows last
+      {"selected-atom 2", " 2.6atoms,   1.", {2, 3, 4}, {1, 1, 1}},
+      {"selected-atom 2", "30000, 2", {2, 30005, 4}, {1, 1, 1}},
+      {"atomic-number 3 1", "carbon", {2, 3, 4}, {1, 0, 1}},
+      {"selected-atom-count", "none", {}, {}},
+      {"selected-atom-count", "-1", {}, {}},
+      {"selected-atom-count", "40000", {}, {}},
+  };
+  for (const AnswerRow& R : Rows) {
+    SCOPED_TRACE(Text(R.Item) + " = " + R.Answer);
+    UseSystem(TwoMolecules, {{"nmr-atoms", {{1, 2}, {1, 3}, {1, 4}}}});
+    Host.Answers = {{R.Item, R.Answer}, {"atomic-number 30000 2", "1"}, {"atomic-number 3 9", "1"}};
+    mnuFileGet_Click();
+    EXPECT_EQ(Shown().Boxes, Texts{});
+    EXPECT_EQ(Numbers(Workspace.NMRAtom, Workspace.NumNMRAtoms), R.NMR);
+    EXPECT_EQ(Numbers(Workspace.NMRAtomicNumber, Workspace.NumNMRAtoms), R.Elements);
+    EXPECT_EQ(Workspace.DocumentDirty, -1);
+  }
+}
+
+// Whatever fails among the sets, the user's selection comes back; a failure while it is given back ends the command.
+TEST_F(HostTest, AFailureAmongTheSetsRestoresTheSelection) {
+  const std::vector<NamedSelection> Named = {{"nmr-atoms", Hydrogens}, {"equivalent-atoms-1", {{1, 2}}}};
+  const AtomList User = {{2, 1}};
+  UseSystem(TwoMolecules, Named);
+  Host.Current = User;
+  mnuFileGet_Click();
+  const int AllCalls = Calls;
+  constexpr int TransferCalls = 11;
+  constexpr int RestoreCalls = 5;  // three names, then two commands
+  for (int Step = TransferCalls + 2; Step <= AllCalls; ++Step) {
+    SCOPED_TRACE(Step);
+    UseSystem(TwoMolecules, Named);
+    Host.Current = User;
+    FailAt = Step;
+    mnuFileGet_Click();
+    const bool Restoring = Step > AllCalls - RestoreCalls;
+    EXPECT_EQ(Shown().Boxes, Texts{});
+    EXPECT_EQ(Workspace.MoleculeLoaded, -1);
+    EXPECT_EQ(Workspace.DocumentDirty, Restoring ? 0 : -1);
+    EXPECT_EQ(Calls, Restoring ? Step : Step + RestoreCalls);
+    EXPECT_TRUE(Restoring || Host.Current == User);
+  }
+}
+
+TEST_F(HostTest, ASecondGetOpensTheConversationAnew) {
+  int Closed = 0;
+  Platform.Host.Close = [&Closed] { ++Closed; };
+  UseSystem(TwoMolecules, {{"nmr-atoms", Hydrogens}});
+  mnuFileGet_Click();
+  Shown().Answers = {BoxAnswer::No};
+  Host.Named[0].Atoms = {{2, 3}};
+  mnuFileGet_Click();
+  EXPECT_EQ(Closed, 2);
+  EXPECT_EQ(Numbers(Workspace.NMRAtom, Workspace.NumNMRAtoms), std::vector<int>{8});
+}
+
+TEST(HostSystemTest, APartOfASystemIsCopiedAsASystem) {
+  const hostsim::HostSystem System = hostsim::ReadHostSystem(TwoMolecules);
+  EXPECT_EQ(hostsim::CopyAtoms(System, hostsim::AllAtoms(System)), TwoMolecules);
+  EXPECT_EQ(hostsim::CopyAtoms(System, {{2, 3}, {2, 1}}),
+            "forcefield amber\nsys 0\nmol 1\natom 1 O O OW - 0 5 0 0 1 2 s\natom 2 - H HW - 0 5 1 0 1 1 s\nendmol 1\n");
+  EXPECT_EQ(hostsim::CopyAtoms(System, {{1, 5}}),
+            "forcefield amber\nsys 0\nmol 1\natom 1 - H HC - 0 1 1 0 0\nendmol 1\n");
+}
+
+TEST(SimulatedHostTest, RefusesWhatItDoesNotKnow) {
+  hostsim::SimulatedHost Host;
+  hostsim::LoadSystem(Host, hostsim::ReadHostSystem(TwoMolecules));
+  EXPECT_EQ(hostsim::AnswerItem(Host, "molecule-count"), "molecule-count = 2");
+  hostsim::ExecuteCommand(Host, "[query-response-has-tag no]");
+  EXPECT_EQ(hostsim::AnswerItem(Host, "atomic-number 1 2"), "8");
+  for (const char* Command : {"select-none", "[", "[]", "[fly]", "[select-name nobody]"}) {
+    EXPECT_NE(FailureOf([&] { hostsim::ExecuteCommand(Host, Command); }), "no failure") << Command;
+  }
+  for (const char* Item :
+       {"", "weather", "selected-atom 1", "named-selection-name 0", "atomic-number 6 1", "atomic-number x"}) {
+    EXPECT_NE(FailureOf([&] { hostsim::AnswerItem(Host, Item); }), "no failure") << Item;
+  }
+  for (const char* Atoms : {"1", "1:", ":2", "1:2,3", "a:b", "1:2;1:3"}) {
+    EXPECT_NE(FailureOf([&] { hostsim::ReadAtomList(Atoms); }), "no failure") << Atoms;
+  }
+}
+
+}  // namespace
+}  // namespace zelvanor::test
