@@ -217,7 +217,7 @@ TEST_F(ZMatrixTest, BrokenFilesEndWithAResultOrAFailure) {
   const auto Try = [&](const Text& Content) {
     try {
       ConvertZMatrix(WriteFile("broken.zmt", Content));
-      EXPECT_LE(CidGetHtrNdt(TreeHandleValue(), AtomNodeKind), 6);
+      EXPECT_LE(CidGetHtrNdt(TreeHandleValue(), AtomNodeKind), 7);  // the dummy may become an atom
       ++Read;
     } catch (const Failure& Problem) {
       EXPECT_NE(Problem.What, "");

@@ -242,12 +242,12 @@ void ForRingBonds(const std::vector<int>& Ring, Routine Visit) {
 int ElectronsOf(const BondGraph& Graph, int Atom, const BondSet& RingBonds) {
   const int Count = NumLinks(Graph, Atom);
   for (const auto& Link : Graph.At(Atom)) {
-    if (Link.Order == TripleBond) return -1;
-    if (Link.Order == AromaticBond && (Graph.Element(Atom) == Carbon || Count == 2)) {
+    if (Link.Order == TripleOrder) return -1;
+    if (Link.Order == AromaticOrder && (Graph.Element(Atom) == Carbon || Count == 2)) {
       return Graph.Element(Atom) == Carbon || Graph.Element(Atom) == Nitrogen ? 1 : 2;
     }
     // A double bond that leaves the rings keeps its electrons: quinones, pyridones, fulvenes.
-    if (Link.Order == DoubleBond) return RingBonds.contains(BondOf(Atom, Link.Other)) ? 1 : -1;
+    if (Link.Order == DoubleOrder) return RingBonds.contains(BondOf(Atom, Link.Other)) ? 1 : -1;
   }
   switch (Graph.Element(Atom)) {
     case Boron:
@@ -299,7 +299,7 @@ void FindAromaticRings(BondGraph& Graph) {
     ForRingBonds(Ring, [&](int A, int B) { Aromatic.insert(BondOf(A, B)); });
   }
   for (const auto& [First, Second] : Aromatic) {
-    LinkBetween(Graph, First, Second).Order = LinkBetween(Graph, Second, First).Order = AromaticBond;
+    LinkBetween(Graph, First, Second).Order = LinkBetween(Graph, Second, First).Order = AromaticOrder;
   }
 }
 

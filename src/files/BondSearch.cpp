@@ -100,8 +100,8 @@ void FindBonds(BondGraph& Graph) {
   const PlaceGrid Grid(Graph, 2.0 * Largest + Tolerance);
   Grid.ForNearPairs([&](int First, int Second) {
     if (Excess(Graph, First, Second) <= Tolerance) {
-      Graph.At(First).push_back({Second, SingleBond});
-      Graph.At(Second).push_back({First, SingleBond});
+      Graph.At(First).push_back({Second, SingleOrder});
+      Graph.At(Second).push_back({First, SingleOrder});
       if (Graph.At(First).size() > LargestCrowd) throw Failure("The atoms stand too near to each other");
     }
     return true;

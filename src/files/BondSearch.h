@@ -11,7 +11,7 @@ namespace zelvanor {
 struct BondGraph {
   struct Link {
     int Other;
-    int Order;  // BondKind
+    int Order;  // BondOrder
   };
   std::vector<int> AtomicNumbers;
   std::vector<std::array<Double, 3>> Places;  // angstrom

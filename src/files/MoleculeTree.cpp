@@ -146,7 +146,7 @@ Id IdGetNeighborHtrIdN(Htr Tree, Id Atom, int N) {
 
 int BdtGetBondOrderHtrIdN(Htr Tree, Id Atom, int N) {
   const std::vector<Bond>& Bonds = AtomOf(Tree, Atom).Bonds;
-  return N >= 0 && static_cast<std::size_t>(N) < Bonds.size() ? Bonds[static_cast<std::size_t>(N)].Order : NoBond;
+  return N >= 0 && static_cast<std::size_t>(N) < Bonds.size() ? Bonds[static_cast<std::size_t>(N)].Order : NoOrder;
 }
 
 void Loop(LoopRecord& Walk, Htr Tree, Id Below, Id After, int Kind) { Walk = {Tree, Below, After, Kind}; }

@@ -20,7 +20,7 @@ enum AtomWord : int { AtomicNumberWord, NumAtomWords };
 enum AtomReal : int { AtomXReal, AtomYReal, AtomZReal, NumAtomReals };  // angstrom
 
 // Orders of bonds.
-enum BondKind : int { NoBond, SingleBond, DoubleBond, TripleBond, AromaticBond };
+enum BondOrder : int { NoOrder, SingleOrder, DoubleOrder, TripleOrder, AromaticOrder };
 
 Htr HtrCreate();
 void DestroyHtr(Htr Tree);

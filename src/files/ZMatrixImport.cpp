@@ -22,14 +22,14 @@ constexpr const char* OrderLetters[] = {"", "s", "d", "t", "a"};
 constexpr int LargestAtomCount = 32767;
 
 TextView BondTypeOf(int Order) {
-  return Order >= SingleBond && Order <= AromaticBond ? OrderLetters[Order] : OrderLetters[NoBond];
+  return Order >= SingleOrder && Order <= AromaticOrder ? OrderLetters[Order] : OrderLetters[NoOrder];
 }
 
 int OrderOf(TextView BondType) {
-  for (int Order = SingleBond; Order <= AromaticBond; ++Order) {
+  for (int Order = SingleOrder; Order <= AromaticOrder; ++Order) {
     if (BondType == OrderLetters[Order]) return Order;
   }
-  return NoBond;
+  return NoOrder;
 }
 
 // Coordinates as a file keeps them, so that a document gives the same table again: six decimals, seven digits.

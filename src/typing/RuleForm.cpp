@@ -21,7 +21,7 @@ struct BondMark {
   int Order;  // 0 for any
 };
 constexpr BondMark BondMarks[] = {
-    {'-', SingleBond}, {'=', DoubleBond}, {'#', TripleBond}, {':', AromaticBond}, {'~', NoBond},
+    {'-', SingleOrder}, {'=', DoubleOrder}, {'#', TripleOrder}, {':', AromaticOrder}, {'~', NoOrder},
 };
 
 Words SplitAt(TextView Value, TextView Separators) {

@@ -93,7 +93,7 @@ SystemView LookAt(const BondGraph& Given) {
       View.Atoms[static_cast<std::size_t>(Ring[Place])].RingSizes |= 1U << Ring.size();
       const int Next = Ring[(Place + 1) % Ring.size()];
       for (const auto& Link : View.Graph.At(Ring[Place])) {
-        if (Link.Other != Next || Link.Order != AromaticBond) continue;
+        if (Link.Other != Next || Link.Order != AromaticOrder) continue;
         View.Atoms[static_cast<std::size_t>(Ring[Place])].Aromatic = true;
         View.Atoms[static_cast<std::size_t>(Next)].Aromatic = true;
       }
