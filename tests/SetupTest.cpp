@@ -328,6 +328,7 @@ TEST_F(SetupTest, ArrangesEveryDialog) {
     Collect(Window->Layout, Placed);
     int Defaults = 0;
     int Cancels = 0;
+    int Buttons = 0;
     const Control* Before = nullptr;
     for (const Control* Item : Window->Controls) {
       const Text Name = ControlName(*Item);
@@ -337,14 +338,16 @@ TEST_F(SetupTest, ArrangesEveryDialog) {
                   Name == "frmSelect.Label2")
           << Name << " does not say what it is";
       if (Item->Kind == ControlKind::CommandButton) {
+        ++Buttons;
         Defaults += static_cast<const CommandButton*>(Item)->IsDefault ? 1 : 0;
         Cancels += static_cast<const CommandButton*>(Item)->IsCancel ? 1 : 0;
       }
       Before = Item;
     }
     EXPECT_EQ(Placed.size(), Window->Controls.size()) << Window->Name;
-    EXPECT_EQ(Defaults, 1) << Window->Name;
-    EXPECT_EQ(Cancels, 1) << Window->Name;
+    // The plot has no buttons: closing its window hides it.
+    EXPECT_EQ(Defaults, Buttons > 0 ? 1 : 0) << Window->Name;
+    EXPECT_EQ(Cancels, Buttons > 0 ? 1 : 0) << Window->Name;
   }
   EXPECT_GE(NumDialogs, 8);
 }

@@ -14,9 +14,24 @@ namespace {
 
 bool IsDigit(char C) { return C >= '0' && C <= '9'; }
 
+bool IsWhite(char C) { return C == ' ' || C == '\t'; }
+
 TextView SkipWhite(TextView Value) {
-  const std::size_t First = Value.find_first_not_of(" \t");
-  return First == TextView::npos ? TextView() : Value.substr(First);
+  while (!Value.empty() && IsWhite(Value.front())) Value.remove_prefix(1);
+  return Value;
+}
+
+// Most numbers of a file are short whole ones, which need no scan in front of the conversion.
+bool ReadShortWhole(TextView Value, Double& Result) {
+  constexpr std::size_t MostDigits = 9;
+  if (Value.empty() || Value.size() > MostDigits) return false;
+  int Sum = 0;
+  for (const char C : Value) {
+    if (!IsDigit(C)) return false;
+    Sum = Sum * 10 + (C - '0');
+  }
+  Result = Sum;
+  return true;
 }
 
 std::size_t CountDigits(TextView Value, std::size_t From) {
@@ -97,7 +112,9 @@ Double PrefixNumber(TextView Value) {
 
 Double StrictNumber(TextView Value) {
   Value = SkipWhite(Value);
-  Value = Value.substr(0, Value.find_last_not_of(" \t") + 1);
+  while (!Value.empty() && IsWhite(Value.back())) Value.remove_suffix(1);
+  Double Whole = 0.0;
+  if (ReadShortWhole(Value, Whole)) return Whole;
   std::size_t MarkPlace = 0;
   const std::size_t End = ScanNumber(Value, MarkPlace);
   if (End == 0 || End != Value.size()) throw Failure(failures::TypeMismatch);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "basic/FixedText.h"
+
 namespace zelvanor {
 
 Text UpperCase(TextView Value) {
@@ -23,7 +25,7 @@ TextView Trim(TextView Value, TextView Characters) {
 }
 }  // namespace
 
-TextView TrimBlanks(TextView Value) { return Trim(Value, " "); }
+TextView TrimBlanks(TextView Value) { return TrimLeftBlanks(Value.substr(0, UnpaddedLength(Value))); }
 
 TextView TrimLeftBlanks(TextView Value) {
   const std::size_t First = Value.find_first_not_of(' ');

@@ -32,15 +32,17 @@ class Integer {
   constexpr Integer(int Value) : Stored(Check(Value)) {}  // NOLINT(google-explicit-constructor)
   constexpr operator int() const { return Stored; }       // NOLINT(google-explicit-constructor)
 
-  constexpr Integer& operator+=(int Other) { return *this = Integer(Stored + Other); }
-  constexpr Integer& operator-=(int Other) { return *this = Integer(Stored - Other); }
+  constexpr Integer& operator+=(int Other) { return *this = Integer(CheckSum(std::int64_t{Stored} + Other)); }
+  constexpr Integer& operator-=(int Other) { return *this = Integer(CheckSum(std::int64_t{Stored} - Other)); }
   constexpr Integer& operator++() { return *this += 1; }
   constexpr Integer& operator--() { return *this -= 1; }
 
  private:
-  static constexpr std::int16_t Check(int Value) {
+  static constexpr std::int16_t Check(int Value) { return static_cast<std::int16_t>(CheckSum(Value)); }
+  // Takes 64 bits, so that the check sees the true sum of an Integer and any int.
+  static constexpr int CheckSum(std::int64_t Value) {
     if (Value < -32768 || Value > 32767) throw Failure(failures::Overflow);
-    return static_cast<std::int16_t>(Value);
+    return static_cast<int>(Value);
   }
 
   std::int16_t Stored = 0;

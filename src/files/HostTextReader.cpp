@@ -110,7 +110,9 @@ void ReadRecords(const Text& Title) {
   State.Title = Title;
   for (int Index = 0; Index <= W.HostTextLineCount; ++Index) {
     FixedText<HostLineLength>& Stored = W.HostTextLine[Index];
-    Stored = Text(TrimLine(Stored.View()));
+    const TextView Trimmed = TrimLine(Stored.View());
+    // Most lines stand trimmed already: what differs alone is stored back.
+    if (Trimmed.data() != Stored.View().data() || Trimmed.size() != Stored.Trimmed().size()) Stored = Text(Trimmed);
     const TextView Line = Stored.Trimmed();
     if (Line.starts_with("atom ")) {
       ReadAtomLine(State, Line, Index);

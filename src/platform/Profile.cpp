@@ -108,19 +108,20 @@ const ValueTable& TableOf(const Text& File) {
 void PutValue(std::vector<Text>& Lines, const ProfileEntry& Entry) {
   const Text Fresh = Entry.Key + "=" + Entry.Value;
   bool Inside = false;
+  bool FirstSection = true;  // a section may stand twice: its first part takes what is new
   std::optional<std::size_t> Behind;
   for (std::size_t Place = 0; Place < Lines.size(); ++Place) {
     if (const auto Name = SectionOf(Lines[Place])) {
-      if (Behind) break;  // a second section of the same name is never read from
       Inside = EqualsIgnoringCase(*Name, Entry.Section);
-      if (Inside) Behind = Place + 1;
+      if (Inside) FirstSection = !Behind;
+      if (Inside && FirstSection) Behind = Place + 1;
     } else if (Inside) {
       const auto Found = KeyValueOf(Lines[Place]);
       if (Found && EqualsIgnoringCase(Found->Key, Entry.Key)) {
         Lines[Place] = Fresh;
         return;
       }
-      if (!TrimWhite(Lines[Place]).empty()) Behind = Place + 1;
+      if (FirstSection && !TrimWhite(Lines[Place]).empty()) Behind = Place + 1;
     }
   }
   if (Behind) {

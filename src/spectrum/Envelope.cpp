@@ -13,7 +13,8 @@
 // denominator first. With d below 1e18 Hz the product of four denominators stays far inside the range of a Double.
 //
 // Gaussians: exp(-a) = 2^-n exp(r) with n = round(a / ln 2), |r| <= ln 2 / 2, and a Taylor polynomial of degree 13 for
-// exp(r), whose first dropped term is below 1e-17.
+// exp(r), whose first dropped term is below 1e-17. Eight peaks that are all too far from the eight columns go into the
+// wings at once, without the polynomial.
 
 #if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 #define ZELVANOR_FOR_EACH_VECTOR_WIDTH __attribute__((target_clones("avx512f", "avx2", "default")))
@@ -28,6 +29,7 @@ namespace {
 constexpr std::size_t Lanes = 8;
 using Vector = double __attribute__((vector_size(Lanes * sizeof(double))));
 using Mask = std::int64_t __attribute__((vector_size(Lanes * sizeof(std::int64_t))));
+using Singles = float __attribute__((vector_size(Lanes * sizeof(float))));
 
 // The columns' frequencies, in steps as a plain loop takes them, so that rounding is the same.
 constexpr std::size_t MostColumns = 1536;
@@ -84,8 +86,32 @@ static void GaussianBlock(const Single* Frequency, const Single* Work1, const Si
   constexpr double Rounder = 6755399441055744.0;
   Vector X;
   std::memcpy(&X, Places, sizeof X);
+  const double Low = std::min(Places[0], Places[Lanes - 1]);
+  const double High = std::max(Places[0], Places[Lanes - 1]);
   Vector Sum = {};
+  Vector Wings = {};  // a lane for each of eight peaks
   for (std::size_t Peak = 0; Peak < NumPeaks; ++Peak) {
+    // At every eighth peak, as long as the next eight are out of reach of all the columns.
+    while (Peak % Lanes == 0 && Peak + Lanes <= NumPeaks) {
+      Singles F;
+      Singles W1;
+      Singles W2;
+      std::memcpy(&F, Frequency + Peak, sizeof F);
+      std::memcpy(&W1, Work1 + Peak, sizeof W1);
+      std::memcpy(&W2, Work2 + Peak, sizeof W2);
+      const Vector Center = __builtin_convertvector(F, Vector);
+      const Vector Above = Center - High;
+      const Vector Below = Low - Center;
+      const Vector Side = Above > Below ? Above : Below;
+      const Vector Gap = Side > 0.0 ? Side : Vector{};
+      const Mask Far = Gap * Gap * __builtin_convertvector(W1, Vector) >= GaussianReach;
+      std::int64_t AllFar = -1;
+      for (std::size_t Lane = 0; Lane < Lanes; ++Lane) AllFar &= Far[Lane];
+      if (AllFar == 0) break;
+      Wings += __builtin_convertvector(W2, Vector);
+      Peak += Lanes;
+    }
+    if (Peak >= NumPeaks) break;
     const Vector D = X - double{Frequency[Peak]};
     const Vector A = D * D * double{Work1[Peak]};
     const Mask Near = A < GaussianReach;
@@ -116,6 +142,7 @@ static void GaussianBlock(const Single* Frequency, const Single* Work1, const Si
     std::memcpy(&Shape, &Bits, sizeof Shape);
     Sum += (Near ? Shape : Vector{} + GaussianWing) * double{Work2[Peak]};
   }
+  for (std::size_t Lane = 0; Lane < Lanes; ++Lane) Sum += Wings[Lane] * GaussianWing;
   std::memcpy(Sums, &Sum, sizeof Sum);
 }
 

@@ -157,16 +157,16 @@ void SetUpLineWidthBar() {
     return;
   }
   if (W.MinAbsLineWidth < W.MaxAbsLineWidth) {
-    SetRange(Bar, ToInteger(Double{W.MinAbsLineWidth} * W.NMRFrequency),
-             ToInteger(Double{W.MaxAbsLineWidth} * W.NMRFrequency));
+    SetRange(Bar, ToLong(Double{W.MinAbsLineWidth} * W.NMRFrequency),
+             ToLong(Double{W.MaxAbsLineWidth} * W.NMRFrequency));
   } else {
-    SetRange(Bar, 0, ToInteger(V.FrequencyRange / 2.0));
+    SetRange(Bar, 0, ToLong(V.FrequencyRange / 2.0));
   }
   SetValue(Bar, 0);
-  const Integer LargeChange = ToInteger((Bar.Max - Bar.Min) / 20.0);
+  const Long LargeChange = ToLong((Double(Bar.Max) - Bar.Min) / 20.0);
   // A bar moves by one at least.
-  SetChanges(Bar, std::max<int>(ToInteger(int(LargeChange) / 10.0), 1), std::max<int>(LargeChange, 1));
-  SetValue(Bar, ToInteger(V.Linewidth));
+  SetChanges(Bar, std::max(ToLong(LargeChange / 10.0), 1), std::max(LargeChange, 1));
+  SetValue(Bar, ToLong(V.Linewidth));
 }
 
 }  // namespace

@@ -160,6 +160,7 @@ void BuildValuesForm() {
   Values.Grid1.KeyPress = [](int& /*KeyAscii*/) { SetFocus(Values.Command1); };
   Values.Grid1.MouseDown = [] { SetFocus(Values.Command1); };
   Values.Command1.Caption = "Clo&se";
+  Values.Command1.IsDefault = true;
   Values.Command1.IsCancel = true;
   Values.Command1.Click = Command1_Click;
   Values.Command2.Caption = "&Plot";
