@@ -190,6 +190,31 @@ TEST_F(TypingTest, ShippedRulesGiveEveryElementAType) {
   EXPECT_EQ(Types().find('*'), Text::npos);
 }
 
+TEST_F(TypingTest, BrokenRuleFilesAreCompiledOrRefused) {
+  Settings.NMRParmPath = ZELVANOR_DATA;
+  PrepareTypeRules();
+  ASSERT_NE(AtomTyping.TypeRuleHandle, 0);
+  const Text Whole = ReadBytes(Settings.NMRParmPath + "/nmrtype.rul");
+  int Refused = 0;
+  for (std::size_t Place = 0; Place < Whole.size(); Place += 7) {
+    for (const char* Byte : {"", "=", "\xff", "[", "9"}) {
+      Text Changed = Whole;
+      if (*Byte == '\0') {
+        Changed.resize(Place);
+      } else {
+        Changed[Place] = *Byte;
+      }
+      const bool Compiled = IsSet(FCompileHtrcLsz(AtomTyping.TypeRuleHandle, WriteFile("broken.rul", Changed)));
+      const Text Error = FTyperuleErrorLszCb(ErrorTextSize);
+      EXPECT_EQ(Error.empty(), Compiled);
+      EXPECT_TRUE(Compiled || Error.starts_with("line ")) << Error;
+      EXPECT_LT(Error.size(), ErrorTextSize);
+      Refused += Compiled ? 0 : 1;
+    }
+  }
+  EXPECT_GT(Refused, 100);
+}
+
 struct LogTest : ProgramTest {};
 
 TEST_F(LogTest, NamesTheFileOrLeavesEverything) {

@@ -25,7 +25,6 @@ struct AtomData {
 struct Node {
   int Kind;
   Id Parent;
-  std::vector<Id> Children;
   AtomData Atom;  // of an atom
 };
 
@@ -61,10 +60,8 @@ AtomData& AtomOf(Htr Tree, Id Atom) {
 Id CreateNode(Htr Tree, Id Parent, int Kind, int ParentKind) {
   Nodes& All = NodesOf(Tree);
   if (Parent != 0 && NodeOf(All, Parent).Kind != ParentKind) throw Failure("The node can't have such a child");
-  All.push_back({Kind, Parent, {}, {}});
-  const auto Made = static_cast<Id>(All.size());
-  if (Parent != 0) NodeOf(All, Parent).Children.push_back(Made);
-  return Made;
+  All.push_back({Kind, Parent, {}});
+  return static_cast<Id>(All.size());
 }
 
 template <class Values>
@@ -108,18 +105,6 @@ Id IdCreateAtomHtrId(Htr Tree, Id Molecule) { return CreateNode(Tree, Molecule, 
 int CidGetHtrNdt(Htr Tree, int Kind) {
   const Nodes& All = NodesOf(Tree);
   return static_cast<int>(std::count_if(All.begin(), All.end(), [&](const Node& N) { return N.Kind == Kind; }));
-}
-
-Id IdChildHtrIdIid(Htr Tree, Id Place, int N) {
-  const std::vector<Id>& Children = NodeOf(NodesOf(Tree), Place).Children;
-  return N >= 0 && static_cast<std::size_t>(N) < Children.size() ? Children[static_cast<std::size_t>(N)] : 0;
-}
-
-Id IdAncestorHtrIdNdt(Htr Tree, Id Place, int Kind) {
-  Nodes& All = NodesOf(Tree);
-  Id Up = NodeOf(All, Place).Parent;
-  while (Up != 0 && NodeOf(All, Up).Kind != Kind) Up = NodeOf(All, Up).Parent;
-  return Up;
 }
 
 void FSetAtomWordHtrIdNW(Htr Tree, Id Atom, int N, int Word) { ValueAt(AtomOf(Tree, Atom).Words, N) = Word; }

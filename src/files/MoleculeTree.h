@@ -33,10 +33,6 @@ Id IdCreateAtomHtrId(Htr Tree, Id Molecule);
 
 // The number of nodes of a kind in the whole tree.
 int CidGetHtrNdt(Htr Tree, int Kind);
-// The n-th child (from 0), or 0.
-Id IdChildHtrIdIid(Htr Tree, Id Node, int N);
-// The nearest node of this kind above the node, or 0.
-Id IdAncestorHtrIdNdt(Htr Tree, Id Node, int Kind);
 
 void FSetAtomWordHtrIdNW(Htr Tree, Id Atom, int N, int Word);
 int WGetAtomWordHtrIdN(Htr Tree, Id Atom, int N);

@@ -210,7 +210,7 @@ Flag BuildAtomTableFromTree() {
   try {
     const Htr Tree = MoleculeTree.TreeHandle;
     const std::vector<Id> Nodes = AtomNodes(Tree, MoleculeTree.SystemNode);
-    W.NumAtoms = static_cast<int>(Nodes.size());
+    W.NumAtoms = CidGetHtrNdt(Tree, AtomNodeKind);
     if (W.NumAtoms <= 0) {
       ShowWarning(Join("There are no atoms in the Z-Matrix file - ", W.ZMatrixPath, "."));
       return False;

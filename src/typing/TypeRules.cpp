@@ -210,6 +210,7 @@ Flag FCompileHtrcLsz(Htrc Rules, const Text& Path) {
   if (Set == nullptr) return False;
   Compilation Work;
   Work.Fields = Set->Fields;
+  for (ForceFieldRules& Field : Work.Fields) Field.Rules.clear();
   WorkspaceState& W = Workspace;
   try {
     W.FileNumber = FreeFile();
