@@ -100,6 +100,7 @@ TEST_F(ZMatrixTest, ReportsRowsByLine) {
       {"O\nH 1.x 1\n", 5, "\"1.x\" is no number"},
       {"O\nH 1 1\nH 1 4 90 1 0 0 1 2 0\n", 6, "the optimisation flag \"4\" is none of 0, 1 and -1"},
       {"O\nH -1 1 0 0 0 0 1 0 0\n", 5, "the bond length is not greater than 0"},
+      {"O\nH 1 1\nH 1 1 1045 1 0 0 1 2 0\n", 6, "the bond angle is more than a full turn"},
       {Start + "H 1 1 90 1 0 1 4 2 1\n", 7, "row 4 can't be placed from row 4"},
       {Start + "H 1 1 90 1 0 1 1 0 0\n", 7, "row 4 can't be placed from row 0"},
       {Start + "H 1 1 90 1 0 1 1 2 1\n", 7, "row 1 is named twice"},

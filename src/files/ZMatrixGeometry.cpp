@@ -16,6 +16,7 @@ constexpr Double RadiansPerDegree = 3.14159265358979323846 / 180.0;
 constexpr Double SamePlace = 1e-4;
 constexpr Double OneLine = 1e-4;
 constexpr Double LargestReach = 1e6;
+constexpr Double FullTurn = 360.0;
 
 Position Minus(const Position& A, const Position& B) { return {A[0] - B[0], A[1] - B[1], A[2] - B[2]}; }
 
@@ -42,8 +43,10 @@ void CheckReach(const ZMatrixRow& Row, const Position& Place) {
   if (Length(Place) > LargestReach) ThrowAtLine(Row.Line, "the row stands too far away");
 }
 
-void CheckLength(const ZMatrixRow& Row) {
+void CheckInternal(const ZMatrixRow& Row) {
   if (Row.Values[0] <= 0) ThrowAtLine(Row.Line, "the bond length is not greater than 0");
+  // Angles behind the straight line are odd, but they mean a place.
+  if (std::fabs(Row.Values[1]) > FullTurn) ThrowAtLine(Row.Line, "the bond angle is more than a full turn");
 }
 
 // The unit vector from the first reference to the second.
@@ -107,7 +110,7 @@ std::vector<Position> PlaceZMatrixRows(const ZMatrixRows& Rows) {
     } else if (Number == 0) {
       Places.push_back({});
     } else {
-      CheckLength(Row);
+      CheckInternal(Row);
       if (Number == 1) {
         Places.push_back(Placed(Places[0], {1.0, 0.0, 0.0}, {}, {}, {Row.Values[0], 0.0, 0.0}));
       } else {
