@@ -216,7 +216,7 @@ void ShowPeakReadout(Long Peak) {
   const Single Frequency = W.PeakFrequency[Peak] == 0.0F ? 0.0F : -W.PeakFrequency[Peak];
   const Single Shift = ToSingle(Divide(Frequency, W.NMRFrequency));
   ShowReadout(Join("Shift=", FormatNumber(Shift, "######.000"), " ppm", "  Freq=", Frequency, " Hz  Inten=",
-                  W.PeakIntensity[Peak], "  Degen=", W.PeakDegeneracy[Peak], "  Width=", W.PeakLineWidth[Peak]));
+                   W.PeakIntensity[Peak], "  Degen=", W.PeakDegeneracy[Peak], "  Width=", W.PeakLineWidth[Peak]));
 }
 
 void DRBandHwnd(Long X1, Long Y1, Long X2, Long Y2) {
@@ -247,7 +247,7 @@ void IntegrateRange(Single Low, Single High) {
                  [](char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C - 'A' + 'a') : C; });
   const auto Ppm = [](Single Frequency) { return FormatNumber(Divide(-Double{Frequency}, W.NMRFrequency), "0.000"); };
   ShowReadout(Join("Integrated intensity from ", Ppm(Low), " to ", Ppm(High), " ppm equivalent to ",
-                  FormatNumber(Equivalent, "0.0"), " ", Name, "(s)."));
+                   FormatNumber(Equivalent, "0.0"), " ", Name, "(s)."));
 }
 
 }  // namespace zelvanor
