@@ -5,8 +5,10 @@
 #include "atomsets/frmSelect.h"
 #include "atomsets/frmSelect2.h"
 #include "backend/Compute.h"
+#include "backend/LogCommands.h"
 #include "basic/NumberText.h"
 #include "files/FileCommands.h"
+#include "files/ZMatrixImport.h"
 #include "host/GetCommand.h"
 #include "molecule/AtomSelection.h"
 #include "molecule/MoleculeView.h"
@@ -37,6 +39,7 @@
 #include "tables/TableEditing.h"
 #include "tables/TableViews.h"
 #include "tables/frmGraph.h"
+#include "typing/AtomTyping.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 #include "workspace/WorkspaceVariables.h"
@@ -67,6 +70,9 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileExit, mnuFileExit_Click},
     {&MainForm::mnuCopy, mnuCopy_Click},
     {&MainForm::mnuReplace, mnuReplace_Click},
+    {&MainForm::mnuStartLog, mnuStartLog_Click},
+    {&MainForm::mnuStopLog, mnuStopLog_Click},
+    {&MainForm::mnuEditCalculateTypes, mnuEditCalculateTypes_Click},
     {&MainForm::mnuViewMolecule, mnuViewMolecule_Click},
     {&MainForm::mnuViewShielding, mnuViewShielding_Click},
     {&MainForm::mnuViewCoupling, mnuViewCoupling_Click},
@@ -98,6 +104,7 @@ void Form_QueryUnload(Flag& Cancel) {
 
 void Form_Unload() {
   WriteSettings();
+  PrepareTypeRules(TypingTime::Shutdown);
   for (Form* Window : AllForms()) {
     if (Window != &Main.frmNMR) HideForm(*Window);
   }
@@ -148,12 +155,22 @@ void ConnectPreferences() {
   Preferences.RefreshView = RefreshView;
 }
 
+void OpenZMatrix() {
+  ConvertZMatrix(W.ZMatrixPath);
+  if (IsSet(BuildAtomTableFromTree())) CalculateAtomTypes();
+}
+
 void ConnectRooms() {
   Rooms.ShowShieldingTable = ShowShieldingTable;
   Rooms.ShowCouplingTable = ShowCouplingTable;
   Rooms.ShowMoleculeView = ShowMoleculeView;
   Rooms.TurnMolecule = TurnMolecule;
   Rooms.FitMolecule = FitMolecule;
+  Rooms.OpenZMatrix = OpenZMatrix;
+  Rooms.UpdateAtomLabels = [] {
+    TakeSystem();
+    UpdateAtomLabels(Main.MolRender1);
+  };
   Rooms.ShowSpectrumView = ShowSpectrumView;
   Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
   Rooms.TakeOpenedSpectrum = [] {
@@ -270,6 +287,8 @@ void BuildProgram() {
   AddPreferenceVariables();
   AddAtomSetVariables();
   AddTableVariables();
+  AddZMatrixVariables();
+  AddTypingVariables();
   AddVariable("StartedAlone", StartedAlone);
 }
 
@@ -279,6 +298,7 @@ void Form_Load(const Text& CommandLine) {
   SetFixedState();
   SetUpTables();
   TakeSettings();
+  PrepareTypeRules(TypingTime::StartUp);
   W.ParamDescription = "Description of NMR shielding and coupling constants";
   W.SpectDescription = "Description of NMR Spectrum";
   W.DocumentDirty = False;

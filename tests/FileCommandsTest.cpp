@@ -149,10 +149,10 @@ TEST_F(FileCommandsTest, OpensByEndingOrContent) {
   const OpenRow Rows[] = {
       {"water.nmr", WaterDocument, "D", {}, 1, "WATER.NMR"},
       {"water.MVS", WaterFile, "H", {}, 1, "WATER.MVS"},
-      {"water.Zmt", "a\nb\nc\nC\n", "Z", {}, 1, "OLD"},
+      {"water.Zmt", "a\nb\nc\nC\n", "Z", {}, 1, "WATER.ZMT"},
       {"water.txt", WaterDocument, "D", {}, 1, "WATER.TXT"},
       {"water", WaterFile, "H", {}, 1, "WATER"},
-      {"rows.dat", "a\nb\nc\nC\n", "Z", {}, 1, "OLD"},
+      {"rows.dat", "a\nb\nc\nC\n", "Z", {}, 1, "ROWS.DAT"},
       {"coupled.nmr", Results + Coupled, "D", {}, 3, "COUPLED.NMR"},
       {"both.nmr", Results + Change(Coupled, "COUPLING\r\n", "SHIELDING\r\nCOUPLING\r\n"), "D", {}, 2, "BOTH.NMR"},
       {"empty.mvs", "", "H", {"warning PATH is empty."}, 1, "OLD"},
@@ -173,6 +173,7 @@ TEST_F(FileCommandsTest, OpensByEndingOrContent) {
        "OLD"}};
   for (const OpenRow& R : Rows) {
     ResetProgram();
+    Settings.NMRParmPath = ZELVANOR_DATA;
     WorkspaceState& W = Workspace;
     W.NumNMRAtoms = 7;
     W.NumEquivalentSets = 2;
@@ -194,7 +195,8 @@ TEST_F(FileCommandsTest, OpensByEndingOrContent) {
     EXPECT_EQ(Shown().Boxes, Boxes) << R.Name;
     EXPECT_EQ(W.ViewMode, R.View) << R.Name;
     EXPECT_EQ(Main.frmNMR.Caption, Text("Zelvanor - ") + R.Title) << R.Name;
-    ExpectValues("NumNMRAtoms=0 SpectraAvailable=0 AtomTypesChanged=0 SpectResultsStale=-1 IsBusy=0", R.Name);
+    ExpectValues("NumNMRAtoms=0 SpectraAvailable=0 SpectResultsStale=-1 IsBusy=0", R.Name);
+    EXPECT_EQ(W.AtomTypesChanged, ToFlag(Kind == "Z")) << R.Name;  // a Z-matrix is typed at once
     EXPECT_EQ(Main.mnuCompute.Enabled, -1) << R.Name;
     std::vector<MousePointer> Pointers = {MousePointer::Hourglass, MousePointer::Default};
     // A table that is filled shows the hourglass too.

@@ -15,6 +15,7 @@ struct FrameRooms {
   std::function<void()> ShowSpectrumView;
   std::function<void()> ForgetFrequencyRange;     // before a view is refreshed
   std::function<void()> OpenZMatrix;              // reads the file of ZMatrixPath into the atom table
+  std::function<void()> UpdateAtomLabels;         // of the molecule view, for the present atom table
   std::function<void()> TakeOpenedSpectrum;       // a document that holds a spectrum has been opened
   std::function<void()> FitMolecule;              // to the surface
   std::function<void(int Degrees)> TurnMolecule;  // about z
