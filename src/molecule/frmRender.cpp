@@ -69,6 +69,7 @@ void Command2_Click() { HideForm(R.frmRender); }
 
 Arrangement GroupOfOptions(Text Title, OptionButton* Options, int Count) {
   std::vector<Arrangement> Parts;
+  Parts.reserve(static_cast<std::size_t>(Count) + 1);
   for (int Option = 0; Option < Count; ++Option) Parts.push_back(ItemOf(Options[Option]));
   Parts.push_back(StretchOf());
   return GroupOf(std::move(Title), std::move(Parts));

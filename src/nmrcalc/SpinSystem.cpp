@@ -130,6 +130,7 @@ std::vector<SpinSystem> ReducePart(const SpectrumInput& Input, const SpinPart& P
     AddSystems(Input, Part, Choice, Systems);
   } while (StepChoice(Input, Part, Choice));
   std::vector<SpinSystem> Result;
+  Result.reserve(Systems.size());
   for (auto& [Spins, System] : Systems) Result.push_back(std::move(System));
   return Result;
 }

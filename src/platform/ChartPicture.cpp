@@ -66,7 +66,10 @@ struct ChartData {
   std::vector<Double> Values;  // by sets
   std::vector<Text> PointLabels;
   std::vector<Text> SetNames;
-  Double Value(int Set, int Point) const { return Values[static_cast<std::size_t>(Set * NumPoints + Point)]; }
+  Double Value(int Set, int Point) const {
+    return Values[static_cast<std::size_t>(Set) * static_cast<std::size_t>(NumPoints) +
+                  static_cast<std::size_t>(Point)];
+  }
 };
 
 Text LabelAt(const std::vector<Text>& Labels, int Place) {
@@ -85,7 +88,8 @@ ChartData TakeData(const ChartControl& Chart) {
     const int ShownSet = static_cast<int>(std::int64_t{Set} * Data.NumSets / NumSets);
     for (int Point = 0; Point < NumPoints; ++Point) {
       const int ShownPoint = static_cast<int>(std::int64_t{Point} * Data.NumPoints / NumPoints);
-      Double& Shown = Data.Values[static_cast<std::size_t>(ShownSet * Data.NumPoints + ShownPoint)];
+      Double& Shown = Data.Values[static_cast<std::size_t>(ShownSet) * static_cast<std::size_t>(Data.NumPoints) +
+                                  static_cast<std::size_t>(ShownPoint)];
       const Double Value = PointValue(Chart, Set, Point);
       if (std::fabs(Value) > std::fabs(Shown)) Shown = Value;
     }

@@ -28,7 +28,7 @@ bool Store(Control& Target, Field& Stored, const Value& New, Property What) {
 }
 
 template <class List>
-void StoreItems(List& Target, std::vector<Text> Items) {
+void StoreItems(List& Target, std::vector<Text>&& Items) {
   Target.Items = std::move(Items);
   Target.ListIndex = -1;
   Tell(Target, Property::Items);

@@ -58,7 +58,7 @@ const ShadeRow& CylinderShades(ShadeTables& Shades, Colour Fill) {
 }
 
 std::uint32_t ShadeAt(const ShadeRow& Row, float Place) {
-  return Row[static_cast<std::size_t>(Clamp01(Place) * (NumShades - 1) + 0.5F)];
+  return Row[static_cast<std::size_t>(std::lround(Clamp01(Place) * (NumShades - 1)))];
 }
 
 // Whole pixels from Low to High that lie in a picture of this size.
@@ -192,7 +192,9 @@ void DrawDashes(const PixelPicture& Target, const DrawItem& Item) {
   // Dashes too short to be seen as such are a line.
   constexpr float ShortestStep = 1.5F;
   if (!(Step > ShortestStep)) return DrawStrip(Target, Whole, [Edge](float) { return Edge; });
-  for (float Begin = 0; Begin < Length; Begin += Step) {
+  const int NumDashes = static_cast<int>(std::ceil(Length / Step));
+  for (int Number = 0; Number < NumDashes; ++Number) {
+    const float Begin = static_cast<float>(Number) * Step;
     const float First = Begin / Length;
     const float Last = std::min(Begin + Dash, Length) / Length;
     const float DX = Whole.X2 - Whole.X1;

@@ -72,7 +72,7 @@ void ShowOnWidget(const Control& Target, QWidget* Shown, Property What) {
 
 }  // namespace
 
-void Bind(Control& Target, QObject* Shown, ShowProperty Show) {
+void Bind(Control& Target, QObject* Shown, const ShowProperty& Show) {
   const Control* Key = &Target;
   Bindings()[Key] = {Shown, Show};
   QObject::connect(Shown, &QObject::destroyed, [Key](QObject* Gone) {
@@ -82,7 +82,7 @@ void Bind(Control& Target, QObject* Shown, ShowProperty Show) {
   for (const Property What : EveryProperty) Show(What);
 }
 
-void BindWidget(Control& Target, QWidget* Shown, ShowProperty Show) {
+void BindWidget(Control& Target, QWidget* Shown, const ShowProperty& Show) {
   Shown->setObjectName(ToQt(ControlName(Target)));
   if (!Target.AccessibleName.empty()) Shown->setAccessibleName(ToQt(Target.AccessibleName));
   Bind(Target, Shown, [&Target, Shown, Show](Property What) {

@@ -14,9 +14,9 @@ namespace zelvanor {
 using ShowProperty = std::function<void(Property)>;
 
 // Ties a control to what shows it, until that is destroyed, and shows all of its present state.
-void Bind(Control& Target, QObject* Shown, ShowProperty Show);
+void Bind(Control& Target, QObject* Shown, const ShowProperty& Show);
 // The same for a widget, for which being enabled, visible and placed is taken care of.
-void BindWidget(Control& Target, QWidget* Shown, ShowProperty Show = {});
+void BindWidget(Control& Target, QWidget* Shown, const ShowProperty& Show = {});
 
 QObject* ShownOf(const Control& Target);
 QWidget* WidgetOf(const Control& Target);

@@ -26,7 +26,7 @@ Text Environment(const char* Name) {
 Text ReadDecimalSeparator() {
   const locale_t Regional = newlocale(LC_NUMERIC_MASK, "", nullptr);
   if (Regional == nullptr) return ".";
-  const Text Separator = nl_langinfo_l(RADIXCHAR, Regional);
+  Text Separator = nl_langinfo_l(RADIXCHAR, Regional);
   freelocale(Regional);
   return Separator;
 }
@@ -53,13 +53,13 @@ Text FindWinIni() {
   if (Text Named = Environment("ZELVANOR_WIN_INI"); !Named.empty()) return Named;
   Text Home = Environment("XDG_CONFIG_HOME");
   if (Home.empty()) Home = Environment("HOME") + "/.config";
-  const Text Own = Home + "/zelvanor/win.ini";
+  Text Own = Home + "/zelvanor/win.ini";
   if (access(Own.c_str(), R_OK) == 0) return Own;
   Text Folders = Environment("XDG_CONFIG_DIRS");
   if (Folders.empty()) Folders = "/etc/xdg";
   for (std::size_t Place = 0; Place <= Folders.size();) {
     const std::size_t End = std::min(Folders.find(':', Place), Folders.size());
-    const Text Shared = Folders.substr(Place, End - Place) + "/zelvanor/win.ini";
+    Text Shared = Folders.substr(Place, End - Place) + "/zelvanor/win.ini";
     if (End > Place && access(Shared.c_str(), R_OK) == 0) return Shared;
     Place = End + 1;
   }

@@ -37,6 +37,7 @@ Long StartProcess(const Text& CommandLine) {
   std::vector<Text> Words = SplitAtBlanks(CommandLine);
   if (Words.empty()) throw Failure(failures::FileNotFound);
   std::vector<char*> Arguments;
+  Arguments.reserve(Words.size() + 1);
   for (Text& Word : Words) Arguments.push_back(Word.data());
   Arguments.push_back(nullptr);
 
