@@ -19,7 +19,7 @@ namespace nmrcalc {
 namespace {
 
 constexpr double BytesPerNumber = 8.0;
-constexpr std::size_t LinesPerThread = 50000;       // fewer are sorted sooner than a thread is started
+constexpr std::size_t LinesPerThread = 5000;        // fewer are sorted sooner than a thread is started
 constexpr double LargestStateCount = 2147483648.0;  // codes of states have 32 bits
 constexpr double LineShare = 0.25;                  // of the memory, for lines; sorting and growing take as much again
 constexpr double OperationsPerThread = 4e6;         // less is done sooner than a thread is started
