@@ -32,6 +32,17 @@ TextView TrimLeftBlanks(TextView Value) {
   return First == TextView::npos ? TextView() : Value.substr(First);
 }
 
+std::vector<Text> SplitAtBlanks(const Text& Line) {
+  std::vector<Text> Words;
+  std::size_t Place = 0;
+  while ((Place = Line.find_first_not_of(' ', Place)) != Text::npos) {
+    const std::size_t End = std::min(Line.find(' ', Place), Line.size());
+    Words.push_back(Line.substr(Place, End - Place));
+    Place = End;
+  }
+  return Words;
+}
+
 TextView TrimWhite(TextView Value) { return Trim(Value, " \t\r\n"); }
 
 }  // namespace zelvanor

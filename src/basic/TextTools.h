@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "basic/Types.h"
 
 namespace zelvanor {
@@ -12,6 +14,8 @@ bool EqualsIgnoringCase(TextView Left, TextView Right);
 // Without the blanks (not tabs) at both ends, or at the left alone.
 TextView TrimBlanks(TextView Value);
 TextView TrimLeftBlanks(TextView Value);
+// The words of a line between its blanks; nothing is quoted.
+std::vector<Text> SplitAtBlanks(const Text& Line);
 // Without blanks, tabs and line ends at both ends.
 TextView TrimWhite(TextView Value);
 

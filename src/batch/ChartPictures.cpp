@@ -1,9 +1,8 @@
-#include <cairo-pdf.h>
 #include <cairo.h>
 
 #include "basic/NumberText.h"
-#include "basic/TextTools.h"
 #include "batch/Batch.h"
+#include "batch/PictureFile.h"
 #include "batch/PictureText.h"
 #include "batch/TextFile.h"
 #include "platform/ChartPicture.h"
@@ -14,7 +13,6 @@ namespace zelvanor::batch {
 
 namespace {
 
-constexpr Double PointsPerPixel = 0.75;  // at 96 pixels an inch
 constexpr Double QuarterTurn = 1.5707963267948966;
 
 Text Measure(Double Value) { return FormatNumber(Value, "0.0#"); }
@@ -81,45 +79,16 @@ void DrawPicture(cairo_t* Context, const ChartPicture& Picture) {
   for (const ChartText& Item : Picture.Texts) DrawText(Context, Item);
 }
 
-void NeedWritten(cairo_status_t Status, const Text& Path) {
-  if (Status != CAIRO_STATUS_SUCCESS) throw ScriptStop{CannotCarryOut, "can't write " + Path};
-}
-
-void WritePng(const ChartPicture& Picture, const Text& Path) {
-  cairo_surface_t* Target = cairo_image_surface_create(CAIRO_FORMAT_RGB24, Picture.Width, Picture.Height);
-  cairo_t* Context = cairo_create(Target);
-  DrawPicture(Context, Picture);
-  cairo_destroy(Context);
-  const cairo_status_t Status = cairo_surface_write_to_png(Target, Path.c_str());
-  cairo_surface_destroy(Target);
-  NeedWritten(Status, Path);
-}
-
-void WritePdf(const ChartPicture& Picture, const Text& Path) {
-  cairo_surface_t* Target =
-      cairo_pdf_surface_create(Path.c_str(), Picture.Width * PointsPerPixel, Picture.Height * PointsPerPixel);
-  cairo_t* Context = cairo_create(Target);
-  cairo_scale(Context, PointsPerPixel, PointsPerPixel);
-  DrawPicture(Context, Picture);
-  cairo_destroy(Context);
-  cairo_surface_finish(Target);
-  const cairo_status_t Status = cairo_surface_status(Target);
-  cairo_surface_destroy(Target);
-  NeedWritten(Status, Path);
-}
-
 }  // namespace
 
 void WriteChart(const Text& Path) {
   const ChartControl& Chart = Graph();
   if (Chart.Points.empty()) throw ScriptStop{CannotCarryOut, "nothing has been plotted"};
-  const auto [Width, Height] = SizeOf(Chart);
-  const ChartPicture Picture = DrawChart(Chart, Width, Height);
-  const Text Ending = EndingOf(Path);
-  if (Ending == ".SVG") return WriteText(Path, BuildSvg(Picture));
-  if (Ending == ".PNG") return WritePng(Picture, Path);
-  if (Ending == ".PDF") return WritePdf(Picture, Path);
-  throw ScriptStop{CannotCarryOut, "a chart is written as .svg, .png or .pdf: " + Path};
+  if (!IsPictureFile(Path)) throw ScriptStop{CannotCarryOut, "a chart is written as .svg, .png or .pdf: " + Path};
+  const PictureSize Size = SizeOf(Chart);
+  const ChartPicture Drawn = DrawChart(Chart, Size.Width, Size.Height);
+  WritePicture(
+      {Size, [&Drawn] { return BuildSvg(Drawn); }, [&Drawn](cairo_t* Context) { DrawPicture(Context, Drawn); }}, Path);
 }
 
 }  // namespace zelvanor::batch

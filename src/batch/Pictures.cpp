@@ -1,13 +1,9 @@
-#include <cairo-pdf.h>
 #include <cairo.h>
 
-#include <functional>
-#include <memory>
-
 #include "basic/NumberText.h"
-#include "basic/TextTools.h"
 #include "batch/Batch.h"
 #include "batch/MoleculePicture.h"
+#include "batch/PictureFile.h"
 #include "batch/PictureText.h"
 #include "batch/TextFile.h"
 #include "shell/MainForm.h"
@@ -21,7 +17,6 @@ namespace {
 
 // Of the font's size: how far its base line lies below the top that a text hangs from.
 constexpr Double AscentShare = 0.93;
-constexpr Double PointsPerPixel = 0.75;  // at 96 pixels an inch
 
 // The surface that the view shows. The tables and an empty molecule view draw nothing: the spectrum stands for them
 // where there is one.
@@ -95,46 +90,11 @@ void DrawWithCairo(cairo_t* Context, const PictureSurface& Surface) {
   }
 }
 
-void NeedWritten(cairo_status_t Status, const Text& Path) {
-  if (Status != CAIRO_STATUS_SUCCESS) throw ScriptStop{CannotCarryOut, "can't write " + Path};
-}
-
-// What a file is made of: the control whose size it has, and the picture in both ways of writing it.
-struct Picture {
-  const Control& Shown;
-  std::function<Text()> Svg;
-  std::function<void(cairo_t*)> Draw;
-};
-
 Picture ShownPicture() {
-  if (ShowsMolecule()) return {Main.MolRender1, BuildMoleculeSvg, DrawMolecule};
+  if (ShowsMolecule()) return {SizeOf(Main.MolRender1), BuildMoleculeSvg, DrawMolecule};
   const PictureSurface& Surface = ShownSurface();
-  return {Surface, [&Surface] { return BuildSvg(Surface); },
+  return {SizeOf(Surface), [&Surface] { return BuildSvg(Surface); },
           [&Surface](cairo_t* Context) { DrawWithCairo(Context, Surface); }};
-}
-
-void WritePng(const Picture& Shown, const Text& Path) {
-  const auto [Width, Height] = SizeOf(Shown.Shown);
-  cairo_surface_t* Target = cairo_image_surface_create(CAIRO_FORMAT_RGB24, Width, Height);
-  cairo_t* Context = cairo_create(Target);
-  Shown.Draw(Context);
-  cairo_destroy(Context);
-  const cairo_status_t Status = cairo_surface_write_to_png(Target, Path.c_str());
-  cairo_surface_destroy(Target);
-  NeedWritten(Status, Path);
-}
-
-void WritePdf(const Picture& Shown, const Text& Path) {
-  const auto [Width, Height] = SizeOf(Shown.Shown);
-  cairo_surface_t* Target = cairo_pdf_surface_create(Path.c_str(), Width * PointsPerPixel, Height * PointsPerPixel);
-  cairo_t* Context = cairo_create(Target);
-  cairo_scale(Context, PointsPerPixel, PointsPerPixel);
-  Shown.Draw(Context);
-  cairo_destroy(Context);
-  cairo_surface_finish(Target);
-  const cairo_status_t Status = cairo_surface_status(Target);
-  cairo_surface_destroy(Target);
-  NeedWritten(Status, Path);
 }
 
 Double FrequencyOf(Long Peak) {
@@ -181,15 +141,11 @@ Text BuildJcamp() {
 }  // namespace
 
 void WriteView(const Text& Path) {
-  const Text Ending = EndingOf(Path);
-  if (Ending == ".CSV") return WriteTable(Path);
-  if (Ending != ".SVG" && Ending != ".PNG" && Ending != ".PDF") {
+  if (EndingOf(Path) == ".CSV") return WriteTable(Path);
+  if (!IsPictureFile(Path)) {
     throw ScriptStop{CannotCarryOut, "a view is written as .svg, .png or .pdf, a table as .csv: " + Path};
   }
-  const Picture Shown = ShownPicture();
-  if (Ending == ".SVG") return WriteText(Path, Shown.Svg());
-  if (Ending == ".PNG") return WritePng(Shown, Path);
-  WritePdf(Shown, Path);
+  WritePicture(ShownPicture(), Path);
 }
 
 void SavePeaks(const Text& Path) {

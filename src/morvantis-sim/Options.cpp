@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "basic/TextTools.h"
+
 namespace zelvanor::morvantis_sim {
 
 const char* const Usage =
@@ -31,17 +33,6 @@ std::pair<Text, Text> SplitPair(const Text& Value) {
   const std::size_t Equals = Value.find('=');
   if (Equals == Text::npos) throw Failure("no \"=\" in " + Value);
   return {Value.substr(0, Equals), Value.substr(Equals + 1)};
-}
-
-std::vector<Text> SplitAtBlanks(const Text& Line) {
-  std::vector<Text> Words;
-  std::size_t Place = 0;
-  while ((Place = Line.find_first_not_of(' ', Place)) != Text::npos) {
-    const std::size_t End = std::min(Line.find(' ', Place), Line.size());
-    Words.push_back(Line.substr(Place, End - Place));
-    Place = End;
-  }
-  return Words;
 }
 
 void AddSelection(Options& All, const Text& Value) {

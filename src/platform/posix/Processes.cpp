@@ -9,6 +9,7 @@
 #include <set>
 #include <vector>
 
+#include "basic/TextTools.h"
 #include "platform/posix/PosixServices.h"
 
 namespace zelvanor {
@@ -18,17 +19,6 @@ namespace {
 std::set<pid_t>& Running() {
   static std::set<pid_t> Processes;
   return Processes;
-}
-
-std::vector<Text> SplitAtBlanks(const Text& Line) {
-  std::vector<Text> Words;
-  std::size_t Place = 0;
-  while ((Place = Line.find_first_not_of(' ', Place)) != Text::npos) {
-    const std::size_t End = std::min(Line.find(' ', Place), Line.size());
-    Words.push_back(Line.substr(Place, End - Place));
-    Place = End;
-  }
-  return Words;
 }
 
 }  // namespace
