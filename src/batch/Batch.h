@@ -67,6 +67,7 @@ std::vector<Argument> SplitArguments(TextView Line);
 
 // Carries out one command; throws ScriptStop where it can't.
 void RunCommand(const std::vector<Argument>& Words);
+std::vector<Text> CommandNames();
 
 // Fills the slots of Platform for a run without a display.
 void UseBatchServices();

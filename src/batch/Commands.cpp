@@ -217,6 +217,12 @@ int NeedNumber(const std::vector<Argument>& All, std::size_t Place) {
   return ToLong(StrictNumber(All[Place].Value));
 }
 
+std::vector<Text> CommandNames() {
+  std::vector<Text> Names;
+  for (const auto& [Name, Row] : Commands()) Names.push_back(Name);
+  return Names;
+}
+
 void RunCommand(const std::vector<Argument>& All) {
   const auto Entry = Commands().find(All[0].Value);
   if (Entry == Commands().end()) throw ScriptStop{CannotCarryOut, "unknown command " + All[0].Value};

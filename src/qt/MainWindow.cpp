@@ -13,6 +13,7 @@
 #include "platform/Form.h"
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
+#include "qt/HelpWindow.h"
 #include "qt/KeyFilter.h"
 #include "qt/MenuBar.h"
 #include "qt/TextConversion.h"
@@ -33,8 +34,6 @@ constexpr int FirstHeight = 640;
 constexpr int LeastWidth = 400;
 constexpr int LeastHeight = 240;
 constexpr const char* GeometryKey = "geometry";
-
-QSettings OwnSettings() { return QSettings("zelvanor", "zelvanor"); }
 
 // Controls of the work area, in the order in which they lie on one another.
 Control* const WorkControls[] = {&Main.MolRender1, &Main.ShieldTable, &Main.HScroll2,
@@ -138,8 +137,11 @@ std::unique_ptr<QMainWindow> MakeMainWindow() {
   Main.frmNMR.Height = TwipsFromPixels(Inner.height());
   Bind(Main.frmNMR, Window.get(), [Shown = Window.get()](Property What) { ShowForm(Shown, What); });
   InstallKeyFilter(Window.get(), Main.frmNMR);
+  AddHelpKey(Window.get(), Main.frmNMR);
   return Window;
 }
+
+QSettings OwnSettings() { return QSettings("zelvanor", "zelvanor"); }
 
 QWidget* TopWindow() {
   if (QWidget* Dialog = QApplication::activeModalWidget()) return Dialog;
