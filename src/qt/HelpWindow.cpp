@@ -123,6 +123,7 @@ QWidget* HelpWindow::MakeSearch() {
   SearchField->setClearButtonEnabled(true);
   Hits->setAccessibleName("Pages found");
   Hits->setWordWrap(true);
+  Hits->setAlternatingRowColors(true);
   Column->addWidget(SearchField);
   Column->addWidget(Hits);
   connect(SearchField, &QLineEdit::textChanged, this, &HelpWindow::Search);
