@@ -47,6 +47,7 @@ class WorkArea : public QWidget {
     Strip = MakeToolStrip(this);
     for (Control* Item : WorkControls) MakeWidget(*Item, this);
     // The scales of the spectrum follow one resize behind.
+    Settled.setObjectName("settled");
     Settled.setSingleShot(true);
     Settled.setInterval(SettleMilliseconds);
     QObject::connect(&Settled, &QTimer::timeout, this, [] { Dispatch([] { Fire(Main.frmNMR.Resize); }); });
@@ -70,7 +71,7 @@ class WorkArea : public QWidget {
  private:
   QLabel* Hint = nullptr;
   QWidget* Strip = nullptr;
-  QTimer Settled;
+  QTimer Settled{this};
 };
 
 class FrameWindow : public QMainWindow {
