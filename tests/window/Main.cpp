@@ -53,19 +53,19 @@ void UseServicesOfBoth() {
   };
   Platform.ShowBox = [](const MessageBox& Box) {
     BoxAnswer Answer = BoxAnswer::Ok;
-    if (TakePicturesOfNextDialog()) OfWindow.ShowBox(Box);
+    if (ComesUpForPicture(true)) OfWindow.ShowBox(Box);
     RunOrStop([&] { Answer = OfScript.ShowBox(Box); });
     return Answer;
   };
   Platform.ShowFileDialog = [](const FileDialog& Dialog) {
     std::optional<Text> Chosen;
-    if (TakePicturesOfNextDialog()) OfWindow.ShowFileDialog(Dialog);
+    if (ComesUpForPicture(false)) OfWindow.ShowFileDialog(Dialog);
     RunOrStop([&] { Chosen = OfScript.ShowFileDialog(Dialog); });
     return Chosen;
   };
   Platform.ShowColourDialog = [](Colour Current) {
     std::optional<Colour> Chosen;
-    if (TakePicturesOfNextDialog()) OfWindow.ShowColourDialog(Current);
+    if (ComesUpForPicture(false)) OfWindow.ShowColourDialog(Current);
     RunOrStop([&] { Chosen = OfScript.ShowColourDialog(Current); });
     return Chosen;
   };

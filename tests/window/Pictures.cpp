@@ -21,7 +21,9 @@ namespace {
 
 using Words = std::vector<batch::Argument>;
 
-Text NextDialog;  // name of the picture that the next box or common dialog gives
+// Names of the pictures that the next message box and the next common dialog give.
+Text NextBox;
+Text NextDialog;
 
 QString PictureFile(const Text& Name) {
   return QDir(qEnvironmentVariable("PICTURES", ".")).filePath(ToQt(Name) + qEnvironmentVariable("PICTURES_SUFFIX")) +
@@ -89,10 +91,11 @@ void TakeHelpPicture(const Words& All) {
 
 }  // namespace
 
-bool TakePicturesOfNextDialog() {
-  if (NextDialog.empty()) return false;
+bool ComesUpForPicture(bool IsBox) {
+  Text& Next = IsBox ? NextBox : NextDialog;
+  if (Next.empty()) return false;
   // Within the dialog's own event loop, when it stands there.
-  QTimer::singleShot(0, [Name = std::exchange(NextDialog, {})] {
+  QTimer::singleShot(0, [Name = std::exchange(Next, {})] {
     QWidget* Dialog = QApplication::activeModalWidget();
     if (Dialog == nullptr) return;
     SettleWidgets();
@@ -105,7 +108,8 @@ bool TakePicturesOfNextDialog() {
 void AddPictureCommands() {
   batch::AddCommand("picture", {TakePicture, 1, true});
   batch::AddCommand("helppicture", {TakeHelpPicture, 1, true});
-  // dialogpicture NAME: the next message box, file or colour dialog comes up for its picture.
+  // boxpicture NAME: the next message box comes up for its picture; dialogpicture NAME: the next file or colour dialog.
+  batch::AddCommand("boxpicture", {[](const Words& All) { NextBox = All[1].Value; }, 1, true});
   batch::AddCommand("dialogpicture", {[](const Words& All) { NextDialog = All[1].Value; }, 1, true});
 }
 

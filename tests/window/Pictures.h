@@ -8,7 +8,7 @@ void AddPictureCommands();
 
 // Called before a box or common dialog comes up; true when it is to come up for its picture, after which it goes away
 // by itself.
-bool TakePicturesOfNextDialog();
+bool ComesUpForPicture(bool IsBox);
 
 // After the application object, before the window is made.
 void UseThemeForPictures();
