@@ -30,7 +30,12 @@ bool IsBetween(int Value, int Least, int Most) { return Least <= Value && Value 
 
 void RememberGeometry(const QWidget& Window) { OwnSettings().setValue(GeometryKey, Window.saveGeometry()); }
 
-bool RestoreGeometry(QWidget& Window) { return Window.restoreGeometry(OwnSettings().value(GeometryKey).toByteArray()); }
+bool RestoreGeometry(QWidget& Window) {
+  // A cut record passes for one whose rest is nothing.
+  constexpr qsizetype LeastBytes = 46;
+  const QByteArray Kept = OwnSettings().value(GeometryKey).toByteArray();
+  return Kept.size() >= LeastBytes && Window.restoreGeometry(Kept);
+}
 
 void RememberSize(const QString& Form, QSize Size) { OwnSettings().setValue(SizeKey(Form), Size); }
 

@@ -31,6 +31,12 @@ namespace zelvanor::tests {
 
 namespace {
 
+FileDialog Asking(bool Save) {
+  FileDialog Dialog;
+  Dialog.Save = Save;
+  return Dialog;
+}
+
 // A document without contents is enough to be opened.
 struct Documents {
   QTemporaryDir Folder;
@@ -53,7 +59,7 @@ DropResult DropOnWindow(const QList<QUrl>& Places) {
   Opened.clear();
   const Event Former = Main.mnuFileOpen.Click;
   // The real command begins with the same service.
-  Main.mnuFileOpen.Click = [] { Opened = AskForFile({}).value_or("cancelled"); };
+  Main.mnuFileOpen.Click = [] { Opened = AskForFile(Asking(false)).value_or("cancelled"); };
   QMimeData Dragged;
   Dragged.setUrls(Places);
   QDragEnterEvent Enter(QPoint(50, 50), Qt::CopyAction, &Dragged, Qt::LeftButton, Qt::NoModifier);
@@ -110,6 +116,7 @@ TEST(Drops, AreRefusedWhileTheWindowCantOpen) {
   Box.show();
   Refuses("a dialog is open");
   Box.hide();
+  BringBackWindow();
   EXPECT_TRUE(DropOnWindow(Places).Accepted);
 }
 
@@ -121,8 +128,9 @@ TEST(Drops, FileIsNoPlaceForUnsavedWork) {
   QTimer::singleShot(50, [] {
     if (QWidget* Dialog = QApplication::activeModalWidget()) Dialog->close();
   });
-  EXPECT_EQ(AskForFile({.Title = "Save As", .Save = true}), std::nullopt);
-  EXPECT_EQ(AskForFile({.Title = "Open"}), PathFromQt(Path));
+  EXPECT_EQ(AskForFile(Asking(true)), std::nullopt);
+  EXPECT_EQ(AskForFile(Asking(false)), PathFromQt(Path));
+  BringBackWindow();
 }
 
 // Reads what a dialog shows and closes it.
@@ -134,7 +142,7 @@ QString FolderOfNextDialog() {
     Folder = Dialog->directory().absolutePath();
     Dialog->close();
   });
-  AskForFile({.Title = "Open"});
+  AskForFile(Asking(false));
   return Folder;
 }
 
@@ -142,13 +150,14 @@ TEST(Remembered, FoldersOfTheFileDialogs) {
   const Documents Former;
   const Documents Present;
   QueueFile(PathFromQt(Former.Make("last.NMR")));
-  AskForFile({.Title = "Open"});
+  AskForFile(Asking(false));
   EXPECT_EQ(FolderOfNextDialog(), QDir(Former.Folder.path()).absolutePath());
   Workspace.DocumentPath = PathFromQt(Present.Make("now.NMR"));
   EXPECT_EQ(FolderOfNextDialog(), QDir(Present.Folder.path()).absolutePath()) << "a document's own folder comes first";
   Workspace.DocumentPath = PathFromQt(Present.Folder.filePath("gone/x.NMR"));
   EXPECT_EQ(FolderOfNextDialog(), QDir(Former.Folder.path()).absolutePath()) << "a folder that is gone counts as none";
   Workspace.DocumentPath.clear();
+  BringBackWindow();
 }
 
 TEST(Remembered, WidthsOfEachTable) {
