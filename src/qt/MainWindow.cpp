@@ -147,7 +147,8 @@ std::unique_ptr<QMainWindow> MakeMainWindow() {
   }
   auto Window = std::make_unique<FrameWindow>();
   Window->setObjectName(MainFormName);
-  QApplication::setWindowIcon(QIcon(":/icons/zelvanor.svg"));
+  // The desktop has the installed one at every size.
+  QApplication::setWindowIcon(QIcon::fromTheme("zelvanor", QIcon(":/icons/zelvanor.svg")));
   Window->setMinimumSize(LeastWidth, LeastHeight);
   GiveFirstSize(Window.get());
   // The program lays its controls out before the window is shown: it is given the size that the window will have.
