@@ -19,7 +19,7 @@
 #include "qt/FindBar.h"
 #include "qt/HelpPage.h"
 #include "qt/HelpSearch.h"
-#include "qt/MainWindow.h"
+#include "qt/Remembered.h"
 #include "qt/TextConversion.h"
 #include "shell/HelpTopics.h"
 #include "shell/MainForm.h"
@@ -29,9 +29,6 @@ namespace zelvanor {
 
 namespace {
 
-constexpr const char* GeometryKey = "help/geometry";
-constexpr const char* SplitterKey = "help/splitter";
-constexpr const char* ZoomKey = "help/zoom";
 constexpr QSize FirstSize{1000, 720};
 constexpr int FirstContentsWidth = 270;
 constexpr int LargestZoom = 12;
@@ -98,9 +95,10 @@ HelpWindow::HelpWindow() {
   AddKeys();
   connect(Page, &QTextBrowser::sourceChanged, this, &HelpWindow::FollowPage);
   resize(FirstSize);
-  restoreGeometry(OwnSettings().value(GeometryKey).toByteArray());
-  Halves->restoreState(OwnSettings().value(SplitterKey).toByteArray());
-  Zoom(OwnSettings().value(ZoomKey).toInt());
+  const HelpPlace Place = RememberedHelpPlace();
+  restoreGeometry(Place.Geometry);
+  Halves->restoreState(Place.Halves);
+  Zoom(Place.ZoomSteps);
 }
 
 QWidget* HelpWindow::MakeContents() {
@@ -249,12 +247,7 @@ void HelpWindow::Leave() {
   }
 }
 
-void HelpWindow::KeepPlace() {
-  QSettings Kept = OwnSettings();
-  Kept.setValue(GeometryKey, saveGeometry());
-  Kept.setValue(SplitterKey, Halves->saveState());
-  Kept.setValue(ZoomKey, ZoomSteps);
-}
+void HelpWindow::KeepPlace() { RememberHelpPlace({saveGeometry(), Halves->saveState(), ZoomSteps}); }
 
 void HelpWindow::closeEvent(QCloseEvent* Close) {
   KeepPlace();

@@ -2,10 +2,10 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
 #include <QIcon>
 #include <QLabel>
 #include <QScreen>
-#include <QSettings>
 #include <QStyle>
 #include <QTimer>
 #include <algorithm>
@@ -16,6 +16,8 @@
 #include "qt/HelpWindow.h"
 #include "qt/KeyFilter.h"
 #include "qt/MenuBar.h"
+#include "qt/OpenFiles.h"
+#include "qt/Remembered.h"
 #include "qt/TextConversion.h"
 #include "qt/ToolStrip.h"
 #include "qt/WorkHint.h"
@@ -33,7 +35,6 @@ constexpr int FirstWidth = 900;
 constexpr int FirstHeight = 640;
 constexpr int LeastWidth = 400;
 constexpr int LeastHeight = 240;
-constexpr const char* GeometryKey = "geometry";
 
 // Controls of the work area, in the order in which they lie on one another.
 Control* const WorkControls[] = {&Main.MolRender1, &Main.ShieldTable, &Main.HScroll2,
@@ -46,6 +47,7 @@ class WorkArea : public QWidget {
     Strip = MakeToolStrip(this);
     for (Control* Item : WorkControls) MakeWidget(*Item, this);
     // The scales of the spectrum follow one resize behind.
+    Settled.setObjectName("settled");
     Settled.setSingleShot(true);
     Settled.setInterval(SettleMilliseconds);
     QObject::connect(&Settled, &QTimer::timeout, this, [] { Dispatch([] { Fire(Main.frmNMR.Resize); }); });
@@ -69,7 +71,7 @@ class WorkArea : public QWidget {
  private:
   QLabel* Hint = nullptr;
   QWidget* Strip = nullptr;
-  QTimer Settled;
+  QTimer Settled{this};
 };
 
 class FrameWindow : public QMainWindow {
@@ -77,6 +79,7 @@ class FrameWindow : public QMainWindow {
   FrameWindow() {
     BuildMenus(menuBar());
     setCentralWidget(new WorkArea(this));
+    setAcceptDrops(true);
   }
 
  protected:
@@ -85,6 +88,23 @@ class FrameWindow : public QMainWindow {
     Close->ignore();
     if (CommandsPause()) return QApplication::beep();
     Dispatch([] { UnloadForm(Main.frmNMR); });
+  }
+
+  // The pointer shows by its form whether the window takes what is dragged.
+  void dragEnterEvent(QDragEnterEvent* Drag) override {
+    if (MayOpenDocuments() && !FirstLocalFile(*Drag->mimeData()).isEmpty()) Drag->acceptProposedAction();
+  }
+
+  // The other program waits for the end of the drop: the command, which may ask, comes after it.
+  void dropEvent(QDropEvent* Drop) override {
+    const QString Path = FirstLocalFile(*Drop->mimeData());
+    if (Path.isEmpty() || !MayOpenDocuments()) return;
+    Drop->acceptProposedAction();
+    QTimer::singleShot(0, this, [this, Path] {
+      if (!MayOpenDocuments()) return;
+      activateWindow();
+      OpenDocument(PathFromQt(Path));
+    });
   }
 };
 
@@ -112,8 +132,8 @@ void ShowForm(QMainWindow* Window, Property What) {
   }
 }
 
-void RestoreGeometry(QMainWindow* Window) {
-  if (Window->restoreGeometry(OwnSettings().value(GeometryKey).toByteArray())) return;
+void GiveFirstSize(QMainWindow* Window) {
+  if (RestoreGeometry(*Window)) return;
   const QSize Room = Window->screen()->availableSize();
   Window->resize(QSize(FirstWidth, FirstHeight).boundedTo(Room * 0.9));
 }
@@ -131,7 +151,7 @@ std::unique_ptr<QMainWindow> MakeMainWindow() {
   // The desktop has the installed one at every size.
   QApplication::setWindowIcon(QIcon::fromTheme("zelvanor", QIcon(":/icons/zelvanor.svg")));
   Window->setMinimumSize(LeastWidth, LeastHeight);
-  RestoreGeometry(Window.get());
+  GiveFirstSize(Window.get());
   // The program lays its controls out before the window is shown: it is given the size that the window will have.
   const QSize Inner = Window->size() - QSize(0, Window->menuBar()->sizeHint().height());
   Main.frmNMR.Width = TwipsFromPixels(Inner.width());
@@ -142,14 +162,10 @@ std::unique_ptr<QMainWindow> MakeMainWindow() {
   return Window;
 }
 
-QSettings OwnSettings() { return QSettings("zelvanor", "zelvanor"); }
-
 QWidget* TopWindow() {
   if (QWidget* Dialog = QApplication::activeModalWidget()) return Dialog;
   QWidget* Window = WidgetOf(Main.frmNMR);
   return Window != nullptr && Window->isVisible() ? Window : nullptr;
 }
-
-void SaveGeometryOf(const QMainWindow& Window) { OwnSettings().setValue(GeometryKey, Window.saveGeometry()); }
 
 }  // namespace zelvanor

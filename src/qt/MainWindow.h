@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QMainWindow>
-#include <QSettings>
 #include <memory>
 
 namespace zelvanor {
@@ -14,11 +13,5 @@ std::unique_ptr<QMainWindow> MakeMainWindow();
 
 // The window that boxes and dialogs belong to: the dialog on top, or the main window when it is shown. May be null.
 QWidget* TopWindow();
-
-// What the windows keep for the next session, apart from the program's own settings.
-QSettings OwnSettings();
-
-// Keeps the geometry for the next session.
-void SaveGeometryOf(const QMainWindow& Window);
 
 }  // namespace zelvanor
