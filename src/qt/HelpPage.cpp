@@ -4,9 +4,8 @@
 #include <QFileInfo>
 #include <QFontDatabase>
 #include <QImageReader>
-#include <QScrollBar>
 #include <QTextBlock>
-#include <QTextDocumentFragment>
+#include <QTextList>
 #include <QTextTable>
 
 #include "qt/TextConversion.h"
@@ -72,8 +71,10 @@ void FitPicture(QTextCursor& Cursor, const QTextFragment& Piece, const QString& 
 void FitPictures(QTextDocument& Page, const QString& Folder, int Room) {
   QTextCursor Cursor(&Page);
   for (QTextBlock Block = Page.begin(); Block.isValid(); Block = Block.next()) {
+    const int Indent = Block.textList() == nullptr ? 0 : Block.textList()->format().indent();
+    const int RoomHere = Room - static_cast<int>(Indent * Page.indentWidth());
     for (auto Piece = Block.begin(); !Piece.atEnd(); ++Piece) {
-      if (Piece.fragment().charFormat().isImageFormat()) FitPicture(Cursor, Piece.fragment(), Folder, Room);
+      if (Piece.fragment().charFormat().isImageFormat()) FitPicture(Cursor, Piece.fragment(), Folder, RoomHere);
     }
   }
 }
