@@ -1,5 +1,6 @@
 #include "qt/HelpPage.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QFileInfo>
 #include <QFontDatabase>
@@ -54,13 +55,22 @@ void DressCode(QTextCursor& Cursor, const QTextFragment& Piece) {
   Cursor.setCharFormat(Look);
 }
 
-// Pictures are given their own size, or the width of the page where that is less.
+// Pictures are given their own size, or the width of the page where that is less. The page's own scaling is coarse: it
+// gets them in the size in which they are shown.
 void FitPicture(QTextCursor& Cursor, const QTextFragment& Piece, const QString& Folder, int Room) {
   QTextImageFormat Look = Piece.charFormat().toImageFormat();
-  const QSize Own = QImageReader(Folder + "/" + Look.name()).size();
+  const QString Path = Folder + "/" + Look.name();
+  const QSize Own = QImageReader(Path).size();
   if (Own.isEmpty()) return;
   const int Width = qMin(Own.width(), Room);
   if (Look.width() == Width) return;
+  QImage Picture(Path);
+  if (Width < Own.width()) {
+    const qreal Ratio = qApp->devicePixelRatio();
+    Picture = Picture.scaledToWidth(qRound(Width * Ratio), Qt::SmoothTransformation);
+    Picture.setDevicePixelRatio(Ratio);
+  }
+  Cursor.document()->addResource(QTextDocument::ImageResource, QUrl::fromLocalFile(Path), Picture);
   Look.setWidth(Width);
   Look.setHeight(Own.height() * Width / double(Own.width()));
   Cursor.setPosition(Piece.position());
@@ -127,9 +137,11 @@ HelpPage::HelpPage(QWidget* Parent) : QTextBrowser(Parent) {
 }
 
 void HelpPage::DressPage(const QUrl& Page) {
+  // source() still is the page before, and Page may be named as seen from there.
+  const QString Folder = FolderOf(source().resolved(Page));
   DressTables(*document()->rootFrame(), palette());
   DressBlocks(*document(), palette());
-  FitPictures(*document(), FolderOf(source()), viewport()->width() - 3 * HeadingSpace);
+  FitPictures(*document(), Folder, viewport()->width() - 3 * HeadingSpace);
   document()->setModified(false);
   ShowMarks(!Page.hasFragment());
   if (Page.hasFragment()) scrollToAnchor(Page.fragment());

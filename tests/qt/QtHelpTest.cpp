@@ -47,6 +47,18 @@ class QtHelpTest : public testing::Test {
   }
 };
 
+// The widths of the pictures on the page; 0 is one that has not been found.
+std::vector<int> PictureWidths() {
+  std::vector<int> Widths;
+  for (QTextBlock Block = Page()->document()->begin(); Block.isValid(); Block = Block.next()) {
+    for (auto Piece = Block.begin(); !Piece.atEnd(); ++Piece) {
+      const QTextImageFormat Image = Piece.fragment().charFormat().toImageFormat();
+      if (Image.isValid()) Widths.push_back(static_cast<int>(Image.width()));
+    }
+  }
+  return Widths;
+}
+
 QStringList TreeTitles() {
   QStringList Titles;
   for (QTreeWidgetItemIterator Item(Help()->findChild<QTreeWidget*>()); *Item != nullptr; ++Item) {
@@ -172,25 +184,21 @@ TEST_F(QtHelpTest, FindsInThePageAndGrows) {
   EXPECT_FALSE(Help()->isVisible());
 }
 
-// Every picture is one that the window can show: what a page holds in the place of a missing one has no size.
 TEST_F(QtHelpTest, EveryPictureIsShown) {
-  int NumPictures = 0;
+  delete Help();  // the first page of a fresh window has its pictures too
+  std::size_t NumPictures = 0;
   for (const HelpEntry& Entry : ReadHelpContents(Manual)) {
     if (Entry.Page.empty()) continue;
     ShowHelpWindow(Manual, HelpCommand::Contents, 0);
+    for (const int Width : PictureWidths()) EXPECT_GT(Width, 0);
     Page()->setSource(QUrl(PathToQt(Entry.Page)));
-    EXPECT_FALSE(Page()->toPlainText().trimmed().isEmpty()) << Entry.Page;
-    for (QTextBlock Block = Page()->document()->begin(); Block.isValid(); Block = Block.next()) {
-      for (auto Piece = Block.begin(); !Piece.atEnd(); ++Piece) {
-        const QTextImageFormat Image = Piece.fragment().charFormat().toImageFormat();
-        if (!Image.isValid()) continue;
-        ++NumPictures;
-        EXPECT_GT(Image.width(), 0) << Entry.Page << ": " << FromQt(Image.name());
-        EXPECT_LE(Image.width(), Page()->viewport()->width()) << FromQt(Image.name());
-      }
+    for (const int Width : PictureWidths()) {
+      ++NumPictures;
+      EXPECT_GT(Width, 0) << Entry.Page;
+      EXPECT_LE(Width, Page()->viewport()->width()) << Entry.Page;
     }
   }
-  EXPECT_GE(NumPictures, 15);
+  EXPECT_GE(NumPictures, 15U);
 }
 
 }  // namespace zelvanor::tests
