@@ -125,8 +125,6 @@ void DressBlocks(QTextDocument& Page, const QPalette& Colours) {
   }
 }
 
-QString FolderOf(const QUrl& Page) { return QFileInfo(Page.toLocalFile()).path(); }
-
 }  // namespace
 
 HelpPage::HelpPage(QWidget* Parent) : QTextBrowser(Parent) {
@@ -137,8 +135,8 @@ HelpPage::HelpPage(QWidget* Parent) : QTextBrowser(Parent) {
 }
 
 void HelpPage::DressPage(const QUrl& Page) {
-  // source() still is the page before, and Page may be named as seen from there.
-  const QString Folder = FolderOf(source().resolved(Page));
+  // source() still is the page before; a page that is named without its folder stands in the same one.
+  if (!Page.isRelative()) Folder = QFileInfo(Page.toLocalFile()).path();
   DressTables(*document()->rootFrame(), palette());
   DressBlocks(*document(), palette());
   FitPictures(*document(), Folder, viewport()->width() - 3 * HeadingSpace);
@@ -191,7 +189,7 @@ void HelpPage::changeEvent(QEvent* Change) {
 
 void HelpPage::resizeEvent(QResizeEvent* Resize) {
   QTextBrowser::resizeEvent(Resize);
-  if (!source().isEmpty()) FitPictures(*document(), FolderOf(source()), viewport()->width() - 3 * HeadingSpace);
+  if (!source().isEmpty()) FitPictures(*document(), Folder, viewport()->width() - 3 * HeadingSpace);
 }
 
 }  // namespace zelvanor

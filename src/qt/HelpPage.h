@@ -23,6 +23,7 @@ class HelpPage : public QTextBrowser {
   void DressPage(const QUrl& Page);
   void ShowMarks(bool Scroll);
 
+  QString Folder;  // of the page shown
   QStringList Marked;
 };
 
