@@ -182,6 +182,14 @@ bool HelpPage::FindText(const QString& Wanted, bool Backward) {
   return false;
 }
 
+QVariant HelpPage::loadResource(int Type, const QUrl& Name) {
+  const bool IsPage = Type == QTextDocument::MarkdownResource;
+  if (IsPage && Name.isLocalFile() && !QFileInfo::exists(Name.toLocalFile())) {
+    return QString("# Page missing\n\nThe page `%1` of the manual is not there.\n").arg(Name.toLocalFile());
+  }
+  return QTextBrowser::loadResource(Type, Name);
+}
+
 void HelpPage::changeEvent(QEvent* Change) {
   QTextBrowser::changeEvent(Change);
   if (Change->type() == QEvent::PaletteChange && !source().isEmpty()) reload();

@@ -15,6 +15,8 @@ class HelpPage : public QTextBrowser {
   // Selects the next or the previous place of a text, round the end of the page. False when it stands nowhere.
   bool FindText(const QString& Wanted, bool Backward);
 
+  QVariant loadResource(int Type, const QUrl& Name) override;
+
  protected:
   void changeEvent(QEvent* Change) override;
   void resizeEvent(QResizeEvent* Resize) override;

@@ -301,4 +301,10 @@ void AddHelpKey(QWidget* Window, const Form& Target) {
   QObject::connect(Key, &QShortcut::activated, Window, [&Target] { Dispatch([&Target] { ShowContextHelp(Target); }); });
 }
 
+void AddHelpKey(QWidget* Window, int Context) {
+  auto* Key = new QShortcut(Qt::Key_F1, Window);
+  QObject::connect(Key, &QShortcut::activated, Window,
+                   [Context] { ShowHelpWindow(Main.HelpFile, HelpCommand::Context, Context); });
+}
+
 }  // namespace zelvanor

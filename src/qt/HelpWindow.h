@@ -11,7 +11,8 @@ namespace zelvanor {
 // that makes no sense, the status line says so.
 void ShowHelpWindow(const Text& File, HelpCommand Command, int Context);
 
-// F1 in a form's window opens the page of the form.
+// F1 in a form's window opens the page of the form, in another window that with a number.
 void AddHelpKey(QWidget* Window, const Form& Target);
+void AddHelpKey(QWidget* Window, int Context);
 
 }  // namespace zelvanor

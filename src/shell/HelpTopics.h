@@ -9,6 +9,7 @@ namespace zelvanor {
 // Numbers of the manual's pages: what F1 opens. The manual's contents list (nmr.hlp) says which page has which number.
 inline constexpr int ContentsHelp = 1;
 inline constexpr int UsingHelp = 2;
+inline constexpr int MessagesHelp = 3;
 inline constexpr int MainWindowHelp = 5;
 // Of the views of the main window.
 inline constexpr int MoleculeHelp = 10;

@@ -13,6 +13,7 @@
 #include <QWindow>
 
 #include "QtTestWindow.h"
+#include "qt/Boxes.h"
 #include "qt/Dispatch.h"
 #include "qt/HelpSearch.h"
 #include "qt/HelpWindow.h"
@@ -121,6 +122,20 @@ TEST_F(QtHelpTest, StaysUsableWhileADialogIsOpen) {
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
 }
 
+TEST_F(QtHelpTest, AMessageHasItsPageToo) {
+  QTimer::singleShot(100, [] {
+    QWidget* Box = QApplication::activeModalWidget();
+    ASSERT_NE(Box, nullptr);
+    QTest::keyClick(Box, Qt::Key_F1);
+    Wait(50);
+    EXPECT_EQ(FromQt(PageName()), "messages.md");
+    QTest::keyClick(Help()->windowHandle(), Qt::Key_Escape);
+    EXPECT_FALSE(Help()->isVisible());
+    QTest::keyClick(Box, Qt::Key_Return);
+  });
+  ShowMessageBox({BoxKind::Warning, BoxButtons::Ok, "Zelvanor", "WARNING: Read on."});
+}
+
 TEST_F(QtHelpTest, LinksLeadToPagesAndHeadings) {
   ShowHelpWindow(Manual, HelpCommand::Context, SpectrumHelp);
   Page()->setSource(QUrl("atom-types.md"));
@@ -130,6 +145,8 @@ TEST_F(QtHelpTest, LinksLeadToPagesAndHeadings) {
   EXPECT_EQ(FromQt(Top), "Coupling");
   Page()->backward();
   EXPECT_EQ(PageName(), "atom-types.md");
+  Page()->setSource(QUrl("no-such.md"));
+  EXPECT_TRUE(Page()->toPlainText().startsWith("Page missing")) << FromQt(Page()->toPlainText());
 }
 
 TEST_F(QtHelpTest, SearchFindsPagesAndMarksTheWords) {
