@@ -156,7 +156,8 @@ void LookAfterFiles(const Installation& Installed, const Text& WinIni) {
 
 Text PrepareUserFiles() {
   const Installation Installed = FindInstallation();
-  if (!Environment("ZELVANOR_WIN_INI").empty() || !IsFolder(Installed.Data)) return {};
+  const bool IsInstalled = Installed.Data.starts_with('/') && IsFolder(Installed.Data);
+  if (!IsInstalled || !Environment("ZELVANOR_WIN_INI").empty()) return {};
   const Text Own = OwnWinIni();
   const Text WinIni = FindWinIni();
   try {
