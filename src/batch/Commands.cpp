@@ -200,6 +200,12 @@ int NeedNumber(const std::vector<Argument>& All, std::size_t Place) {
   return ToLong(StrictNumber(All[Place].Value));
 }
 
+std::vector<Text> CommandNames() {
+  std::vector<Text> Names;
+  for (const auto& [Name, Row] : Commands()) Names.push_back(Name);
+  return Names;
+}
+
 void AddCommand(const Text& Name, const CommandRow& Row) { Commands()[Name] = Row; }
 
 void RunCommand(const std::vector<Argument>& All) {
