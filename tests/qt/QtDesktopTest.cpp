@@ -17,6 +17,7 @@
 #include <QUrl>
 
 #include "QtTestWindow.h"
+#include "backend/Compute.h"
 #include "platform/Form.h"
 #include "qt/Boxes.h"
 #include "qt/Dispatch.h"
@@ -243,6 +244,24 @@ TEST(Busy, StatusLineMovesWhileACommandWorks) {
   Workspace.IsBusy = False;
   Dispatch([] { SetBusy(True); });
   EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+TEST(Busy, WindowLivesWhileTheBackendRuns) {
+  auto* Line = Shown<QWidget>("StatusBar");
+  int Ticks = 0;
+  QTimer Clock;
+  QObject::connect(&Clock, &QTimer::timeout, [&Ticks] { ++Ticks; });
+  Clock.start(50);
+  Workspace.IsBusy = True;
+  SetStatus(Main.StatusBar, "Computing...");
+  const QImage First = Line->grab().toImage();
+  WaitForBackend(Platform.Shell("/bin/sleep 2"));
+  EXPECT_GE(Ticks, 20) << "events have been served all the time";
+  EXPECT_NE(Line->grab().toImage(), First) << "the line shows that time goes on";
+  Workspace.IsBusy = False;
+  Wait(600);
+  EXPECT_EQ(Line->grab().toImage(), First) << "and has no seconds when the work is done";
+  SetStatus(Main.StatusBar, "");
 }
 
 }  // namespace
