@@ -187,8 +187,8 @@ void CheckControl(Control& Of) {
   if (!IsSet(Of.Visible)) return;
   ComparePlace(Of, Widget);
   CompareOwn(Of, Widget);
-  const bool IsDrawn = Of.Kind == ControlKind::PictureSurface || Of.Kind == ControlKind::RenderControl ||
-                       Of.Kind == ControlKind::Chart;
+  const bool IsDrawn =
+      Of.Kind == ControlKind::PictureSurface || Of.Kind == ControlKind::RenderControl || Of.Kind == ControlKind::Chart;
   if (IsDrawn) CompareDrawing(Of, Widget);
 }
 
