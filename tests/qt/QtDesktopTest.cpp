@@ -161,6 +161,27 @@ TEST(Remembered, FoldersOfTheFileDialogs) {
   BringBackWindow();
 }
 
+TEST(Remembered, SizesOfDialogs) {
+  static Form frmKept("frmKept");  // forms stay known to the program for good
+  static ListBox List1(&frmKept, "List1");
+  RememberSize("frmKept", {470, 390});
+  QDialog* Dialog = DialogOf(frmKept, &Window());
+  EXPECT_EQ(Dialog->size(), QSize(470, 390));
+  const auto ShowAndResize = [&](QSize Size) {
+    QTimer::singleShot(20, [&] {
+      if (Size.isValid()) Dialog->resize(Size);
+      HideForm(frmKept);
+    });
+    ShowModal(frmKept);
+  };
+  ShowAndResize({520, 410});
+  EXPECT_EQ(RememberedSize("frmKept"), QSize(520, 410));
+  RememberSize("frmKept", {300, 300});
+  ShowAndResize({});
+  EXPECT_EQ(RememberedSize("frmKept"), QSize(300, 300)) << "a size that stays is not written again";
+  BringBackWindow();
+}
+
 TEST(Remembered, WidthsOfEachTable) {
   auto* View = Shown<QTableView>("ShieldTable");
   const auto ShowTable = [&](int Mode, int Cols) {
