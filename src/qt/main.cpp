@@ -3,6 +3,7 @@
 #include <clocale>
 
 #include "program.h"
+#include "qt/DarkOutlines.h"
 #include "qt/Dispatch.h"
 #include "qt/HostLink.h"
 #include "qt/MainWindow.h"
@@ -58,5 +59,6 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("zelvanor");
   QApplication::setDesktopFileName("zelvanor");
   QApplication::setQuitOnLastWindowClosed(false);
+  UseVisibleOutlines();
   return Run(JoinWords(argc, argv), FindFileWord(argc, argv));
 }
