@@ -14,6 +14,8 @@ bool Read(TextView Input) {
   const Text Path = WriteInput("input.NMR", Input);
   const bool Taken = IsSet(ReadDocument(Path));
   CheckPromises();
+  Demand(!IsSet(Workspace.NMRAtomsValid) || (Workspace.NumAtoms > 0 && Workspace.NumNMRAtoms != 0),
+         "NMR atoms are valid without atoms");
   const bool Filled = Workspace.NumAtoms > 0 || Workspace.NumNMRAtoms > 0;
   if (Taken && CanBeSaved()) CheckRoundTrip();
 

@@ -49,8 +49,8 @@ const FileKind Kinds[] = {
 };
 
 const Target* const AllTargets[] = {
-    &BackendParamTarget, &BackendSpectTarget, &BackendTablesTarget, &DocumentTarget,  &HostTextTarget,
-    &ParamResultsTarget, &ProfileTarget,      &ScriptTarget,        &SettingsTarget,  &SpectResultsTarget,
+    &BackendParamTarget, &BackendSpectTarget, &BackendTablesTarget, &DocumentTarget, &HostTextTarget,
+    &ParamResultsTarget, &ProfileTarget,      &ScriptTarget,        &SettingsTarget, &SpectResultsTarget,
     &TypeFileTarget,     &TypeRulesTarget,    &ZMatrixTarget,
 };
 

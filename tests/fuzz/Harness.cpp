@@ -102,8 +102,7 @@ struct StartedProgram {
     Main.frmNMR.Height = TwipsFromPixels(240);
     Main.StatusBar.Height = TwipsFromPixels(20);
     Main.HScroll1.Height = Main.HScroll2.Height = TwipsFromPixels(10);
-    WriteInput("win.ini",
-               Join("[Zelvanor]\nNMRExePath=", Folder(), "\nNMRParmPath=", SourceFile("data"), "\n"));
+    WriteInput("win.ini", Join("[Zelvanor]\nNMRExePath=", Folder(), "\nNMRParmPath=", SourceFile("data"), "\n"));
     // With looks of its own the molecule view asks once and not for every element.
     WriteInput("nmr.ini", "[MorvantisColors]\nDefault=RGB(1,2,3)\n[BallsSticksRadii]\nDefault=0.4\n");
     Form_Load("");

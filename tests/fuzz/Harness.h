@@ -25,8 +25,8 @@ void QueueResult(int Stage, TextView Content);
 // The folder, without a separator at its end; it goes with the process.
 const Text& Folder();
 Text PathOf(TextView Name);
-// Makes a file in the folder and returns its path. Two writes never bear the same time, so that nothing is taken from an
-// earlier input.
+// Makes a file in the folder and returns its path. Two writes never bear the same time, so that nothing is taken from
+// an earlier input.
 Text WriteInput(TextView Name, TextView Content);
 Text ReadBack(const Text& Path);
 // A file of the source tree.

@@ -24,8 +24,8 @@ void CheckWrites(const Text& Path, TextView Input) {
     Demand(GetPrivateProfileString(Entry.Section, Entry.Key, "none", Path) == Entry.Value, "a written value is lost");
   }
   const Text Written = ReadBack(Path);
-  Demand(Written.size() + 64 >= Input.size() && std::count(Written.begin(), Written.end(), '\n') + 1 >=
-                                                    std::count(Input.begin(), Input.end(), '\n'),
+  Demand(Written.size() + 64 >= Input.size() &&
+             std::count(Written.begin(), Written.end(), '\n') + 1 >= std::count(Input.begin(), Input.end(), '\n'),
          "lines are lost");
   Demand(WritePrivateProfileStrings(Entries, Path), "the file can't be written again");
   Demand(ReadBack(Path) == Written, "the second writing changes the file");

@@ -28,9 +28,9 @@ bool HoldAll(int Count, const Arrays&... All) {
 }
 
 bool AreFlags() {
-  for (const Flag Value : {W.MoleculeLoaded, W.NMRAtomsValid, W.ShieldingAvailable, W.CouplingAvailable,
-                           W.SpectraAvailable, W.DocumentDirty, W.ParamResultsStale, W.SpectResultsStale,
-                           W.AtomTypesChanged, W.IsBusy}) {
+  for (const Flag Value :
+       {W.MoleculeLoaded, W.NMRAtomsValid, W.ShieldingAvailable, W.CouplingAvailable, W.SpectraAvailable,
+        W.DocumentDirty, W.ParamResultsStale, W.SpectResultsStale, W.AtomTypesChanged, W.IsBusy}) {
     if (Value != True && Value != False) return false;
   }
   return true;
@@ -47,8 +47,8 @@ bool AreSetsWhole() {
 bool IsTableLongEnough() {
   const int Last = W.NumAtoms - 1;
   return W.NumAtoms >= 0 &&
-         HoldAll(Last, W.AtomNumber, W.AtomName, W.AtomicNumber, W.AtomElement, W.AtomType, W.AtomFlags,
-                 W.AtomCharge, W.AtomX, W.AtomY, W.AtomZ, W.AtomCoordination, W.AtomMolecule, W.AtomInMolecule) &&
+         HoldAll(Last, W.AtomNumber, W.AtomName, W.AtomicNumber, W.AtomElement, W.AtomType, W.AtomFlags, W.AtomCharge,
+                 W.AtomX, W.AtomY, W.AtomZ, W.AtomCoordination, W.AtomMolecule, W.AtomInMolecule) &&
          W.AtomNeighbour.UpperRow() >= Last && W.AtomNeighbour.UpperColumn() >= MaxCoordination &&
          W.AtomBondType.UpperRow() >= Last && W.AtomBondType.UpperColumn() >= MaxCoordination &&
          HoldAll(W.NumMolecules, W.MoleculeAtomCount);
@@ -80,14 +80,13 @@ Text BrokenPromise() {
   const bool Table = IsTableLongEnough();
   const std::vector<Promise> Promises = {
       {"a flag is neither -1 nor 0", AreFlags()},
-      {"a list of atoms is shorter than its count",
-       HoldAll(Count, W.NMRAtom, W.NMRAtomicNumber) && HoldAll(W.NumQuantumAtoms, W.QuantumAtom) &&
-           HoldAll(W.NumLabelledAtoms, W.LabelledAtom)},
+      {"a list of atoms is shorter than its count", HoldAll(Count, W.NMRAtom, W.NMRAtomicNumber) &&
+                                                        HoldAll(W.NumQuantumAtoms, W.QuantumAtom) &&
+                                                        HoldAll(W.NumLabelledAtoms, W.LabelledAtom)},
       {"an equivalent set is larger than its array", AreSetsWhole()},
       {"the host text is shorter than its count", W.HostTextLine.UpperBound() >= W.HostTextLineCount},
       {"the molecule has no whole atom table", Where(W.MoleculeLoaded, Table)},
       {"an atom of the molecule makes no sense", Where(W.MoleculeLoaded, Table && AreAtomsSound())},
-      {"NMR atoms are valid without atoms", Where(W.NMRAtomsValid, W.NumAtoms != 0)},
       {"shieldings are declared that are not there",
        Where(W.ShieldingAvailable, Count <= LargestResultCount && HoldAll(Count, W.Shielding, W.ChemicalShift) &&
                                        HoldAll(TensorValues * Count, W.ShieldTensor))},

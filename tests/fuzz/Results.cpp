@@ -33,6 +33,9 @@ bool ReadParam(TextView Input) {
   mnuComputeNMR_Click();
   CheckPromises();
   Demand(IsSet(W.ShieldingAvailable) == Taken, "the command and the reader don't agree");
+  // Tables of millions of couplings take seconds to show and to save.
+  constexpr int Most = 300;
+  if (W.NumNMRAtoms > Most) return Taken;
   LookAround();
   // The sites of the second stage are made of these results.
   QueueResult(2, "spectrum\n1\nFREQUENCY\n1 1 1 1\n");

@@ -39,20 +39,21 @@ bool ReadAll() {
 bool Read(TextView Input) {
   ResetProgram();
   const Text Path = WriteInput("nmr.ini", Input);
-  const bool Taken = ReadAll() && NumBoxes() == 0;
-  CheckPromises();
-  WriteInput("nmr.ini", Input);
-  if (ReadAll()) {
-    // What an exit writes, the next start and exit leave as it is.
-    Settings.PrefGraphColor = Settings.SpectrumLineColor;
-    Settings.PrefEnvelopColor = Settings.SpectrumEnvelopColor;
-    Settings.PrefSelectionColor = Settings.SpectrumSelectionColor;
-    WriteSettings();
-    const Text First = ReadBack(Path);
-    Demand(ReadAll(), "the written settings end the program");
-    WriteSettings();
-    Demand(ReadBack(Path) == First, "the settings come out in other bytes");
+  if (!ReadAll()) {
+    Demand(NumBoxes() > 0, "the program ends without a word");
+    return false;
   }
+  const bool Taken = NumBoxes() == 0;
+  // What an exit writes, the next start and exit leave as it is.
+  Settings.PrefGraphColor = Settings.SpectrumLineColor;
+  Settings.PrefEnvelopColor = Settings.SpectrumEnvelopColor;
+  Settings.PrefSelectionColor = Settings.SpectrumSelectionColor;
+  WriteSettings();
+  const Text First = ReadBack(Path);
+  Demand(ReadAll(), "the written settings end the program");
+  WriteSettings();
+  Demand(ReadBack(Path) == First, "the settings come out in other bytes");
+  CheckPromises();
   return Taken;
 }
 

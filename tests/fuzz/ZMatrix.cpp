@@ -1,7 +1,6 @@
 // Z-matrices: rows, places, bonds, orders and types, up to the saved document.
 
 #include "files/ZMatrixImport.h"
-
 #include "fuzz/Harness.h"
 #include "fuzz/Targets.h"
 #include "workspace/Workspace.h"
