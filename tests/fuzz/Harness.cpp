@@ -103,8 +103,7 @@ struct StartedProgram {
     Main.StatusBar.Height = TwipsFromPixels(20);
     Main.HScroll1.Height = Main.HScroll2.Height = TwipsFromPixels(10);
     WriteInput("win.ini", Join("[Zelvanor]\nNMRExePath=", Folder(), "\nNMRParmPath=", SourceFile("data"), "\n"));
-    // With looks of its own the molecule view asks once and not for every element.
-    WriteInput("nmr.ini", "[MorvantisColors]\nDefault=RGB(1,2,3)\n[BallsSticksRadii]\nDefault=0.4\n");
+    WriteOwnSettings();
     Form_Load("");
     Document = Workspace;
     Options = Settings;
@@ -191,6 +190,11 @@ Text ReadBack(const Text& Path) {
   Text Content(fs::file_size(Path), '\0');
   Stream.read(Content.data(), static_cast<std::streamsize>(Content.size()));
   return Content;
+}
+
+void WriteOwnSettings() {
+  // With looks of its own the molecule view asks once and not for every element.
+  WriteInput("nmr.ini", "[MorvantisColors]\nDefault=RGB(1,2,3)\n[BallsSticksRadii]\nDefault=0.4\n");
 }
 
 Text SourceFile(TextView Name) { return Join(ZELVANOR_SOURCE, "/", Name); }

@@ -28,6 +28,8 @@ Text PathOf(TextView Name);
 // Makes a file in the folder and returns its path. Two writes never bear the same time, so that nothing is taken from
 // an earlier input.
 Text WriteInput(TextView Name, TextView Content);
+// The nmr.ini of the folder, as it is at the program's start.
+void WriteOwnSettings();
 Text ReadBack(const Text& Path);
 // A file of the source tree.
 Text SourceFile(TextView Name);

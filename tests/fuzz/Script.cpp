@@ -56,7 +56,7 @@ void FillFolder() {
       {"water.zmt", ReadBack(SourceFile("examples/water.zmt"))},
   };
   for (const auto& [Name, Content] : Contents) WriteInput("script/" + Name, Content);
-  WriteInput("nmr.ini", "");
+  WriteOwnSettings();
 }
 
 void CutOut(Text& Line, TextView Piece) {
