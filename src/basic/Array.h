@@ -35,6 +35,19 @@ class Array {
 
   // Loses the old elements; the new ones are zero or blank.
   void ReDim(int UpperBound) { Stored = detail::MakeElements<T>(detail::SizeFromBound(UpperBound)); }
+  // The elements of a list, and the spare one behind them; Array<FixedText> takes a list of texts.
+  template <class List>
+  void Assign(const List& Elements) {
+    std::vector<T> Fresh;
+    try {
+      Fresh.reserve(Elements.size() + 1);
+    } catch (const std::exception&) {
+      throw Failure(failures::OutOfMemory);
+    }
+    for (const auto& Element : Elements) Fresh.emplace_back(Element);
+    Fresh.emplace_back();
+    Stored = std::move(Fresh);
+  }
   void ReDimPreserve(int UpperBound) { Stored.resize(detail::SizeFromBound(UpperBound)); }
   int UpperBound() const { return static_cast<int>(Stored.size()) - 1; }
 
