@@ -80,6 +80,7 @@ void FillServices() {
   Platform.ShowBox = AnswerBox;
   Platform.ShowFileDialog = AnswerDialog;
   Platform.SetClipboardPicture = [](const ChartControl& /*Chart*/) {};
+  Platform.PrepareUserFiles = [] { return Text(); };
   Platform.OtherInstanceRuns = [] { return false; };
   Platform.DecimalSeparator = [] { return Text("."); };
   Platform.ProgramDirectory = Folder;
