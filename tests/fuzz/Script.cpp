@@ -63,14 +63,23 @@ void CutOut(Text& Line, TextView Piece) {
   for (std::size_t Place = 0; (Place = Line.find(Piece, Place)) != Text::npos;) Line.erase(Place, Piece.size());
 }
 
-// Whether the line makes the program wait, whatever stands in it for an empty variable.
-bool Waits(Text Line) {
+// Whether the line makes the program wait, or assigns a count that asks for tables of gigabytes, whatever stands in it
+// for an empty variable.
+bool IsLeftOut(Text Line) {
   for (std::size_t Open = 0; (Open = Line.find("${")) != Text::npos;) {
     const std::size_t Close = Line.find('}', Open);
     if (Close == Text::npos) break;
     Line.erase(Open, Close - Open + 1);
   }
-  return Line.find("wait") != Text::npos;
+  if (Line.find("wait") != Text::npos) return true;
+  constexpr int MostDigits = 3;
+  int Digits = 0;
+  for (const char C : Line) {
+    Digits = C >= '0' && C <= '9' ? Digits + 1 : 0;
+    if (Digits > MostDigits) break;
+  }
+  return Line.find("let") != Text::npos &&
+         (Digits > MostDigits || Line.find_first_of("eEdD", Line.find('=')) != Text::npos);
 }
 
 Text Tamed(TextView Input) {
@@ -79,7 +88,7 @@ Text Tamed(TextView Input) {
   for (Text Line; std::getline(Lines, Line);) {
     CutOut(Line, "/");
     CutOut(Line, "..");
-    if (!Waits(Line)) Result += Line + "\n";
+    if (!IsLeftOut(Line)) Result += Line + "\n";
   }
   return Result;
 }
