@@ -8,6 +8,7 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
+#include <vector>
 
 #include "files/DocumentReader.h"
 #include "files/DocumentWriter.h"
@@ -16,6 +17,7 @@
 #include "fuzz/Promises.h"
 #include "molecule/TakeSystem.h"
 #include "platform/Grid.h"
+#include "platform/RenderRaster.h"
 #include "platform/Services.h"
 #include "platform/posix/PosixServices.h"
 #include "program.h"
@@ -119,11 +121,30 @@ void ReadGrid(const GridControl& Grid) {
   }
 }
 
+// What the window draws of the molecule, smooth and plain, and the atom under its middle.
+void DrawMolecule() {
+  const RenderControl& View = Main.MolRender1;
+  static ShadeTables Shades;
+  RenderScene Scene;
+  BuildScene(View, Scene);
+  constexpr int Width = 200;
+  constexpr int Height = 150;
+  std::vector<std::uint32_t> Pixels(std::size_t{Width} * Height);
+  for (const Double Ratio : {1.0, 1.5}) {
+    const PixelPicture Target = {Pixels.data(), Width, Height, Width, Ratio};
+    FillPicture(Target, Scene.Background);
+    for (const DrawItem& Item : Scene.Items) DrawForms(Target, Item, Ratio == 1.0, Shades);
+  }
+  PickAtom(View, Width / 2.0, Height / 2.0);
+}
+
 bool IsReadBackAs(int Number) {
   const int Atom = Number - 1;
   if (Atom < 0 || Atom > W.AtomMolecule.UpperBound() || Atom > W.AtomInMolecule.UpperBound()) return false;
   const int Molecule = W.AtomMolecule[Atom];
   if (Molecule < 1 || Molecule > W.NumMolecules + 1) return false;
+  // Behind the atoms stands the placeholder molecule alone; a line without a whole atom may have left another number.
+  if (Atom >= W.NumAtoms && Molecule != W.NumMolecules + 1) return false;
   int Read = W.AtomInMolecule[Atom];
   for (int Before = 0; Before <= Molecule - 2; ++Before) Read += W.MoleculeAtomCount[Before];
   return Read == Number;
@@ -225,6 +246,7 @@ void LookAround() {
     Fire(View->Click);
     ReadGrid(Main.ShieldTable);
   }
+  DrawMolecule();
   if (IsSet(Main.mnuFileSaveAs.Enabled)) {
     QueueFile(PathOf("saved.NMR"));
     mnuFileSaveAs_Click();
