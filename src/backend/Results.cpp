@@ -64,9 +64,10 @@ void RefuseErrorReport(TextView Line) {
   throw ReadRefused();
 }
 
-void AllocateParamResults() {
-  const Integer Count = W.NumNMRAtoms;
-  W.ShieldTensor.ReDim(TensorValues * Count);  // first: its bound is the one that overflows
+void AllocateParamResults(Integer Count) {
+  // First: its bound is the one that overflows. The count is taken when there are arrays for it.
+  W.ShieldTensor.ReDim(TensorValues * Count);
+  W.NumNMRAtoms = Count;
   W.NMRAtom.ReDimPreserve(Count);
   W.NMRAtomicNumber.ReDimPreserve(Count);
   W.Shielding.ReDim(Count);
@@ -104,12 +105,13 @@ void ReadCouplings() {
 
 void ReadParamLines() {
   RefuseErrorReport(NextLine());
-  W.NumNMRAtoms = ToInteger(PrefixNumber(NextLine()));
-  if (W.NumNMRAtoms <= 0) {
-    ShowWarning(Join("There is no NMR atom selection.  The number of NMR atoms is ", W.NumNMRAtoms, "."));
+  const Integer Count = ToInteger(PrefixNumber(NextLine()));
+  if (Count <= 0) {
+    W.NumNMRAtoms = Count;
+    ShowWarning(Join("There is no NMR atom selection.  The number of NMR atoms is ", Count, "."));
     throw ReadRefused();
   }
-  AllocateParamResults();
+  AllocateParamResults(Count);
   ScanLine(NextLine(), W.NumNMRAtoms, [](int Atom, Double Value) { W.NMRAtomicNumber[Atom] = ToInteger(Value); });
   ReadShieldings();
   if (EqualsIgnoringCase(NextLine().substr(0, 6), "TENSOR")) {

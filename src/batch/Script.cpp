@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <istream>
+#include <new>
 
 #include "basic/NumberText.h"
 #include "basic/TextTools.h"
@@ -78,6 +79,8 @@ void RunLine(TextView Line) {
   } catch (const Failure& Problem) {
     // What no routine of the program has caught, or a number of the script that is none.
     throw ScriptStop{CannotCarryOut, Problem.What};
+  } catch (const std::bad_alloc&) {
+    throw ScriptStop{CannotCarryOut, failures::OutOfMemory};
   } catch (const ProgramEnded&) {
     State.Ended = true;
     PrintOut("ended");
