@@ -176,8 +176,9 @@ Flag ReadResultFile(const Text& Path, Routine ReadLines) {
     Result = True;
   } catch (const ReadRefused&) {
     Result = False;
-  } catch (const Failure&) {
-    Result = False;
+  } catch (const Failure& Problem) {
+    // A backend that never stopped writing is more than a result that can't be read.
+    if (Problem.What == failures::FileTooLarge) WarnOfFailure(Problem);
   }
   CloseFileQuietly(W.FileNumber);
   return Result;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <new>
 #include <span>
 #include <vector>
 
@@ -35,7 +36,13 @@ class Array {
 
   // Loses the old elements; the new ones are zero or blank.
   void ReDim(int UpperBound) { Stored = detail::MakeElements<T>(detail::SizeFromBound(UpperBound)); }
-  void ReDimPreserve(int UpperBound) { Stored.resize(detail::SizeFromBound(UpperBound)); }
+  void ReDimPreserve(int UpperBound) {
+    try {
+      Stored.resize(detail::SizeFromBound(UpperBound));
+    } catch (const std::bad_alloc&) {
+      throw Failure(failures::OutOfMemory);
+    }
+  }
   int UpperBound() const { return static_cast<int>(Stored.size()) - 1; }
 
   T& operator[](int Index) { return Stored[Check(Index)]; }

@@ -30,8 +30,9 @@ void Quit(const Words& /*All*/) {
 }
 
 void Size(const Words& All) {
-  Main.frmNMR.Width = TwipsFromPixels(NeedNumber(All, 1));
-  Main.frmNMR.Height = TwipsFromPixels(NeedNumber(All, 2));
+  constexpr int Largest = 32767;  // of a drawing surface
+  Main.frmNMR.Width = TwipsFromPixels(std::clamp(NeedNumber(All, 1), 0, Largest));
+  Main.frmNMR.Height = TwipsFromPixels(std::clamp(NeedNumber(All, 2), 0, Largest));
   if (State.Started) Fire(Main.frmNMR.Resize);
 }
 

@@ -26,13 +26,18 @@ struct ParseState {
 
 // Counts on the stored lines as they stand, padding and leading blanks included, down to the spare last one.
 void CountAtomsAndMolecules() {
+  // More than an Integer holds end the count, and leave no number of atoms that are not there.
   W.NumAtoms = 0;
   W.NumMolecules = 0;
+  Integer NumAtoms;
+  Integer NumMolecules;
   for (int Line = 0; Line <= W.HostTextLineCount; ++Line) {
     const TextView Stored = W.HostTextLine[Line].View();
-    if (Stored.starts_with("atom ")) ++W.NumAtoms;
-    if (Stored.starts_with("mol ")) ++W.NumMolecules;
+    if (Stored.starts_with("atom ")) ++NumAtoms;
+    if (Stored.starts_with("mol ")) ++NumMolecules;
   }
+  W.NumAtoms = NumAtoms;
+  W.NumMolecules = NumMolecules;
 }
 
 void ReadNeighbours(const ParseState& State) {

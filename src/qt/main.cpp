@@ -2,6 +2,7 @@
 #include <QFileInfo>
 #include <clocale>
 
+#include "platform/posix/PosixServices.h"
 #include "program.h"
 #include "qt/Boxes.h"
 #include "qt/Dispatch.h"
@@ -66,5 +67,6 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("zelvanor");
   QApplication::setDesktopFileName("zelvanor");
   QApplication::setQuitOnLastWindowClosed(false);
+  TakeEndSignals();
   return Run(JoinWords(argc, argv), FindFileWord(argc, argv));
 }
