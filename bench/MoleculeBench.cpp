@@ -1,22 +1,28 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <vector>
 
 #include "molecule/ViewTransform.h"
+#include "platform/RenderRaster.h"
 #include "platform/RenderScene.h"
 
-// A step of a drag in the molecule view without the painting: turn the matrix, project, colour and sort. The floor is
-// the projection of the same atoms alone.
+// A step of a drag in the molecule view: turn the matrix, project, colour, sort and, with paint, draw every form into
+// the pixels of the window. The floor is the projection of the same atoms alone. The promise is 16 ms with 10,000
+// atoms.
 
 namespace zelvanor {
 
 namespace {
 
+constexpr int ViewWidth = 1200;
+constexpr int ViewHeight = 900;
+
 // A chain of carbon atoms with two hydrogens each, wound up so that it fills a ball: about as many bonds as atoms, at
 // every depth.
 void PutChain(RenderControl& Control, int Count) {
-  Control.Width = TwipsFromPixels(1200);
-  Control.Height = TwipsFromPixels(900);
+  Control.Width = TwipsFromPixels(ViewWidth);
+  Control.Height = TwipsFromPixels(ViewHeight);
   SetAtomCount(Control, Count);
   for (int Atom = 0; Atom < Count; ++Atom) {
     const int Carbon = Atom / 3;
@@ -44,22 +50,31 @@ void PutChain(RenderControl& Control, int Count) {
   SetViewTransform(Control, M);
 }
 
-void DragStep(benchmark::State& State, bool Simple) {
+struct StepRow {
+  bool Simple;  // as the view is drawn while the mouse moves
+  bool Painted;
+};
+
+void DragStep(benchmark::State& State, StepRow Step) {
   RenderControl Control(nullptr, "View");
   PutChain(Control, static_cast<int>(State.range(0)));
   Control.AtomRenderType = AtomSpheres;
   Control.BondRenderType = BondLines;
-  Control.SimpleDrawing = Simple;
+  Control.SimpleDrawing = Step.Simple;
   RenderScene Scene;
+  ShadeTables Shades;
+  std::vector<std::uint32_t> Pixels(std::size_t{ViewWidth} * ViewHeight);
+  const PixelPicture Target{Pixels.data(), ViewWidth, ViewHeight, ViewWidth, 1};
   for (auto _ : State) {
     RotateAboutCentre(Control, 0.01, 0.02, 0, {});
     BuildScene(Control, Scene);
     benchmark::DoNotOptimize(Scene.Items.data());
+    if (!Step.Painted) continue;
+    FillPicture(Target, Scene.Background);
+    for (const DrawItem& Item : Scene.Items) DrawForms(Target, Item, Scene.Simple, Shades);
+    benchmark::DoNotOptimize(Pixels.data());
   }
 }
-
-void SimpleDragStep(benchmark::State& State) { DragStep(State, true); }
-void FullDragStep(benchmark::State& State) { DragStep(State, false); }
 
 void ProjectionAlone(benchmark::State& State) {
   RenderControl Control(nullptr, "View");
@@ -72,8 +87,10 @@ void ProjectionAlone(benchmark::State& State) {
 }
 
 BENCHMARK(ProjectionAlone)->Arg(10000)->Arg(32000)->Unit(benchmark::kMillisecond);
-BENCHMARK(SimpleDragStep)->Arg(10000)->Arg(32000)->Unit(benchmark::kMillisecond);
-BENCHMARK(FullDragStep)->Arg(10000)->Arg(32000)->Unit(benchmark::kMillisecond);
+#define EACH_SIZE ->Arg(10000)->Arg(32000)->Unit(benchmark::kMillisecond)
+BENCHMARK_CAPTURE(DragStep, ListAlone, StepRow{true, false}) EACH_SIZE;
+BENCHMARK_CAPTURE(DragStep, Plain, StepRow{true, true}) EACH_SIZE;
+BENCHMARK_CAPTURE(DragStep, Full, StepRow{false, true}) EACH_SIZE;
 
 }  // namespace
 

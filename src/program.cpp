@@ -247,6 +247,7 @@ void SetUpTables() {
 }
 
 void TakeSettings() {
+  if (const Text Trouble = Platform.PrepareUserFiles(); !Trouble.empty()) ShowWarning(Trouble);
   ReadSettings();
   SetGraphClr(Settings.SpectrumLineColor);
   SetEnvelop(Settings.SpectrumEnvelopColor);

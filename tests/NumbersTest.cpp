@@ -1,6 +1,8 @@
+#include <charconv>
 #include <climits>
 #include <cmath>
 #include <limits>
+#include <random>
 
 #include "Support.h"
 #include "basic/FixedText.h"
@@ -134,6 +136,22 @@ TEST(NumbersTest, PrefixAndStrictNumbers) {
   }
   EXPECT_TRUE(std::signbit(PrefixNumber("-0")));
   EXPECT_EQ(FailureOf([] { StrictNumber(Text("1\0", 2)); }), "Type mismatch");
+}
+
+// Short decimals are read in a way of their own, which has to end at the nearest Double all the same.
+TEST(NumbersTest, ShortDecimalsAreTheNearestDouble) {
+  std::minstd_rand Random(11);
+  for (int Round = 0; Round < 20000; ++Round) {
+    Text Value;
+    const std::size_t NumDigits = 1 + Random() % 17;
+    for (std::size_t Digit = 0; Digit < NumDigits; ++Digit) Value += static_cast<char>('0' + Random() % 10);
+    Value.insert(Random() % (NumDigits + 1), ".");
+    Double Nearest = 0;
+    ASSERT_EQ(std::from_chars(Value.data(), Value.data() + Value.size(), Nearest).ec, std::errc()) << Value;
+    EXPECT_EQ(StrictNumber(Value), Nearest) << Value;
+    EXPECT_EQ(StrictNumber("-" + Value), -Nearest) << Value;
+    EXPECT_EQ(StrictNumber(" +" + Value), Nearest) << Value;
+  }
 }
 
 TEST(NumbersTest, RoundingGoesToTheEvenNeighbourAndIsRangeChecked) {

@@ -66,6 +66,7 @@ void FillServices() {
   Platform.OtherInstanceRuns = [] { return false; };
   Platform.DecimalSeparator = [] { return Text("."); };
   Platform.ProgramDirectory = [] { return Text("/opt/own"); };
+  Platform.PrepareUserFiles = [] { return Text(); };
   Platform.WinIniPath = [] { return TempPath("no-win.ini"); };
 }
 

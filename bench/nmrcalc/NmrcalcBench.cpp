@@ -2,6 +2,7 @@
 // all 2^N states with nothing conserved made use of, as the floor that the promises are compared with.
 
 #include <benchmark/benchmark.h>
+#include <sys/resource.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -72,6 +73,9 @@ void RunCommand(benchmark::State& State, const SpectrumInput& Input) {
     if (std::system(Command.c_str()) != 0) State.SkipWithError("the program failed");
   }
   State.counters["lines"] = std::stod(nmrcalc::ReadTextFile(Directory + "/nmrspect.out").Lines.at(1));
+  rusage Used{};
+  getrusage(RUSAGE_CHILDREN, &Used);
+  State.counters["MiB"] = static_cast<double>(Used.ru_maxrss) / 1024;  // the largest of all commands so far
   std::filesystem::remove_all(Directory);
 }
 

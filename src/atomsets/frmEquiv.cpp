@@ -298,6 +298,8 @@ void BuildEquivalentForm() {
   SetUpButton(D.Command5, "&Reset", Command5_Click);
   SetUpButton(D.Command6, "A&pply", [] { Apply(); });
   SetUpOkAndCancel(D.Command4, "&OK", Command4_Click, D.Command1, Command1_Click);
+  D.List1.EmptyHint = "There are no NMR atoms: choose them first.";
+  D.List2.EmptyHint = "This set is empty: select equivalent atoms on the left, then Add.";
   D.frmEquiv.Activate = Form_Activate;
   D.frmEquiv.Layout =
       ColumnOf({RowOf({ColumnOf({ItemOf(D.Label1), ItemOf(D.List1)}),

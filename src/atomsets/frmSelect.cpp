@@ -249,6 +249,8 @@ void BuildAtomSetForm() {
   SetUpButton(D.Command3, "&Delete <=", Command3_Click);
   SetUpButton(D.Command6, "&Reset", Command6_Click);
   SetUpOkAndCancel(D.Command4, "&OK", Command4_Click, D.Command1, Command1_Click);
+  D.List1.EmptyHint = "There are no atoms to choose from: open a molecule first.";
+  D.List2.EmptyHint = "None yet: select atoms on the left, then Add.";
   D.frmSelect.Activate = Form_Activate;
   D.frmSelect.Layout = ColumnOf({RowOf({ColumnOf({ItemOf(D.Label1), ItemOf(D.List1), ItemOf(D.Command5)}),
                                         ColumnOf({StretchOf(), ItemOf(D.Command2), ItemOf(D.Command3), StretchOf()}),

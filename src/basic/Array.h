@@ -36,6 +36,7 @@ class Array {
 
   // Loses the old elements; the new ones are zero or blank.
   void ReDim(int UpperBound) { Stored = detail::MakeElements<T>(detail::SizeFromBound(UpperBound)); }
+<<<<<<< HEAD
   void ReDimPreserve(int UpperBound) {
     try {
       Stored.resize(detail::SizeFromBound(UpperBound));
@@ -43,6 +44,22 @@ class Array {
       throw Failure(failures::OutOfMemory);
     }
   }
+=======
+  // The elements of a list, and the spare one behind them; Array<FixedText> takes a list of texts.
+  template <class List>
+  void Assign(const List& Elements) {
+    std::vector<T> Fresh;
+    try {
+      Fresh.reserve(Elements.size() + 1);
+    } catch (const std::exception&) {
+      throw Failure(failures::OutOfMemory);
+    }
+    for (const auto& Element : Elements) Fresh.emplace_back(Element);
+    Fresh.emplace_back();
+    Stored = std::move(Fresh);
+  }
+  void ReDimPreserve(int UpperBound) { Stored.resize(detail::SizeFromBound(UpperBound)); }
+>>>>>>> main
   int UpperBound() const { return static_cast<int>(Stored.size()) - 1; }
 
   T& operator[](int Index) { return Stored[Check(Index)]; }

@@ -16,6 +16,20 @@ TextView TrimBlanks(TextView Value);
 TextView TrimLeftBlanks(TextView Value);
 // The words of a line between its blanks; nothing is quoted.
 std::vector<Text> SplitAtBlanks(const Text& Line);
+// Calls Take with each word between the blanks and tabs of a line, in order.
+template <class Visit>
+void ForEachWord(TextView Line, const Visit& Take) {
+  const auto Separates = [](char C) { return C == ' ' || C == '\t'; };
+  const char* Place = Line.data();
+  const char* const End = Place + Line.size();
+  for (;;) {
+    while (Place != End && Separates(*Place)) ++Place;
+    if (Place == End) return;
+    const char* const First = Place;
+    while (Place != End && !Separates(*Place)) ++Place;
+    Take(TextView(First, static_cast<std::size_t>(Place - First)));
+  }
+}
 // Without blanks, tabs and line ends at both ends.
 TextView TrimWhite(TextView Value);
 

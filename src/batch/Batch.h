@@ -2,6 +2,7 @@
 
 #include <deque>
 #include <fstream>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -49,6 +50,8 @@ struct BatchState {
   Text DecimalSeparator = ".";
   bool OtherInstance = false;
   int MouseButton = 0;  // held down on a surface
+
+  std::function<void()> AfterLine;  // for a front end that looks at what a line has done
 };
 
 extern BatchState State;
@@ -67,6 +70,18 @@ std::vector<Argument> SplitArguments(TextView Line);
 
 // Carries out one command; throws ScriptStop where it can't.
 void RunCommand(const std::vector<Argument>& Words);
+
+// A command: what it runs, how many words it needs behind its name, and whether the program must have started.
+struct CommandRow {
+  void (*Run)(const std::vector<Argument>& All);
+  std::size_t LeastArguments;
+  bool NeedsStart;
+};
+// A further command, of a front end's own.
+void AddCommand(const Text& Name, const CommandRow& Row);
+
+// Says on standard error why a script has stopped; its exit status.
+ExitStatus ReportStop(const ScriptStop& Stop);
 
 // Fills the slots of Platform for a run without a display.
 void UseBatchServices();

@@ -59,14 +59,15 @@ void DrawText(cairo_t* Context, const ChartText& Item) {
                          Item.Bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
   cairo_set_font_size(Context, Item.Pixels);
   cairo_text_extents_t Size;
-  cairo_text_extents(Context, Item.Words.c_str(), &Size);
+  const Text Words = PictureWords(Item.Words);
+  cairo_text_extents(Context, Words.c_str(), &Size);
   const Double Before = static_cast<int>(Item.Align) * Size.x_advance / 2.0;
   cairo_save(Context);
   cairo_translate(Context, Item.X, Item.Y);
   if (Item.Upright) cairo_rotate(Context, -QuarterTurn);
   cairo_move_to(Context, -Before, Item.Pixels * ChartBaseShare);
   cairo_set_source_rgb(Context, 0, 0, 0);
-  cairo_show_text(Context, Item.Words.c_str());
+  cairo_show_text(Context, Words.c_str());
   cairo_restore(Context);
 }
 

@@ -25,6 +25,7 @@ void Start(const Words& /*All*/) {
   Form_Load(State.CommandLine);
 }
 
+<<<<<<< HEAD
 void Quit(const Words& /*All*/) {
   if (!UnloadForm(Main.frmNMR)) return;
 }
@@ -36,6 +37,8 @@ void Size(const Words& All) {
   if (State.Started) Fire(Main.frmNMR.Resize);
 }
 
+=======
+>>>>>>> main
 void QueueAnswers(const Words& All) {
   static const std::map<Text, BoxAnswer> Names = {{"yes", BoxAnswer::Yes},
                                                   {"no", BoxAnswer::No},
@@ -160,17 +163,10 @@ void Echo(const Words& All) {
   PrintOut(Line);
 }
 
-// The commands: what each runs, how many words it needs behind its name, and whether the program must have started.
-struct CommandRow {
-  void (*Run)(const Words& All);
-  std::size_t LeastArguments;
-  bool NeedsStart;
-};
-
-const std::map<Text, CommandRow>& Commands() {
-  static const std::map<Text, CommandRow> Rows = {
+std::map<Text, CommandRow>& Commands() {
+  static std::map<Text, CommandRow> Rows = {
       {"start", {Start, 0, false}},
-      {"quit", {Quit, 0, true}},
+      {"quit", {CloseWindow, 0, true}},
       {"click", {ClickControl, 1, true}},
       {"press", {PressControl, 1, true}},
       {"release", {ReleaseControl, 1, true}},
@@ -185,7 +181,7 @@ const std::map<Text, CommandRow>& Commands() {
       {"mouse", {MoveMouse, 4, true}},
       {"atom", {ClickAtom, 2, true}},
       {"key", {PressKey, 1, true}},
-      {"size", {Size, 2, false}},
+      {"size", {ResizeWindow, 2, false}},
       {"menu", {[](const Words& All) { SubClass1_MenuSelect(0, All[1].Value); }, 1, true}},
       {"answer", {QueueAnswers, 1, false}},
       {"file", {QueueFile, 1, false}},
@@ -217,6 +213,8 @@ int NeedNumber(const std::vector<Argument>& All, std::size_t Place) {
   if (Place >= All.size()) throw ScriptStop{CannotCarryOut, "a number is missing behind " + All[0].Value};
   return ToLong(StrictNumber(All[Place].Value));
 }
+
+void AddCommand(const Text& Name, const CommandRow& Row) { Commands()[Name] = Row; }
 
 void RunCommand(const std::vector<Argument>& All) {
   const auto Entry = Commands().find(All[0].Value);

@@ -85,6 +85,7 @@ void RunLine(TextView Line) {
     State.Ended = true;
     PrintOut("ended");
   }
+  if (State.AfterLine) State.AfterLine();
 }
 
 }  // namespace
@@ -126,6 +127,11 @@ std::vector<Argument> SplitArguments(TextView Line) {
   return Words;
 }
 
+ExitStatus ReportStop(const ScriptStop& Stop) {
+  if (!Stop.Reason.empty()) std::fprintf(stderr, "line %d: %s\n", State.LineNumber, Stop.Reason.c_str());
+  return Stop.Status;
+}
+
 void RunScript(const Form* Until) {
   Text Line;
   while ((Until == nullptr || IsSet(Until->Visible)) && std::getline(*State.Script, Line)) {
@@ -142,10 +148,7 @@ ExitStatus RunWholeScript(std::istream& Script, const Text& CommandLine) {
   try {
     RunScript(nullptr);
   } catch (const ScriptStop& Stop) {
-    if (!Stop.Reason.empty()) {
-      std::fprintf(stderr, "line %d: %s\n", State.LineNumber, Stop.Reason.c_str());
-    }
-    return Stop.Status;
+    return ReportStop(Stop);
   }
   return State.Status;
 }

@@ -43,7 +43,7 @@ Kind& NeedKind(Control& Target, ControlKind Is, const std::vector<Argument>& All
   return static_cast<Kind&>(Target);
 }
 
-void Click(Control& Target, const std::vector<Argument>& All) {
+void Click(Control& Target) {
   switch (Target.Kind) {
     case ControlKind::MenuItem:
       return Fire(static_cast<MenuItem&>(Target).Click);
@@ -60,7 +60,21 @@ void Click(Control& Target, const std::vector<Argument>& All) {
     case ControlKind::Chart:
       return Fire(static_cast<ChartControl&>(Target).CopyGesture);
     default:
-      RefuseKind(All);
+      return;
+  }
+}
+
+bool CanBeClicked(ControlKind Kind) {
+  switch (Kind) {
+    case ControlKind::MenuItem:
+    case ControlKind::ToolButton:
+    case ControlKind::CommandButton:
+    case ControlKind::CheckBox:
+    case ControlKind::OptionButton:
+    case ControlKind::Chart:
+      return true;
+    default:
+      return false;
   }
 }
 
@@ -86,6 +100,16 @@ void TypeKey(TextField& Field, char Key) {
     Value += static_cast<char>(KeyAscii);
   }
   SetText(Field, Value);
+}
+
+void TypeKeys(Control& Target, const Text& Keys) {
+  for (const char Key : Keys) {
+    if (Target.Kind == ControlKind::Grid) {
+      PressGridKey(static_cast<GridControl&>(Target), static_cast<unsigned char>(Key));
+    } else {
+      TypeKey(static_cast<TextField&>(Target), Key);
+    }
+  }
 }
 
 // In a word without quotes the two key escapes stand as they are written.
@@ -121,64 +145,60 @@ int ShiftState(const std::vector<Argument>& All, std::size_t From) {
 }  // namespace
 
 void ClickControl(const std::vector<Argument>& All) {
-  if (Control* Target = FindReachable(All)) Click(*Target, All);
+  Control* Target = FindReachable(All);
+  if (Target == nullptr) return;
+  if (!CanBeClicked(Target->Kind)) RefuseKind(All);
+  Hands.Click(*Target);
 }
 
 void PressControl(const std::vector<Argument>& All) {
-  if (Control* Target = FindReachable(All)) Fire(NeedKind<ToolButton>(*Target, ControlKind::ToolButton, All).MouseDown);
+  if (Control* Target = FindReachable(All)) Hands.Press(NeedKind<ToolButton>(*Target, ControlKind::ToolButton, All));
 }
 
 void ReleaseControl(const std::vector<Argument>& All) {
-  if (Control* Target = FindReachable(All)) Fire(NeedKind<ToolButton>(*Target, ControlKind::ToolButton, All).MouseUp);
+  if (Control* Target = FindReachable(All)) Hands.Release(NeedKind<ToolButton>(*Target, ControlKind::ToolButton, All));
 }
 
 void TypeText(const std::vector<Argument>& All) {
   Control* Target = FindReachable(All);
   if (Target == nullptr) return;
-  if (Target->Kind == ControlKind::Grid) {
-    auto& Grid = static_cast<GridControl&>(*Target);
-    for (const char Key : KeysOf(All[2])) PressGridKey(Grid, static_cast<unsigned char>(Key));
-    return;
-  }
-  auto& Field = NeedKind<TextField>(*Target, ControlKind::TextField, All);
-  for (const char Key : KeysOf(All[2])) TypeKey(Field, Key);
+  if (Target->Kind != ControlKind::Grid && Target->Kind != ControlKind::TextField) RefuseKind(All);
+  Hands.Type(*Target, KeysOf(All[2]));
 }
 
 void PickGridCell(const std::vector<Argument>& All) {
   Control* Target = FindReachable(All);
   if (Target == nullptr) return;
-  auto& Grid = NeedKind<GridControl>(*Target, ControlKind::Grid, All);
-  Fire(Grid.MouseDown);
-  PickCell(Grid, NeedNumber(All, 2), NeedNumber(All, 3));
+  const int Row = NeedNumber(All, 2);
+  const int Col = NeedNumber(All, 3);
+  Hands.PickRange(NeedKind<GridControl>(*Target, ControlKind::Grid, All), Row, Col, Row, Col);
 }
 
 void PickGridRange(const std::vector<Argument>& All) {
   Control* Target = FindReachable(All);
   if (Target == nullptr) return;
-  auto& Grid = NeedKind<GridControl>(*Target, ControlKind::Grid, All);
-  Fire(Grid.MouseDown);
-  PickRange(Grid, NeedNumber(All, 2), NeedNumber(All, 3), NeedNumber(All, 4), NeedNumber(All, 5));
+  Hands.PickRange(NeedKind<GridControl>(*Target, ControlKind::Grid, All), NeedNumber(All, 2), NeedNumber(All, 3),
+                  NeedNumber(All, 4), NeedNumber(All, 5));
 }
 
 void EnterText(const std::vector<Argument>& All) {
   Control* Target = FindReachable(All);
   if (Target == nullptr) return;
   auto& Field = NeedKind<TextField>(*Target, ControlKind::TextField, All);
-  if (!IsSet(Field.ReadOnly)) SetText(Field, All[2].Value);
+  if (!IsSet(Field.ReadOnly)) Hands.Enter(Field, All[2].Value);
 }
 
 void ChooseEntry(const std::vector<Argument>& All) {
   Control* Target = FindReachable(All);
   if (Target == nullptr) return;
   const int Entry = NeedNumber(All, 2);
-  const auto Choose = [&](auto& List) {
-    if (Entry < 0 || Entry >= static_cast<int>(List.Items.size())) {
-      throw ScriptStop{CannotCarryOut, "there is no such entry in " + All[1].Value};
-    }
-    SetListIndex(List, Entry);
-  };
-  if (Target->Kind == ControlKind::ComboBox) return Choose(static_cast<ComboBox&>(*Target));
-  Choose(NeedKind<ListBox>(*Target, ControlKind::ListBox, All));
+  const std::size_t NumItems = Target->Kind == ControlKind::ComboBox
+                                   ? static_cast<ComboBox&>(*Target).Items.size()
+                                   : NeedKind<ListBox>(*Target, ControlKind::ListBox, All).Items.size();
+  if (Entry < 0 || Entry >= static_cast<int>(NumItems)) {
+    throw ScriptStop{CannotCarryOut, "there is no such entry in " + All[1].Value};
+  }
+  Hands.Choose(*Target, Entry);
 }
 
 void SelectRows(const std::vector<Argument>& All) {
@@ -191,75 +211,137 @@ void SelectRows(const std::vector<Argument>& All) {
     const int Row = NeedNumber(All, Word);
     if (Row >= 0 && Row < static_cast<int>(Rows.size())) Rows[static_cast<std::size_t>(Row)] = true;
   }
-  SetSelection(List, std::move(Rows));
-  Fire(List.Click);
+  Hands.Select(List, std::move(Rows));
 }
 
 void ScrollBarTo(const std::vector<Argument>& All) {
   if (Control* Target = FindReachable(All)) {
-    SetValue(NeedKind<ScrollBar>(*Target, ControlKind::ScrollBar, All), NeedNumber(All, 2));
+    Hands.Scroll(NeedKind<ScrollBar>(*Target, ControlKind::ScrollBar, All), NeedNumber(All, 2));
   }
 }
 
 void Spin(const std::vector<Argument>& All) {
   Control* Target = FindReachable(All);
   if (Target == nullptr) return;
-  const auto& Button = NeedKind<SpinButton>(*Target, ControlKind::SpinButton, All);
+  auto& Button = NeedKind<SpinButton>(*Target, ControlKind::SpinButton, All);
   if (All[2].Value != "up" && All[2].Value != "down") throw ScriptStop{CannotCarryOut, "spin C up, or spin C down"};
-  Fire(All[2].Value == "up" ? Button.SpinUp : Button.SpinDown);
+  Hands.Spin(Button, All[2].Value == "up");
 }
 
 namespace {
 
+bool IsForDragging(ControlKind Kind) {
+  return Kind == ControlKind::PictureSurface || Kind == ControlKind::RenderControl || Kind == ControlKind::Chart;
+}
+
 // On a chart only a second press at the same place means something: it is a double click.
-void MoveMouseOnChart(const ChartControl& Chart, const std::vector<Argument>& All) {
-  static Text PressedAt;
-  if (All[2].Value == "up") return;
-  Text Place = ControlName(Chart);
-  for (std::size_t Word = 3; Word < All.size(); ++Word) Place += " " + All[Word].Value;
-  if (All[2].Value != "down") {
-    PressedAt.clear();
-  } else if (Place == PressedAt) {
-    PressedAt.clear();
-    Fire(Chart.CopyGesture);
-  } else {
-    PressedAt = Place;
-  }
+void MoveMouseOnChart(const ChartControl& Chart, const MouseMotion& Motion) {
+  static MouseMotion Pressed;
+  static const ChartControl* PressedOn = nullptr;
+  if (Motion.Is == MouseMotion::Up) return;
+  const bool Again = PressedOn == &Chart && Pressed.X == Motion.X && Pressed.Y == Motion.Y &&
+                     Pressed.Button == Motion.Button && Pressed.Shift == Motion.Shift;
+  PressedOn = Motion.Is == MouseMotion::Down && !Again ? &Chart : nullptr;
+  Pressed = Motion;
+  if (Motion.Is == MouseMotion::Down && Again) Fire(Chart.CopyGesture);
 }
 
 // The mouse of a picture surface and of the molecule view, whose own routines tell a click from a drag.
-void MouseAt(Control& Target, const Text& Action, int Button, int Shift, Single X, Single Y) {
+void MouseAt(Control& Target, const MouseMotion& Motion) {
+  if (Target.Kind == ControlKind::Chart) return MoveMouseOnChart(static_cast<const ChartControl&>(Target), Motion);
+  const auto X = static_cast<Single>(TwipsFromPixels(Motion.X));
+  const auto Y = static_cast<Single>(TwipsFromPixels(Motion.Y));
   const auto Run = [&](const auto& Handler) {
-    if (Handler) Handler(Button, Shift, X, Y);
+    if (Handler) Handler(Motion.Button, Motion.Shift, X, Y);
   };
+  const bool Down = Motion.Is == MouseMotion::Down;
+  const bool Move = Motion.Is == MouseMotion::Move;
   if (Target.Kind == ControlKind::RenderControl) {
     auto& View = static_cast<RenderControl&>(Target);
-    if (Action == "down") return RenderMouseDown(View, Button, Shift, X, Y);
-    if (Action == "move") return RenderMouseMove(View, Button, Shift, X, Y);
-    return RenderMouseUp(View, Button, Shift, X, Y);
+    if (Down) return RenderMouseDown(View, Motion.Button, Motion.Shift, X, Y);
+    if (Move) return RenderMouseMove(View, Motion.Button, Motion.Shift, X, Y);
+    return RenderMouseUp(View, Motion.Button, Motion.Shift, X, Y);
   }
   const auto& Surface = static_cast<PictureSurface&>(Target);
-  Run(Action == "down" ? Surface.MouseDown : Action == "move" ? Surface.MouseMove : Surface.MouseUp);
+  Run(Down ? Surface.MouseDown : Move ? Surface.MouseMove : Surface.MouseUp);
+}
+
+// A key that no KeyDown has taken may be a menu item's.
+void PressMainKey(int KeyCode, int Shift) {
+  if (Main.frmNMR.KeyDown) Main.frmNMR.KeyDown(KeyCode, Shift);
+  if (Shift != CtrlKey || KeyCode < 'A' || KeyCode > 'Z') return;
+  const Text Shortcut = Text("Ctrl+") + static_cast<char>(KeyCode);
+  for (Control* Item : Main.frmNMR.Controls) {
+    if (Item->Kind != ControlKind::MenuItem || static_cast<MenuItem*>(Item)->Shortcut != Shortcut) continue;
+    if (IsReachable(*Item)) Fire(static_cast<MenuItem*>(Item)->Click);
+    return;
+  }
+}
+
+// A dialog with keys of its own has them; Escape closes it.
+void PressFormKey(Form& Active, int KeyCode, int Shift) {
+  constexpr int Escape = 27;
+  Active.KeyDown(KeyCode, Shift);
+  if (KeyCode == Escape) CancelForm(Active);
 }
 
 }  // namespace
 
+UserHands Hands = {
+    .Click = Click,
+    .Press = [](ToolButton& Button) { Fire(Button.MouseDown); },
+    .Release = [](ToolButton& Button) { Fire(Button.MouseUp); },
+    .Type = TypeKeys,
+    .Enter = [](TextField& Field, const Text& Value) { SetText(Field, Value); },
+    .Choose =
+        [](Control& List, int Entry) {
+          if (List.Kind == ControlKind::ComboBox) return SetListIndex(static_cast<ComboBox&>(List), Entry);
+          SetListIndex(static_cast<ListBox&>(List), Entry);
+        },
+    .Select =
+        [](ListBox& List, std::vector<bool> Rows) {
+          SetSelection(List, std::move(Rows));
+          Fire(List.Click);
+        },
+    .PickRange =
+        [](GridControl& Grid, int FromRow, int FromCol, int ToRow, int ToCol) {
+          Fire(Grid.MouseDown);
+          PickRange(Grid, FromRow, FromCol, ToRow, ToCol);
+        },
+    .Scroll = [](ScrollBar& Bar, int Value) { SetValue(Bar, Value); },
+    .Spin = [](SpinButton& Button, bool Up) { Fire(Up ? Button.SpinUp : Button.SpinDown); },
+    .Mouse = MouseAt,
+    .Key =
+        [](Form& Active, int KeyCode, int Shift) {
+          if (&Active == &Main.frmNMR) return PressMainKey(KeyCode, Shift);
+          PressFormKey(Active, KeyCode, Shift);
+        },
+    .Resize =
+        [](int Width, int Height) {
+          Main.frmNMR.Width = TwipsFromPixels(Width);
+          Main.frmNMR.Height = TwipsFromPixels(Height);
+          if (State.Started) Fire(Main.frmNMR.Resize);
+        },
+    .Close = [] { UnloadForm(Main.frmNMR); },
+};
+
 void MoveMouse(const std::vector<Argument>& All) {
   Control* Target = FindReachable(All);
   if (Target == nullptr) return;
-  if (Target->Kind == ControlKind::Chart) return MoveMouseOnChart(static_cast<const ChartControl&>(*Target), All);
-  if (Target->Kind != ControlKind::PictureSurface && Target->Kind != ControlKind::RenderControl) RefuseKind(All);
+  if (!IsForDragging(Target->Kind)) RefuseKind(All);
   const Text& Action = All[2].Value;
   if (Action != "down" && Action != "move" && Action != "up") {
     throw ScriptStop{CannotCarryOut, "the mouse goes down, move or up, not " + Action};
   }
+  MouseMotion Motion;
+  Motion.Is = Action == "down" ? MouseMotion::Down : Action == "move" ? MouseMotion::Move : MouseMotion::Up;
   const std::size_t Place = Action == "move" ? 3 : 4;
-  const auto X = static_cast<Single>(TwipsFromPixels(NeedNumber(All, Place)));
-  const auto Y = static_cast<Single>(TwipsFromPixels(NeedNumber(All, Place + 1)));
-  const int Shift = ShiftState(All, Place + 2);
-  const int Button = Action == "move" ? State.MouseButton : NeedNumber(All, 3);
-  if (Action != "move") State.MouseButton = Action == "down" ? Button : 0;
-  MouseAt(*Target, Action, Button, Shift, X, Y);
+  Motion.X = NeedNumber(All, Place);
+  Motion.Y = NeedNumber(All, Place + 1);
+  Motion.Shift = ShiftState(All, Place + 2);
+  Motion.Button = Action == "move" ? State.MouseButton : NeedNumber(All, 3);
+  if (Action != "move") State.MouseButton = Action == "down" ? Motion.Button : 0;
+  Hands.Mouse(*Target, Motion);
 }
 
 void ClickAtom(const std::vector<Argument>& All) {
@@ -277,25 +359,15 @@ void ClickAtom(const std::vector<Argument>& All) {
 }
 
 void PressKey(const std::vector<Argument>& All) {
-  int KeyCode = NeedNumber(All, 1);
+  const int KeyCode = NeedNumber(All, 1);
   const int Shift = ShiftState(All, 2);
-  if (const Form* Active = ActiveForm(); Active != &Main.frmNMR) {
-    // A dialog with keys of its own has them; Escape closes it.
-    if (!Active->KeyDown) return PrintOut("refused frmNMR");
-    Active->KeyDown(KeyCode, Shift);
-    constexpr int Escape = 27;
-    if (KeyCode == Escape) CancelForm(*FindForm(Active->Name));
-    return;
-  }
-  if (Main.frmNMR.KeyDown) Main.frmNMR.KeyDown(KeyCode, Shift);
-  if (Shift != CtrlKey || KeyCode < 'A' || KeyCode > 'Z') return;
-  // A key that nobody has taken may be a menu item's.
-  const Text Shortcut = Text("Ctrl+") + static_cast<char>(KeyCode);
-  for (Control* Item : Main.frmNMR.Controls) {
-    if (Item->Kind != ControlKind::MenuItem || static_cast<MenuItem*>(Item)->Shortcut != Shortcut) continue;
-    if (IsReachable(*Item)) Fire(static_cast<MenuItem*>(Item)->Click);
-    return;
-  }
+  Form* Active = FindForm(ActiveForm()->Name);
+  if (Active != &Main.frmNMR && !Active->KeyDown) return PrintOut("refused frmNMR");
+  Hands.Key(*Active, KeyCode, Shift);
 }
+
+void ResizeWindow(const std::vector<Argument>& All) { Hands.Resize(NeedNumber(All, 1), NeedNumber(All, 2)); }
+
+void CloseWindow(const std::vector<Argument>& /*All*/) { Hands.Close(); }
 
 }  // namespace zelvanor::batch

@@ -142,10 +142,7 @@ Flag ReadHostBlock(Integer FileNumber) {
       if (EqualsIgnoringCase(TrimBlanks(Line), document::EndHostBlock)) break;
       Lines.push_back(Line);
     }
-    W.HostTextLineCount = ToLong(static_cast<Double>(Lines.size()));
-    W.HostTextLine.ReDim(W.HostTextLineCount);
-    std::transform(Lines.begin(), Lines.end(), W.HostTextLine.Span().begin(),
-                   [](TextView Line) { return FixedText<HostLineLength>(Line); });
+    StoreHostLines(Lines);
     return True;
   } catch (const Failure& Problem) {
     ShowError(Problem.What);

@@ -1,11 +1,16 @@
 #pragma once
 
+#include <vector>
+
 #include "basic/Types.h"
 
 namespace zelvanor {
 
 // The host text format: one record a line, told by its first word. Workspace.HostTextLine keeps the lines, so that what
 // the program does not look at reaches documents and the backend unchanged.
+
+// Makes these lines the stored ones. Throws a Failure where they are too many.
+void StoreHostLines(const std::vector<TextView>& Lines);
 
 // Fills HostTextLine from a file. Reports its failures.
 Flag ReadHostFile(const Text& Path);

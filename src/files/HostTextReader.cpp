@@ -1,3 +1,4 @@
+#include <array>
 #include <vector>
 
 #include "basic/Numbers.h"
@@ -16,9 +17,29 @@ WorkspaceState& W = Workspace;
 constexpr int LeastAtomTokens = 10;
 constexpr int FirstNeighbourToken = 12;
 
+// The words of a line as Tokenize counts them, from 1, without the copies: a system has half a million of them.
+struct LineWords {
+  static constexpr int MostWords = HostLineLength / 2;
+
+  std::array<TextView, MostWords + 1> Words;
+  int Count = 0;
+
+  void Split(TextView Line) {
+    Count = 0;
+    ForEachWord(Line, [this](TextView Word) { Words[static_cast<std::size_t>(++Count)] = Word; });
+  }
+  // As in Tokens, one empty word stands behind the last one.
+  TextView operator[](int Place) const {
+    if (Place > Count + 1) throw Failure(failures::Subscript);
+    return Place > Count ? TextView() : Words[static_cast<std::size_t>(Place)];
+  }
+};
+
 // Where the read pass stands.
 struct ParseState {
   Text Title;
+  LineWords Words;          // of the atom line at hand
+  TextView LastLine;        // not in Tokens yet
   Integer Molecule;         // number of the molecule at hand, 1-based, 0 before the first
   Integer AtomsInMolecule;  // read of it so far
   Integer AtomsBefore;      // of the molecules that have ended
@@ -40,29 +61,37 @@ void CountAtomsAndMolecules() {
   W.NumMolecules = NumMolecules;
 }
 
+// Brings Tokens up to date: whoever looks at them after the reading finds the last line's.
+void TokenizeLast(ParseState& State) {
+  if (State.LastLine.empty()) return;
+  W.TokenCount = Tokenize(State.LastLine);
+  State.LastLine = {};
+}
+
 void ReadNeighbours(const ParseState& State) {
   const int Atom = W.NumAtoms;
   const int Coordination = W.AtomCoordination[Atom];
   for (int Neighbour = 0; Neighbour < Coordination; ++Neighbour) {
     const int Token = FirstNeighbourToken + 2 * Neighbour;
-    W.AtomNeighbour(Atom, Neighbour) = StrictInteger(W.Tokens[Token]) - 1 + State.AtomsBefore;
-    W.AtomBondType(Atom, Neighbour) = TextView(W.Tokens[Token + 1]);
+    W.AtomNeighbour(Atom, Neighbour) = StrictInteger(State.Words[Token]) - 1 + State.AtomsBefore;
+    W.AtomBondType(Atom, Neighbour) = State.Words[Token + 1];
   }
 }
 
 void ReadAtomFields(const ParseState& State) {
   const int Atom = W.NumAtoms;
-  W.AtomNumber[Atom] = StrictInteger(W.Tokens[2]);
-  W.AtomName[Atom] = TextView(W.Tokens[3]);
-  W.AtomElement[Atom] = TextView(W.Tokens[4]);
+  const LineWords& Words = State.Words;
+  W.AtomNumber[Atom] = StrictInteger(Words[2]);
+  W.AtomName[Atom] = Words[3];
+  W.AtomElement[Atom] = Words[4];
   W.AtomicNumber[Atom] = ElementNumber(W.AtomElement[Atom].Trimmed());
-  W.AtomType[Atom] = TextView(W.Tokens[5]);
-  W.AtomFlags[Atom] = TextView(W.Tokens[6]);
-  W.AtomCharge[Atom] = StrictSingle(W.Tokens[7]);
-  W.AtomX[Atom] = StrictSingle(W.Tokens[8]);
-  W.AtomY[Atom] = StrictSingle(W.Tokens[9]);
-  W.AtomZ[Atom] = StrictSingle(W.Tokens[10]);
-  const Integer Coordination = StrictInteger(W.Tokens[11]);
+  W.AtomType[Atom] = Words[5];
+  W.AtomFlags[Atom] = Words[6];
+  W.AtomCharge[Atom] = StrictSingle(Words[7]);
+  W.AtomX[Atom] = StrictSingle(Words[8]);
+  W.AtomY[Atom] = StrictSingle(Words[9]);
+  W.AtomZ[Atom] = StrictSingle(Words[10]);
+  const Integer Coordination = StrictInteger(Words[11]);
   if (Coordination < 0 || Coordination > MaxCoordination) {
     ShowError(Join("The atomic coordination has to be greater than 0 and ",
                    "less than or equal to 12 in the current version ", "of Zelvanor, but it is ", Coordination,
@@ -79,8 +108,10 @@ void ReadAtomLine(ParseState& State, TextView Line, int LineIndex) {
   ++State.AtomsInMolecule;
   W.AtomMolecule[W.NumAtoms] = State.Molecule;
   W.AtomInMolecule[W.NumAtoms] = State.AtomsInMolecule;
-  W.TokenCount = Tokenize(Line);
-  if (W.TokenCount < LeastAtomTokens) {
+  State.Words.Split(Line);
+  State.LastLine = Line;
+  if (State.Words.Count < LeastAtomTokens) {
+    TokenizeLast(State);
     ShowWarning(Join("Error at line ", Long{LineIndex}, " in file ", State.Title, "."));
     return;
   }
@@ -88,13 +119,15 @@ void ReadAtomLine(ParseState& State, TextView Line, int LineIndex) {
   ++W.NumAtoms;
 }
 
-void ReadViewLine(TextView Line) {
+void ReadViewLine(ParseState& State, TextView Line) {
+  TokenizeLast(State);
   W.TokenCount = Tokenize(Line);
   W.HostViewText.clear();
   for (int Token = 2; Token <= W.TokenCount; ++Token) W.HostViewText += W.Tokens[Token] + " ";
 }
 
-void ReadForceFieldLine(const ParseState& State, TextView Line) {
+void ReadForceFieldLine(ParseState& State, TextView Line) {
+  TokenizeLast(State);
   W.TokenCount = Tokenize(Line);
   if (W.TokenCount != 2) return;
   const Text Name = W.Tokens[2];
@@ -110,15 +143,16 @@ TextView TrimLine(TextView Line) {
   return Line;
 }
 
-void ReadRecords(const Text& Title) {
-  ParseState State;
-  State.Title = Title;
+void ReadRecords(ParseState& State) {
   for (int Index = 0; Index <= W.HostTextLineCount; ++Index) {
     FixedText<HostLineLength>& Stored = W.HostTextLine[Index];
-    const TextView Trimmed = TrimLine(Stored.View());
+    TextView Line = Stored.Trimmed();
+    const TextView Trimmed = TrimLine(Line);
     // Most lines stand trimmed already: what differs alone is stored back.
-    if (Trimmed.data() != Stored.View().data() || Trimmed.size() != Stored.Trimmed().size()) Stored = Text(Trimmed);
-    const TextView Line = Stored.Trimmed();
+    if (Trimmed.data() != Line.data() || Trimmed.size() != Line.size()) {
+      Stored = Text(Trimmed);
+      Line = Stored.Trimmed();
+    }
     if (Line.starts_with("atom ")) {
       ReadAtomLine(State, Line, Index);
     } else if (Line.starts_with("mol ")) {
@@ -128,7 +162,7 @@ void ReadRecords(const Text& Title) {
       State.AtomsBefore += State.AtomsInMolecule;
       State.AtomsInMolecule = 0;
     } else if (Line.starts_with("view ")) {
-      ReadViewLine(Line);
+      ReadViewLine(State, Line);
     } else if (Line.starts_with("forcefield ")) {
       ReadForceFieldLine(State, Line);
     }
@@ -168,6 +202,11 @@ bool CheckAtoms() {
 
 }  // namespace
 
+void StoreHostLines(const std::vector<TextView>& Lines) {
+  W.HostTextLineCount = ToLong(static_cast<Double>(Lines.size()));
+  W.HostTextLine.Assign(Lines);
+}
+
 Flag ReadHostFile(const Text& Path) {
   try {
     W.FileNumber = FreeFile();
@@ -183,11 +222,7 @@ Flag ReadHostFile(const Text& Path) {
     if (Lines.empty()) {
       ShowWarning(Path + " is empty.");
     } else {
-      W.HostTextLineCount = ToLong(static_cast<Double>(Lines.size()));
-      W.HostTextLine.ReDim(W.HostTextLineCount);
-      for (int Line = 0; Line < W.HostTextLineCount; ++Line) {
-        W.HostTextLine[Line] = Lines[static_cast<std::size_t>(Line)];
-      }
+      StoreHostLines(Lines);
       Result = True;
     }
   } catch (const Failure& Problem) {
@@ -208,7 +243,15 @@ Flag ParseHostText(const Text& Title) {
     AllocateAtomTable(W.NumAtoms);
     W.MoleculeAtomCount.ReDim(W.NumMolecules);
     W.NumAtoms = 0;
-    ReadRecords(Title);
+    ParseState State;
+    State.Title = Title;
+    try {
+      ReadRecords(State);
+    } catch (const Failure&) {
+      TokenizeLast(State);
+      throw;
+    }
+    TokenizeLast(State);
     if (!CheckAtoms()) return False;
     ShowStatus(Join("Read ", W.NumAtoms, " atoms."));
     return True;

@@ -19,7 +19,8 @@ constexpr double FallbackBytes = 2147483648.0;  // where the system tells nothin
 
 double AvailableOnMachine() {
   try {
-    for (const std::string& Text : ReadTextFile("/proc/meminfo").Lines) {
+    const auto File = ReadTextFile("/proc/meminfo");
+    for (const std::string& Text : File.Lines) {
       const auto Tokens = SplitTokens(Text);
       if (Tokens.size() >= 2 && Tokens[0] == "MemAvailable:") return zelvanor::PrefixNumber(Tokens[1]) * 1024.0;
     }

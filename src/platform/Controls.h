@@ -143,6 +143,7 @@ struct ListBox : Control {
   std::vector<Text> Items;
   std::vector<bool> Selected;  // beside Items, for multiple selection
   int ListIndex = -1;
+  Text EmptyHint;  // what to do next, shown while there are no items
   Event Click;
   Event DoubleClick;
 };

@@ -83,6 +83,8 @@ struct PlatformServices {
   std::function<Text()> DecimalSeparator;   // of the regional settings
   std::function<bool()> OtherInstanceRuns;  // takes the instance lock as well
   std::function<Text()> ProgramDirectory;   // of the running program, without a separator at its end
+  // Makes what a user lacks before the settings are read; what the user has to be told, or empty.
+  std::function<Text()> PrepareUserFiles;
   std::function<Text()> WinIniPath;
 
   std::function<Long(const Text& CommandLine)> Shell;  // starts a process; its id; throws a Failure

@@ -10,7 +10,9 @@
 #include "qt/Dispatch.h"
 #include "qt/MainWindow.h"
 #include "qt/Pointer.h"
+#include "qt/Remembered.h"
 #include "qt/TextConversion.h"
+#include "workspace/Workspace.h"
 
 namespace zelvanor {
 
@@ -76,10 +78,15 @@ Text& QueuedFile() {
   return Path;
 }
 
-// Where the last file was, for the session.
-QString& LastFolder() {
-  static QString Folder = QDir::currentPath();
-  return Folder;
+// Where a dialog begins: in the folder of the document, else where the last file was.
+QString FirstFolder() {
+  const Text& Document = !Workspace.DocumentPath.empty()   ? Workspace.DocumentPath
+                         : !Workspace.HostTextPath.empty() ? Workspace.HostTextPath
+                                                           : Workspace.ZMatrixPath;
+  const QFileInfo Place(PathToQt(Document));
+  if (Place.isAbsolute() && Place.absoluteDir().exists()) return Place.absolutePath();
+  const QString Kept = RememberedFolder();
+  return Kept.isEmpty() ? QDir::currentPath() : Kept;
 }
 
 // A suggested name may be a pattern or hold a folder.
@@ -129,8 +136,12 @@ QStringList NameFilters(const Text& Filter) {
 }
 
 std::optional<Text> AskForFile(const FileDialog& Dialog) {
-  if (Text Queued = std::exchange(QueuedFile(), {}); !Queued.empty()) return Queued;
-  QFileDialog Shown(TopWindow(), ToQt(Dialog.Title), LastFolder());
+  // A file to open is no answer to the question where unsaved work goes to, which may come before.
+  if (!Dialog.Save && !QueuedFile().empty()) {
+    RememberFolderOf(PathToQt(QueuedFile()));
+    return std::exchange(QueuedFile(), {});
+  }
+  QFileDialog Shown(TopWindow(), ToQt(Dialog.Title), FirstFolder());
   Shown.setAcceptMode(Dialog.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   Shown.setFileMode(Dialog.Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   // The program asks itself before it replaces a file.
@@ -147,7 +158,7 @@ std::optional<Text> AskForFile(const FileDialog& Dialog) {
   PassEnd();
   if (!Chosen) return std::nullopt;
   const QString Path = QDir::toNativeSeparators(Shown.selectedFiles().front());
-  LastFolder() = QFileInfo(Path).absolutePath();
+  RememberFolderOf(Path);
   return PathFromQt(Path);
 }
 

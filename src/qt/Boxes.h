@@ -11,7 +11,7 @@ BoxAnswer ShowMessageBox(const MessageBox& Box);
 std::optional<Text> AskForFile(const FileDialog& Dialog);
 std::optional<Colour> AskForColour(Colour Current);
 
-// The next file dialog answers with this path without coming up; empty to forget it.
+// The next dialog for a file to open answers with this path without coming up; empty to forget it.
 void QueueFile(const Text& Path);
 
 // The name filters of the window system for the program's filter text. Patterns stand in lower and upper case.

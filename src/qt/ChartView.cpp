@@ -4,10 +4,13 @@
 #include <QWidget>
 #include <algorithm>
 
+#include "basic/NumberText.h"
 #include "platform/ChartPicture.h"
 #include "platform/Form.h"
+#include "qt/Accessible.h"
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
+#include "qt/SurfaceMarks.h"
 #include "qt/TextConversion.h"
 
 namespace zelvanor {
@@ -45,6 +48,25 @@ void PaintChart(QPainter& Painter, const ChartPicture& Picture) {
   for (const ChartText& Item : Picture.Texts) PaintText(Painter, Item);
 }
 
+// The values as they would be read out.
+QString DescribeChart(const ChartControl& Chart) {
+  constexpr int MostPoints = 50;
+  QStringList Lines(ToQt(MemberText(Chart, ChartTitle)));
+  const int NumPoints = std::min(MemberNumber(Chart, ChartNumPoints), MostPoints);
+  for (int Point = 0; Point < NumPoints; ++Point) {
+    const auto Place = static_cast<std::size_t>(Point);
+    QString Line = Place < Chart.PointLabels.size() ? ToQt(Chart.PointLabels[Place]) : QString::number(Point + 1);
+    for (int Set = 0; Set < MemberNumber(Chart, ChartNumSets); ++Set) {
+      const auto Name =
+          static_cast<std::size_t>(Set) < Chart.SetNames.size() ? Chart.SetNames[std::size_t(Set)] : Text();
+      Line += (Set == 0 ? ": " : ", ") + ToQt(Name) + " " +
+              ToQt(GeneralForm(static_cast<Single>(PointValue(Chart, Set, Point))));
+    }
+    Lines << Line;
+  }
+  return Lines.join("; ") + ". Ctrl+C copies the picture, Escape closes the window.";
+}
+
 class ChartView : public QWidget {
  public:
   ChartView(ChartControl& Chart, QWidget* Parent) : QWidget(Parent), Chart(Chart) {
@@ -56,7 +78,6 @@ class ChartView : public QWidget {
 
   void ForgetPicture() {
     Picture = {};
-    setAccessibleDescription(ToQt(MemberText(Chart, ChartTitle)));
     update();
   }
 
@@ -65,6 +86,8 @@ class ChartView : public QWidget {
     if (Picture.Width != width() || Picture.Height != height()) Picture = DrawChart(Chart, width(), height());
     QPainter Painter(this);
     PaintChart(Painter, Picture);
+    // Alone in its window it needs no telling from others.
+    if (hasFocus() && Chart.Owner->Controls.size() > 1) PaintFocusFrame(Painter, rect());
   }
 
   void mouseDoubleClickEvent(QMouseEvent*) override { DispatchEvent(Chart, Chart.CopyGesture); }
@@ -93,6 +116,7 @@ QImage ChartImage(const ChartControl& Chart) {
 QWidget* MakeChart(Control& Target, QWidget* Parent) {
   auto& Chart = static_cast<ChartControl&>(Target);
   auto* Shown = new ChartView(Chart, Parent);
+  SpeakFor(Shown, {QAccessible::Chart, [&Chart] { return DescribeChart(Chart); }, {}});
   BindWidget(Chart, Shown, [Shown](Property What) {
     if (What == Property::Picture) Shown->ForgetPicture();
   });

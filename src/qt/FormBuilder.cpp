@@ -27,6 +27,12 @@ bool IsFieldRow(const Arrangement& Part) {
          Part.Parts.front().Item->Kind == ControlKind::Label;
 }
 
+// A check box whose caption goes on in the label behind it.
+bool GoesOnInLabel(const Arrangement& Row) {
+  return Row.Parts.size() >= 2 && IsItem(Row.Parts[0]) && IsItem(Row.Parts[1]) &&
+         Row.Parts[0].Item->Kind == ControlKind::CheckBox && Row.Parts[1].Item->Kind == ControlKind::Label;
+}
+
 void AddPart(QBoxLayout* Into, const Arrangement& Part, QWidget* Dialog);
 
 QGridLayout* MakeFieldGrid(const std::vector<Arrangement>& Parts, std::size_t First, std::size_t End, QWidget* Dialog) {
@@ -68,6 +74,7 @@ void AddPart(QBoxLayout* Into, const Arrangement& Part, QWidget* Dialog) {
     case Shape::Row: {
       auto* Row = new QHBoxLayout;
       Into->addLayout(Row);
+      if (GoesOnInLabel(Part)) Row->setSpacing(0);
       for (const Arrangement& Inner : Part.Parts) AddPart(Row, Inner, Dialog);
       return;
     }

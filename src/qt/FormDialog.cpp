@@ -2,6 +2,7 @@
 
 #include <QLayout>
 #include <QPushButton>
+#include <QScreen>
 #include <utility>
 
 #include "qt/ControlWidgets.h"
@@ -10,6 +11,7 @@
 #include "qt/KeyFilter.h"
 #include "qt/MainWindow.h"
 #include "qt/Pointer.h"
+#include "qt/Remembered.h"
 #include "qt/TextConversion.h"
 
 namespace zelvanor {
@@ -20,9 +22,12 @@ FormDialog::FormDialog(Form& Target, QWidget* Parent) : QDialog(Parent), Target(
   InstallKeyFilter(this, Target);
 }
 
-void FormDialog::BindForm(bool Resizable) {
+void FormDialog::BindForm(bool CanUseRoom) {
+  Resizable = CanUseRoom;
   if (Resizable) {
-    resize(sizeHint().expandedTo({PixelsFromTwips(Target.Width), PixelsFromTwips(Target.Height)}));
+    OwnSize = sizeHint().expandedTo({PixelsFromTwips(Target.Width), PixelsFromTwips(Target.Height)});
+    const QSize Kept = RememberedSize(objectName());
+    resize(Kept.isValid() ? Kept.boundedTo(screen()->availableSize()) : OwnSize);
     setSizeGripEnabled(true);
   } else {
     layout()->setSizeConstraint(QLayout::SetFixedSize);
@@ -56,12 +61,20 @@ void FormDialog::StartAtFirstField() {
   if (Default != nullptr && qobject_cast<QPushButton*>(First) == nullptr) Default->setDefault(true);
 }
 
+// A size that nobody has changed goes on following font and contents.
+void FormDialog::KeepSize() {
+  if (!Resizable || size() == OwnSize || isMaximized()) return;
+  OwnSize = size();
+  RememberSize(objectName(), size());
+}
+
 void FormDialog::Run() {
   QEventLoop Inner;
   QEventLoop* Outer = std::exchange(Loop, &Inner);
   StartAtFirstField();
   show();
   if (IsSet(Target.Visible) && !ProgramHasEnded()) Inner.exec();
+  KeepSize();
   hide();
   Loop = Outer;
 }

@@ -12,8 +12,9 @@ class FormDialog : public QDialog {
  public:
   FormDialog(Form& Target, QWidget* Parent);
 
-  // Follows the form from now on. After its widgets have been laid out.
-  void BindForm(bool Resizable);
+  // Follows the form from now on. After its widgets have been laid out. A form that can use room may be resized, and
+  // keeps the size that its user gives it.
+  void BindForm(bool CanUseRoom);
 
   // Serves events until the form is hidden.
   void Run();
@@ -27,9 +28,12 @@ class FormDialog : public QDialog {
  private:
   void ShowForm(Property What);
   void StartAtFirstField();
+  void KeepSize();
 
   Form& Target;
   QEventLoop* Loop = nullptr;  // while it is shown
+  bool Resizable = false;
+  QSize OwnSize;  // that it has without the user's doing
 };
 
 }  // namespace zelvanor

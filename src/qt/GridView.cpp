@@ -3,6 +3,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QTableView>
 #include <QTimer>
 #include <algorithm>
@@ -11,7 +12,10 @@
 #include "platform/Grid.h"
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
+#include "qt/Remembered.h"
+#include "qt/SurfaceMarks.h"
 #include "qt/TextConversion.h"
+#include "workspace/Workspace.h"
 
 namespace zelvanor {
 
@@ -19,6 +23,7 @@ namespace {
 
 // Widths of columns are meant for a face whose digits are this wide.
 constexpr double DigitTwips = 82;
+constexpr int KeepMilliseconds = 300;
 
 // The cells where they are, in the control. Header rows and columns of the grid are the headers of the view.
 class GridModel : public QAbstractTableModel {
@@ -99,10 +104,17 @@ class GridView : public QTableView {
     horizontalHeader()->setHighlightSections(true);
     verticalHeader()->setHighlightSections(true);
     MakeCorner();
+    Keep.setSingleShot(true);
+    Keep.setInterval(KeepMilliseconds);
+    QObject::connect(&Keep, &QTimer::timeout, this, [this] { KeepWidths(); });
     Late.setSingleShot(true);
     QObject::connect(&Late, &QTimer::timeout, this, [this] { FollowGrid(); });
     QObject::connect(horizontalHeader(), &QHeaderView::sectionResized, this,
                      [this](int Section, int, int Size) { TakeWidth(Section, Size); });
+  }
+
+  ~GridView() override {
+    if (Keep.isActive()) KeepWidths();
   }
 
   // Many changes in a row are shown once, when the program has come to its end.
@@ -127,6 +139,14 @@ class GridView : public QTableView {
   void mousePressEvent(QMouseEvent* Mouse) override {
     QTableView::mousePressEvent(Mouse);
     DispatchEvent(Grid, Grid.MouseDown);
+  }
+
+  void paintEvent(QPaintEvent* Paint) override {
+    QTableView::paintEvent(Paint);
+    if (Model->columnCount() > 0 && Model->rowCount() > 0) return;
+    QPainter Painter(viewport());
+    PaintHint(Painter, *this, viewport()->rect(),
+              "The table is empty: there are no NMR atoms.\n\nSetup > Shielding & Coupling... > NMR Atoms...");
   }
 
   void selectionChanged(const QItemSelection& Selected, const QItemSelection& Deselected) override {
@@ -181,7 +201,33 @@ class GridView : public QTableView {
 
   void TakeWidth(int Section, int Size) {
     if (Following) return;
-    Dispatch([&] { SetColWidth(Grid, Section + Grid.FixedCols, qRound(Size / PixelsPerTwip())); });
+    const int Twips = qRound(Size / PixelsPerTwip());
+    Dispatch([&] { SetColWidth(Grid, Section + Grid.FixedCols, Twips); });
+    TakeView();
+    Dragged[Section] = Twips;
+    Keep.start();
+  }
+
+  // One grid shows several tables, each with widths of its own.
+  void TakeView() {
+    const QString Present = QString("%1-%2").arg(ToQt(ControlName(Grid))).arg(int(Workspace.ViewMode));
+    if (Present == View) return;
+    if (Keep.isActive()) KeepWidths();
+    View = Present;
+    Dragged = RememberedWidths(View);
+  }
+
+  void KeepWidths() {
+    Keep.stop();
+    RememberWidths(View, Dragged);
+  }
+
+  // A table that is filled gets the program's widths; those that the user has dragged come back.
+  void BringBackWidths() {
+    TakeView();
+    for (const auto& [Section, Twips] : Dragged) {
+      if (Section < Model->columnCount()) SetColWidth(Grid, Section + Grid.FixedCols, Twips);
+    }
   }
 
   void ShowWidths() {
@@ -218,7 +264,10 @@ class GridView : public QTableView {
   void FollowGrid() {
     Following = true;
     if (std::exchange(NewSize, false)) Model->TakeNewSize();
-    if (std::exchange(NewWidths, false)) ShowWidths();
+    if (std::exchange(NewWidths, false)) {
+      BringBackWidths();
+      ShowWidths();
+    }
     if (std::exchange(NewTexts, false)) {
       Model->TakeNewTexts();
       if (Corner != nullptr) Corner->setText(Model->CornerTitle());
@@ -253,6 +302,9 @@ class GridView : public QTableView {
   GridModel* Model;
   QLabel* Corner = nullptr;  // title of the label column
   QTimer Late;
+  QTimer Keep;             // writes widths when the drag has come to rest
+  QString View;            // the table that Dragged belongs to
+  ColumnWidths Dragged;    // by the user
   QPoint Anchor;           // column and row where the user's selection began
   bool Following = false;  // what the view tells is not from the user
   bool NewSize = true;

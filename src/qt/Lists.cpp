@@ -2,12 +2,14 @@
 #include <QComboBox>
 #include <QItemSelectionModel>
 #include <QListView>
+#include <QPainter>
 #include <QSignalBlocker>
 #include <QTimer>
 #include <memory>
 
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
+#include "qt/SurfaceMarks.h"
 #include "qt/TextConversion.h"
 
 namespace zelvanor {
@@ -29,6 +31,22 @@ class ItemModel : public QAbstractListModel {
   void TakeNewItems() {
     beginResetModel();
     endResetModel();
+  }
+
+ private:
+  const ListBox& List;
+};
+
+class ItemView : public QListView {
+ public:
+  ItemView(const ListBox& List, QWidget* Parent) : QListView(Parent), List(List) {}
+
+ protected:
+  void paintEvent(QPaintEvent* Paint) override {
+    QListView::paintEvent(Paint);
+    if (!List.Items.empty() || List.EmptyHint.empty()) return;
+    QPainter Painter(viewport());
+    PaintHint(Painter, *this, viewport()->rect(), ToQt(List.EmptyHint));
   }
 
  private:
@@ -121,7 +139,7 @@ void ShowList(ListParts& Parts, Property What) {
 
 QWidget* MakeListBox(Control& Target, QWidget* Parent) {
   auto& List = static_cast<ListBox&>(Target);
-  auto* View = new QListView(Parent);
+  auto* View = new ItemView(List, Parent);
   const auto Parts = std::make_shared<ListParts>(ListParts{&List, View, new ItemModel(List, View), new QTimer(View)});
   View->setUniformItemSizes(true);
   View->setEditTriggers(QAbstractItemView::NoEditTriggers);

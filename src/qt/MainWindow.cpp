@@ -2,10 +2,10 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
 #include <QIcon>
 #include <QLabel>
 #include <QScreen>
-#include <QSettings>
 #include <QStyle>
 #include <QTimer>
 #include <algorithm>
@@ -15,6 +15,8 @@
 #include "qt/Dispatch.h"
 #include "qt/KeyFilter.h"
 #include "qt/MenuBar.h"
+#include "qt/OpenFiles.h"
+#include "qt/Remembered.h"
 #include "qt/TextConversion.h"
 #include "qt/ToolStrip.h"
 #include "qt/WorkHint.h"
@@ -32,9 +34,6 @@ constexpr int FirstWidth = 900;
 constexpr int FirstHeight = 640;
 constexpr int LeastWidth = 400;
 constexpr int LeastHeight = 240;
-constexpr const char* GeometryKey = "geometry";
-
-QSettings OwnSettings() { return QSettings("zelvanor", "zelvanor"); }
 
 // Controls of the work area, in the order in which they lie on one another.
 Control* const WorkControls[] = {&Main.MolRender1, &Main.ShieldTable, &Main.HScroll2,
@@ -47,6 +46,7 @@ class WorkArea : public QWidget {
     Strip = MakeToolStrip(this);
     for (Control* Item : WorkControls) MakeWidget(*Item, this);
     // The scales of the spectrum follow one resize behind.
+    Settled.setObjectName("settled");
     Settled.setSingleShot(true);
     Settled.setInterval(SettleMilliseconds);
     QObject::connect(&Settled, &QTimer::timeout, this, [] { Dispatch([] { Fire(Main.frmNMR.Resize); }); });
@@ -70,7 +70,7 @@ class WorkArea : public QWidget {
  private:
   QLabel* Hint = nullptr;
   QWidget* Strip = nullptr;
-  QTimer Settled;
+  QTimer Settled{this};
 };
 
 class FrameWindow : public QMainWindow {
@@ -78,6 +78,7 @@ class FrameWindow : public QMainWindow {
   FrameWindow() {
     BuildMenus(menuBar());
     setCentralWidget(new WorkArea(this));
+    setAcceptDrops(true);
   }
 
  protected:
@@ -86,6 +87,23 @@ class FrameWindow : public QMainWindow {
     Close->ignore();
     if (CommandsPause()) return QApplication::beep();
     Dispatch([] { UnloadForm(Main.frmNMR); });
+  }
+
+  // The pointer shows by its form whether the window takes what is dragged.
+  void dragEnterEvent(QDragEnterEvent* Drag) override {
+    if (MayOpenDocuments() && !FirstLocalFile(*Drag->mimeData()).isEmpty()) Drag->acceptProposedAction();
+  }
+
+  // The other program waits for the end of the drop: the command, which may ask, comes after it.
+  void dropEvent(QDropEvent* Drop) override {
+    const QString Path = FirstLocalFile(*Drop->mimeData());
+    if (Path.isEmpty() || !MayOpenDocuments()) return;
+    Drop->acceptProposedAction();
+    QTimer::singleShot(0, this, [this, Path] {
+      if (!MayOpenDocuments()) return;
+      activateWindow();
+      OpenDocument(PathFromQt(Path));
+    });
   }
 };
 
@@ -113,8 +131,8 @@ void ShowForm(QMainWindow* Window, Property What) {
   }
 }
 
-void RestoreGeometry(QMainWindow* Window) {
-  if (Window->restoreGeometry(OwnSettings().value(GeometryKey).toByteArray())) return;
+void GiveFirstSize(QMainWindow* Window) {
+  if (RestoreGeometry(*Window)) return;
   const QSize Room = Window->screen()->availableSize();
   Window->resize(QSize(FirstWidth, FirstHeight).boundedTo(Room * 0.9));
 }
@@ -129,9 +147,10 @@ std::unique_ptr<QMainWindow> MakeMainWindow() {
   }
   auto Window = std::make_unique<FrameWindow>();
   Window->setObjectName(MainFormName);
-  QApplication::setWindowIcon(QIcon(":/icons/zelvanor.svg"));
+  // The desktop has the installed one at every size.
+  QApplication::setWindowIcon(QIcon::fromTheme("zelvanor", QIcon(":/icons/zelvanor.svg")));
   Window->setMinimumSize(LeastWidth, LeastHeight);
-  RestoreGeometry(Window.get());
+  GiveFirstSize(Window.get());
   // The program lays its controls out before the window is shown: it is given the size that the window will have.
   const QSize Inner = Window->size() - QSize(0, Window->menuBar()->sizeHint().height());
   Main.frmNMR.Width = TwipsFromPixels(Inner.width());
@@ -146,7 +165,5 @@ QWidget* TopWindow() {
   QWidget* Window = WidgetOf(Main.frmNMR);
   return Window != nullptr && Window->isVisible() ? Window : nullptr;
 }
-
-void SaveGeometryOf(const QMainWindow& Window) { OwnSettings().setValue(GeometryKey, Window.saveGeometry()); }
 
 }  // namespace zelvanor

@@ -14,7 +14,4 @@ std::unique_ptr<QMainWindow> MakeMainWindow();
 // The window that boxes and dialogs belong to: the dialog on top, or the main window when it is shown. May be null.
 QWidget* TopWindow();
 
-// Keeps the geometry for the next session.
-void SaveGeometryOf(const QMainWindow& Window);
-
 }  // namespace zelvanor

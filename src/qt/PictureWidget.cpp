@@ -7,11 +7,16 @@
 
 #include "platform/Form.h"
 #include "platform/Picture.h"
+#include "qt/Accessible.h"
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
 #include "qt/MouseCodes.h"
 #include "qt/PictureReplay.h"
+#include "qt/SpectrumExtras.h"
+#include "qt/SurfaceMarks.h"
 #include "qt/TextConversion.h"
+#include "shell/MainForm.h"
+#include "workspace/Workspace.h"
 
 namespace zelvanor {
 
@@ -71,10 +76,16 @@ class PictureView : public QWidget {
       Painter.setPen(palette().color(QPalette::Mid));
       Painter.drawRect(rect().adjusted(0, 0, -1, -1));
     }
-    if (ShowsFocus) {
-      Painter.setPen(palette().color(QPalette::Highlight));
-      Painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    if (IsSpectrum()) {
+      PaintSelectedLine(Painter);
+      if (!IsSet(Workspace.SpectraAvailable)) PaintSpectrumHint(Painter);
     }
+    if (ShowsFocus) PaintFocusFrame(Painter, rect());
+  }
+
+  void keyPressEvent(QKeyEvent* Key) override {
+    if (!IsSpectrum() || !PressSpectrumKey(*Key)) return QWidget::keyPressEvent(Key);
+    AfterAction();
   }
 
   // A control of a dialog takes the size that the layout gives it.
@@ -105,8 +116,25 @@ class PictureView : public QWidget {
     const bool BandWas = Surface.Band.Shown;
     Dispatch([&] { Handler(ButtonCode(Buttons), Shift, TwipsOf(Place.x()), TwipsOf(Place.y())); });
     if (BandWas || Surface.Band.Shown) update();
-    setAccessibleDescription(ToQt(Surface.Description));
+    AfterAction();
   }
+
+  // The line that is picked may be another one, though the record is the same.
+  void AfterAction() {
+    if (!IsSpectrum()) return;
+    update();
+    SpeakChange(this);
+  }
+
+  // On the surface's own colour, which is not the desktop's.
+  void PaintSpectrumHint(QPainter& Painter) {
+    const bool Dark = ToQt(Surface.BackColor).lightness() < 128;
+    Painter.setPen(Dark ? Qt::lightGray : Qt::darkGray);
+    Painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap,
+                     "There is no spectrum for the present values.\n\nCompute > II - Spectrum");
+  }
+
+  bool IsSpectrum() const { return &Surface == &Main.Spectrum1; }
 
   bool IsOfMainForm() const { return Surface.Owner == nullptr || Surface.Owner->Name == MainFormName; }
 
@@ -120,6 +148,12 @@ class PictureView : public QWidget {
 QWidget* MakePictureSurface(Control& Target, QWidget* Parent) {
   auto& Surface = static_cast<PictureSurface&>(Target);
   auto* Shown = new PictureView(Surface, Parent);
+  if (&Surface == &Main.Spectrum1) {
+    SpeakFor(Shown, {QAccessible::Graphic, DescribeSpectrum, [&Surface] { return ToQt(Surface.Description); }});
+  } else {
+    SpeakFor(Shown, {QAccessible::Graphic, {}, {}});
+    Shown->setFocusPolicy(Qt::NoFocus);  // a patch of colour has no keys
+  }
   if (Surface.Owner->Name != MainFormName) {
     Shown->setMinimumSize(PixelsFromTwips(Surface.Width), PixelsFromTwips(Surface.Height));
   }

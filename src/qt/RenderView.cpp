@@ -1,15 +1,20 @@
 #include "qt/RenderView.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QWheelEvent>
 #include <cmath>
 
+#include "qt/Accessible.h"
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
 #include "qt/MouseCodes.h"
+#include "qt/SurfaceMarks.h"
 #include "qt/TextConversion.h"
+#include "shell/MainForm.h"
+#include "workspace/Workspace.h"
 
 namespace zelvanor {
 
@@ -42,7 +47,25 @@ class RenderView : public QWidget {
         QSize(static_cast<int>(std::ceil(width() * Ratio)), static_cast<int>(std::ceil(height() * Ratio)))
             .expandedTo({1, 1});
     if (IsStale || Picture.size() != DeviceSize) DrawPicture(DeviceSize, Ratio);
-    QPainter(this).drawImage(0, 0, Picture);
+    QPainter Painter(this);
+    Painter.drawImage(0, 0, Picture);
+    if (ShowsFocus) PaintFocusFrame(Painter, rect());
+  }
+
+  void focusInEvent(QFocusEvent* Focus) override {
+    ShowsFocus = Focus->reason() == Qt::TabFocusReason || Focus->reason() == Qt::BacktabFocusReason;
+    update();
+  }
+  void focusOutEvent(QFocusEvent*) override {
+    ShowsFocus = false;
+    update();
+  }
+
+  // As a notch of the wheel does; the other keys of the view are the program's.
+  void keyPressEvent(QKeyEvent* Key) override {
+    const int Notches = Key->key() == Qt::Key_Plus ? 1 : Key->key() == Qt::Key_Minus ? -1 : 0;
+    if (Notches == 0 || !View.MouseWheel || !MayAct(View)) return QWidget::keyPressEvent(Key);
+    Dispatch([&] { View.MouseWheel(Notches); });
   }
 
   void mousePressEvent(QMouseEvent* Mouse) override {
@@ -63,7 +86,20 @@ class RenderView : public QWidget {
   void DrawPicture(QSize DeviceSize, qreal Ratio) {
     BuildScene(View, Scene);
     PaintScene(Scene, View, Picture, DeviceSize, Ratio, Pieces);
+    if (!Scene.Simple) MarkSelection();
     IsStale = false;
+  }
+
+  void MarkSelection() {
+    const int Count = Main.NumSelectedAtoms;
+    if (Count == 0 || &View != &Main.MolRender1) return;
+    std::vector<bool> IsSelected(View.Atoms.size());
+    for (int Place = 0; Place < Count; ++Place) {
+      const int Atom = Main.SelectedAtom[Place];
+      if (Atom >= 0 && Atom < static_cast<int>(IsSelected.size())) IsSelected[static_cast<std::size_t>(Atom)] = true;
+    }
+    QPainter Painter(&Picture);
+    PaintAtomMarks(Painter, Scene, IsSelected);
   }
 
   using Reporter = void (*)(RenderControl&, int, int, Single, Single);
@@ -79,13 +115,24 @@ class RenderView : public QWidget {
   ScenePieces Pieces;
   QImage Picture;
   bool IsStale = true;
+  bool ShowsFocus = false;
 };
+
+QString DescribeMolecule() {
+  return QString(
+             "%1 atoms, %2 of them NMR atoms, %3 selected. Home and End turn the view, Space fits it to the window, "
+             "plus and minus magnify.")
+      .arg(Main.MolRender1.Atoms.size())
+      .arg(int(Workspace.NumNMRAtoms))
+      .arg(int(Main.NumSelectedAtoms));
+}
 
 }  // namespace
 
 QWidget* MakeRenderControl(Control& Target, QWidget* Parent) {
   auto& View = static_cast<RenderControl&>(Target);
   auto* Shown = new RenderView(View, Parent);
+  SpeakFor(Shown, {QAccessible::Graphic, DescribeMolecule, {}});
   BindWidget(View, Shown, [Shown](Property What) {
     if (What == Property::Picture || What == Property::Place) Shown->ForgetPicture();
   });

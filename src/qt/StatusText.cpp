@@ -1,9 +1,12 @@
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QPainter>
 #include <QStyle>
 
+#include "qt/Accessible.h"
 #include "qt/ControlWidgets.h"
 #include "qt/TextConversion.h"
+#include "workspace/Workspace.h"
 
 namespace zelvanor {
 
@@ -13,6 +16,14 @@ namespace {
 class StatusLabel : public QLabel {
  public:
   using QLabel::QLabel;
+
+  // A loop may set thousands of texts a second; no one reads as many.
+  void ShowAtOnce() {
+    constexpr int LeastMilliseconds = 40;
+    if (LastShown.isValid() && LastShown.elapsed() < LeastMilliseconds) return;
+    LastShown.start();
+    repaint();
+  }
 
  protected:
   void paintEvent(QPaintEvent*) override {
@@ -26,6 +37,9 @@ class StatusLabel : public QLabel {
     style()->drawItemText(&Painter, Room, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, palette(), isEnabled(),
                           Fitting, foregroundRole());
   }
+
+ private:
+  QElapsedTimer LastShown;
 };
 
 }  // namespace
@@ -34,8 +48,13 @@ QWidget* MakeStatusLine(Control& Target, QWidget* Parent) {
   auto& Line = static_cast<StatusLine&>(Target);
   auto* Shown = new StatusLabel(Parent);
   Shown->setTextFormat(Qt::PlainText);
+  SpeakFor(Shown, {QAccessible::StatusBar, {}, [&Line] { return ToQt(Line.Value); }});
   BindWidget(Line, Shown, [&Line, Shown](Property What) {
-    if (What == Property::Text) Shown->setText(ToQt(Line.Value));
+    if (What != Property::Text) return;
+    Shown->setText(ToQt(Line.Value));
+    // A command that works serves no events, but its line moves on.
+    if (IsSet(Workspace.IsBusy)) Shown->ShowAtOnce();
+    SpeakChange(Shown);
   });
   return Shown;
 }

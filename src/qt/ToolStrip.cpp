@@ -32,6 +32,26 @@ class StripButton : public QToolButton {
   }
 };
 
+// The button's text, and the key of the menu item that does the same.
+QString ToolTipOf(const ToolButton& Button) {
+  const auto KeyOf = [&Button]() -> Text {
+    switch (Button.Index) {
+      case ToolNew:
+        return Main.mnuFileNew.Shortcut;
+      case ToolOpen:
+        return Main.mnuFileOpen.Shortcut;
+      case ToolSave:
+        return Main.mnuFileSave.Shortcut;
+      case ToolGet:
+        return Main.mnuFileGet.Shortcut;
+      default:
+        return {};
+    }
+  };
+  const QString Key = ToQt(KeyOf());
+  return ToQt(Button.ToolTip) + (Key.isEmpty() ? QString() : " (" + Key + ")");
+}
+
 bool StartsGroup(int Index) { return Index == ToolMolecule || Index == ToolRotate; }
 
 }  // namespace
@@ -45,7 +65,7 @@ QWidget* MakeToolButton(Control& Target, QWidget* Parent) {
   Shown->setAutoRaise(true);
   Shown->setCheckable(true);
   Shown->setFocusPolicy(Qt::TabFocus);
-  Shown->setToolTip(ToQt(Button.ToolTip));
+  Shown->setToolTip(ToolTipOf(Button));
   const auto ShowPressed = [&Button, Shown] {
     const QSignalBlocker Quiet(Shown);
     Shown->setChecked(IsSet(Button.Pressed));

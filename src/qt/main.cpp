@@ -4,13 +4,13 @@
 
 #include "platform/posix/PosixServices.h"
 #include "program.h"
-#include "qt/Boxes.h"
 #include "qt/Dispatch.h"
 #include "qt/HostLink.h"
 #include "qt/MainWindow.h"
+#include "qt/OpenFiles.h"
 #include "qt/QtServices.h"
+#include "qt/Remembered.h"
 #include "qt/TextConversion.h"
-#include "shell/MainForm.h"
 
 namespace {
 
@@ -36,14 +36,6 @@ Text FindFileWord(int NumWords, char** Words) {
   return {};
 }
 
-// The Open command, with the answer of its dialog at hand.
-void OpenAtStart(const Text& Path) {
-  if (Path.empty()) return;
-  QueueFile(Path);
-  Dispatch([] { Fire(Main.mnuFileOpen.Click); });
-  QueueFile({});
-}
-
 int Run(const Text& CommandLine, const Text& Document) {
   UseQtServices();
   UseHostLink();
@@ -52,9 +44,9 @@ int Run(const Text& CommandLine, const Text& Document) {
   Dispatch([&] { Form_Load(CommandLine); });
   if (ProgramHasEnded()) return 0;
   if (!Window->isVisible()) return 1;  // a failure has been shown, and there is nothing to go on with
-  OpenAtStart(Document);
+  OpenDocument(Document);
   const int Code = ProgramHasEnded() ? 0 : QApplication::exec();
-  SaveGeometryOf(*Window);
+  RememberGeometry(*Window);
   return Code;
 }
 

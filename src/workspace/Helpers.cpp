@@ -31,21 +31,15 @@ Integer NextTokenEnd(TextView Value, Integer From) {
 }
 
 Integer Tokenize(TextView Value) {
-  // The loop of NextTokenStart and NextTokenEnd, on plain offsets: lines may be longer than an Integer counts. The
-  // array grows to its largest size once, so that the texts in it are written over and not made anew for each line.
+  // Lines may be longer than NextTokenStart and NextTokenEnd can count. The array grows to its largest size once, so
+  // that the texts in it are written over and not made anew for each line.
   Array<Text>& Tokens = Workspace.Tokens;
-  const auto Separates = [](char C) { return C == ' ' || C == '\t'; };
   Integer Count = 0;
-  auto Place = Value.begin();
-  for (;;) {
-    Place = std::find_if_not(Place, Value.end(), Separates);
-    if (Place == Value.end()) break;
-    const auto End = std::find_if(Place, Value.end(), Separates);
+  ForEachWord(Value, [&](TextView Word) {
     ++Count;
     if (Tokens.UpperBound() < Count + 1) Tokens.ReDimPreserve(2 * Count + 1);
-    Tokens[Count].assign(Place, End);
-    Place = End;
-  }
+    Tokens[Count].assign(Word);
+  });
   if (Count == 0) return Count;
   // One element behind the last token: empty, but for a single token, behind which the second of the line before stays.
   Tokens.ReDimPreserve(Count + 1);

@@ -15,6 +15,12 @@ std::vector<MessageBox>& ShownBoxes();
 // Serves events for some milliseconds.
 void Wait(int Milliseconds);
 
+// The main window takes the keys again after a dialog: no window manager sees to it offscreen.
+inline void BringBackWindow() {
+  Window().activateWindow();
+  Wait(20);
+}
+
 // The child of the main window that shows a control.
 template <class Widget>
 Widget* Shown(const char* Name) {

@@ -8,20 +8,16 @@
 
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 
 #include "platform/Form.h"
 #include "platform/Services.h"
+#include "platform/posix/FirstStart.h"
 #include "platform/posix/Processes.h"
+#include "platform/posix/UserFolders.h"
 
 namespace zelvanor {
 
 namespace {
-
-Text Environment(const char* Name) {
-  const char* Value = std::getenv(Name);
-  return Value == nullptr ? Text() : Text(Value);
-}
 
 // Read from a locale object of its own: the process keeps the plain locale for its numbers.
 Text ReadDecimalSeparator() {
@@ -52,24 +48,6 @@ Text FindProgramDirectory() {
   return Slash == Text::npos ? "." : Path.substr(0, Slash);
 }
 
-// The user's own win.ini, else the first one in the system's directories, else where the user's own would be.
-Text FindWinIni() {
-  if (Text Named = Environment("ZELVANOR_WIN_INI"); !Named.empty()) return Named;
-  Text Home = Environment("XDG_CONFIG_HOME");
-  if (Home.empty()) Home = Environment("HOME") + "/.config";
-  Text Own = Home + "/zelvanor/win.ini";
-  if (access(Own.c_str(), R_OK) == 0) return Own;
-  Text Folders = Environment("XDG_CONFIG_DIRS");
-  if (Folders.empty()) Folders = "/etc/xdg";
-  for (std::size_t Place = 0; Place <= Folders.size();) {
-    const std::size_t End = std::min(Folders.find(':', Place), Folders.size());
-    Text Shared = Folders.substr(Place, End - Place) + "/zelvanor/win.ini";
-    if (End > Place && access(Shared.c_str(), R_OK) == 0) return Shared;
-    Place = End + 1;
-  }
-  return Own;
-}
-
 }  // namespace
 
 void UsePosixServices() {
@@ -87,6 +65,7 @@ void UsePosixServices() {
   Platform.DecimalSeparator = ReadDecimalSeparator;
   Platform.OtherInstanceRuns = FindOtherInstance;
   Platform.ProgramDirectory = FindProgramDirectory;
+  Platform.PrepareUserFiles = PrepareUserFiles;
   Platform.WinIniPath = FindWinIni;
   Platform.Shell = StartProcess;
   Platform.OpenProcess = OpenStartedProcess;

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QSize>
+#include <QString>
+#include <QWidget>
+#include <map>
+
+namespace zelvanor {
+
+// What the window keeps between sessions, in zelvanor/zelvanor.conf of the user's configuration directory. A file that
+// can't be read or written, and whatever in it makes no sense, is as good as none.
+
+void RememberGeometry(const QWidget& Window);
+bool RestoreGeometry(QWidget& Window);  // false: nothing fit to use was kept
+
+// Sizes of dialogs, by form. The empty size where none is kept.
+void RememberSize(const QString& Form, QSize Size);
+QSize RememberedSize(const QString& Form);
+
+// The folder of the last file that was chosen; one that is gone counts as none (empty).
+void RememberFolderOf(const QString& Path);
+QString RememberedFolder();
+
+// Widths in twips that the user has dragged columns to, by the column's place in the body of the table.
+using ColumnWidths = std::map<int, int>;
+void RememberWidths(const QString& View, const ColumnWidths& Widths);
+ColumnWidths RememberedWidths(const QString& View);
+
+}  // namespace zelvanor

@@ -1,0 +1,16 @@
+#pragma once
+
+namespace zelvanor::tests {
+
+// Script commands that make pictures of the window. The environment says where and how: PICTURES is the folder,
+// PICTURES_SUFFIX stands behind each name, PICTURES_THEME may be "dark".
+void AddPictureCommands();
+
+// Called before a box or common dialog comes up; true when it is to come up for its picture, after which it goes away
+// by itself.
+bool ComesUpForPicture(bool IsBox);
+
+// After the application object, before the window is made.
+void UseThemeForPictures();
+
+}  // namespace zelvanor::tests
