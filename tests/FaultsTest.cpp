@@ -224,6 +224,10 @@ TEST_F(FaultsTest, AProfileThatCannotBeReadIsNotReplaced) {
   EXPECT_TRUE(WritePrivateProfileStrings({{"nmr", "A", "1"}}, Link));
   EXPECT_EQ(ReadBytes(Plain), "[z]\nB=2\n\n[nmr]\nA=1\n");
   EXPECT_TRUE(fs::is_symlink(Link));
+  fs::remove(Plain);
+  EXPECT_TRUE(WritePrivateProfileStrings({{"nmr", "A", "1"}}, Link)) << "a link to a file that is still to come";
+  EXPECT_EQ(ReadBytes(Plain), "[nmr]\nA=1\n");
+  EXPECT_TRUE(fs::is_symlink(Link));
 }
 
 // A disk that fills up at every place, and saves that go on failing.

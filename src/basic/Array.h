@@ -36,15 +36,6 @@ class Array {
 
   // Loses the old elements; the new ones are zero or blank.
   void ReDim(int UpperBound) { Stored = detail::MakeElements<T>(detail::SizeFromBound(UpperBound)); }
-<<<<<<< HEAD
-  void ReDimPreserve(int UpperBound) {
-    try {
-      Stored.resize(detail::SizeFromBound(UpperBound));
-    } catch (const std::bad_alloc&) {
-      throw Failure(failures::OutOfMemory);
-    }
-  }
-=======
   // The elements of a list, and the spare one behind them; Array<FixedText> takes a list of texts.
   template <class List>
   void Assign(const List& Elements) {
@@ -58,8 +49,13 @@ class Array {
     Fresh.emplace_back();
     Stored = std::move(Fresh);
   }
-  void ReDimPreserve(int UpperBound) { Stored.resize(detail::SizeFromBound(UpperBound)); }
->>>>>>> main
+  void ReDimPreserve(int UpperBound) {
+    try {
+      Stored.resize(detail::SizeFromBound(UpperBound));
+    } catch (const std::bad_alloc&) {
+      throw Failure(failures::OutOfMemory);
+    }
+  }
   int UpperBound() const { return static_cast<int>(Stored.size()) - 1; }
 
   T& operator[](int Index) { return Stored[Check(Index)]; }

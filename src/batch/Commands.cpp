@@ -25,20 +25,6 @@ void Start(const Words& /*All*/) {
   Form_Load(State.CommandLine);
 }
 
-<<<<<<< HEAD
-void Quit(const Words& /*All*/) {
-  if (!UnloadForm(Main.frmNMR)) return;
-}
-
-void Size(const Words& All) {
-  constexpr int Largest = 32767;  // of a drawing surface
-  Main.frmNMR.Width = TwipsFromPixels(std::clamp(NeedNumber(All, 1), 0, Largest));
-  Main.frmNMR.Height = TwipsFromPixels(std::clamp(NeedNumber(All, 2), 0, Largest));
-  if (State.Started) Fire(Main.frmNMR.Resize);
-}
-
-=======
->>>>>>> main
 void QueueAnswers(const Words& All) {
   static const std::map<Text, BoxAnswer> Names = {{"yes", BoxAnswer::Yes},
                                                   {"no", BoxAnswer::No},

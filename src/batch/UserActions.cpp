@@ -366,7 +366,9 @@ void PressKey(const std::vector<Argument>& All) {
   Hands.Key(*Active, KeyCode, Shift);
 }
 
-void ResizeWindow(const std::vector<Argument>& All) { Hands.Resize(NeedNumber(All, 1), NeedNumber(All, 2)); }
+void ResizeWindow(const std::vector<Argument>& All) {
+  Hands.Resize(std::clamp(NeedNumber(All, 1), 0, Largest), std::clamp(NeedNumber(All, 2), 0, Largest));
+}
 
 void CloseWindow(const std::vector<Argument>& /*All*/) { Hands.Close(); }
 

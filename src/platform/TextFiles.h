@@ -13,8 +13,8 @@ inline constexpr std::size_t LargestFile = std::size_t{512} << 20;
 
 // The content of a regular file; pipes, devices and folders are refused. Throws a Failure with the system's text.
 Text ReadWholeFile(const Text& Path);
-// Puts Content in the place of what the file holds, in one step; where that fails the file is as it was. A link to a
-// file stays one. Throws a Failure.
+// Puts Content in the place of what the file holds, in one step; where that fails the file is as it was. A link stays
+// one. Throws a Failure.
 void ReplaceFile(const Text& Path, TextView Content);
 
 Integer FreeFile();

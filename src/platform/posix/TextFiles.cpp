@@ -7,9 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
+#include <filesystem>
 #include <map>
-#include <memory>
 #include <new>
 #include <utility>
 
@@ -155,10 +154,16 @@ void CopyTo(const Text& Target, const Descriptor& Source) {
   }
 }
 
-// The file that a path means, through links; the path itself where there is none yet.
+// The file that a path means, through links; the last one may point to a file that is still to come.
 Text ResolvedPath(const Text& Path) {
-  const std::unique_ptr<char, decltype(&std::free)> Resolved(realpath(Path.c_str(), nullptr), std::free);
-  return Resolved ? Text(Resolved.get()) : Path;
+  constexpr int MostLinks = 40;
+  std::filesystem::path Target = Path;
+  std::error_code Ignored;
+  for (int Link = 0; std::filesystem::is_symlink(Target, Ignored); ++Link) {
+    if (Link == MostLinks) throw Failure(failures::PathNotFound);
+    Target = Target.parent_path() / std::filesystem::read_symlink(Target, Ignored);
+  }
+  return Target.string();
 }
 
 }  // namespace
