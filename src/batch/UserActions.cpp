@@ -367,6 +367,7 @@ void PressKey(const std::vector<Argument>& All) {
 }
 
 void ResizeWindow(const std::vector<Argument>& All) {
+  constexpr int Largest = 32767;  // of a drawing surface
   Hands.Resize(std::clamp(NeedNumber(All, 1), 0, Largest), std::clamp(NeedNumber(All, 2), 0, Largest));
 }
 
