@@ -266,6 +266,27 @@ TEST_F(LimitsTest, NMRAtomsAndEquivalentSets) {
   }
 }
 
+// A line of host text takes 256 bytes where it is kept, however short it is in its file.
+TEST_F(LimitsTest, MoreLinesThanAnySystemHas) {
+  const Text Lines(MostHostLines + 1, '\n');
+  const std::pair<const char*, Text> Rows[] = {
+      {"lines.mvs", "warning The file is too large."},
+      {"lines.NMR", "error The file is too large"},
+      {"rows.zmt", "warning Error at line 32771 in file %: there are more than 32767 rows."}};
+  for (const auto& [Name, Expected] : Rows) {
+    ResetProgram();
+    Text Content = Text(Name) == "lines.NMR" ? "BeginMVS\n" + Lines : Lines;
+    if (Text(Name) == "rows.zmt") {
+      Content = "\n\n\nH\nH 1\nH 1 0 90\n";
+      for (int Row = 4; Row <= 32768; ++Row) Content += "H 1 0 90 0 90 0 1 2 3\n";
+    }
+    const Text Path = WriteFile(Name, Content);
+    Open(Path);
+    EXPECT_EQ(Boxes(), Expected.find('%') == Text::npos ? Expected : Change(Expected, "%", Path));
+    ExpectValues("MoleculeLoaded=0 IsBusy=0 NumAtoms=0", Name);
+  }
+}
+
 TEST_F(LimitsTest, LongLines) {
   for (const std::size_t Length : {std::size_t{255}, std::size_t{256}, std::size_t{257}, std::size_t{100000}}) {
     const Text Long(Length, 'x');

@@ -202,6 +202,11 @@ bool CheckAtoms() {
 
 }  // namespace
 
+void AppendHostLine(std::vector<TextView>& Lines, TextView Line) {
+  if (Lines.size() == MostHostLines) throw Failure(failures::FileTooLarge);
+  Lines.push_back(Line);
+}
+
 void StoreHostLines(const std::vector<TextView>& Lines) {
   W.HostTextLineCount = ToLong(static_cast<Double>(Lines.size()));
   W.HostTextLine.Assign(Lines);
@@ -218,7 +223,7 @@ Flag ReadHostFile(const Text& Path) {
   Flag Result = False;
   try {
     std::vector<TextView> Lines;
-    while (!AtEnd(W.FileNumber)) Lines.push_back(LineInput(W.FileNumber));
+    while (!AtEnd(W.FileNumber)) AppendHostLine(Lines, LineInput(W.FileNumber));
     if (Lines.empty()) {
       ShowWarning(Path + " is empty.");
     } else {
