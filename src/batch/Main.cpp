@@ -23,6 +23,7 @@ int main(int Count, char** Words) {
   Text CommandLine;
   for (int Word = 2; Word < Count; ++Word) CommandLine += (Word > 2 ? " " : "") + Text(Words[Word]);
 
+  TakeEndSignals();
   UsePosixServices();
   batch::UseBatchServices();
   BuildProgram();

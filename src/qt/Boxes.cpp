@@ -99,11 +99,17 @@ void SuggestFile(QFileDialog& Shown, const Text& FileName) {
   Shown.selectFile(QFileInfo(Name).fileName());
 }
 
+// A line of a file that a message quotes may be of any length.
+QString Shortened(const QString& Message) {
+  constexpr qsizetype Longest = 2000;
+  return Message.size() <= Longest ? Message : Message.left(Longest) + QString::fromUtf8(" \u2026");
+}
+
 }  // namespace
 
 BoxAnswer ShowMessageBox(const MessageBox& Box) {
   const ButtonsRow& Row = RowOf(Box.Buttons);
-  QMessageBox Shown(IconOf(Box.Kind), ToQt(Box.Title), ToQtLines(Box.Message), Row.Shown, TopWindow());
+  QMessageBox Shown(IconOf(Box.Kind), ToQt(Box.Title), Shortened(ToQtLines(Box.Message)), Row.Shown, TopWindow());
   Shown.setTextFormat(Qt::PlainText);
   Shown.setTextInteractionFlags(Qt::TextSelectableByMouse);
   Shown.setDefaultButton(Row.Default);
