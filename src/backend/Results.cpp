@@ -64,8 +64,7 @@ void RefuseErrorReport(TextView Line) {
   throw ReadRefused();
 }
 
-void AllocateParamResults() {
-  const Integer Count = W.NumNMRAtoms;
+void AllocateParamResults(Integer Count) {
   W.ShieldTensor.ReDim(TensorValues * Count);  // first: its bound is the one that overflows
   W.NMRAtom.ReDimPreserve(Count);
   W.NMRAtomicNumber.ReDimPreserve(Count);
@@ -104,12 +103,14 @@ void ReadCouplings() {
 
 void ReadParamLines() {
   RefuseErrorReport(NextLine());
-  W.NumNMRAtoms = ToInteger(PrefixNumber(NextLine()));
-  if (W.NumNMRAtoms <= 0) {
+  const Integer Count = ToInteger(PrefixNumber(NextLine()));
+  if (Count <= 0) {
+    W.NumNMRAtoms = Count;
     ShowWarning(Join("There is no NMR atom selection.  The number of NMR atoms is ", W.NumNMRAtoms, "."));
     throw ReadRefused();
   }
-  AllocateParamResults();
+  AllocateParamResults(Count);
+  W.NumNMRAtoms = Count;  // not before there is room for them: the document goes by it, and can still be saved
   ScanLine(NextLine(), W.NumNMRAtoms, [](int Atom, Double Value) { W.NMRAtomicNumber[Atom] = ToInteger(Value); });
   ReadShieldings();
   if (EqualsIgnoringCase(NextLine().substr(0, 6), "TENSOR")) {
@@ -176,8 +177,9 @@ Flag ReadResultFile(const Text& Path, Routine ReadLines) {
     Result = True;
   } catch (const ReadRefused&) {
     Result = False;
-  } catch (const Failure&) {
-    Result = False;
+  } catch (const Failure& Problem) {
+    // A backend that never stopped writing is more than a result that can't be read.
+    if (Problem.What == failures::FileTooLarge) WarnOfFailure(Problem);
   }
   CloseFileQuietly(W.FileNumber);
   return Result;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <new>
 #include <span>
 #include <vector>
 
@@ -48,7 +49,14 @@ class Array {
     Fresh.emplace_back();
     Stored = std::move(Fresh);
   }
-  void ReDimPreserve(int UpperBound) { Stored.resize(detail::SizeFromBound(UpperBound)); }
+  void ReDimPreserve(int UpperBound) {
+    const std::size_t Size = detail::SizeFromBound(UpperBound);
+    try {
+      Stored.resize(Size);
+    } catch (const std::exception&) {
+      throw Failure(failures::OutOfMemory);
+    }
+  }
   int UpperBound() const { return static_cast<int>(Stored.size()) - 1; }
 
   T& operator[](int Index) { return Stored[Check(Index)]; }

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <istream>
+#include <new>
 
 #include "basic/NumberText.h"
 #include "basic/TextTools.h"
@@ -78,6 +79,8 @@ void RunLine(TextView Line) {
   } catch (const Failure& Problem) {
     // What no routine of the program has caught, or a number of the script that is none.
     throw ScriptStop{CannotCarryOut, Problem.What};
+  } catch (const std::bad_alloc&) {
+    throw ScriptStop{CannotCarryOut, failures::OutOfMemory};
   } catch (const ProgramEnded&) {
     State.Ended = true;
     PrintOut("ended");
@@ -90,7 +93,8 @@ void RunLine(TextView Line) {
 void PrintOut(TextView Line) {
   std::fwrite(Line.data(), 1, Line.size(), stdout);
   std::fputc('\n', stdout);
-  std::fflush(stdout);
+  // Nobody would see what the rest of the script does.
+  if (std::fflush(stdout) != 0) throw ScriptStop{CannotCarryOut, "can't write to standard output"};
 }
 
 Text Escaped(TextView Value) {

@@ -1,13 +1,13 @@
 #include "platform/Profile.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <optional>
 
 #include "basic/TextTools.h"
+#include "platform/EndSignals.h"
 #include "platform/Services.h"
+#include "platform/TextFiles.h"
 
 namespace zelvanor {
 
@@ -15,28 +15,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// One file as lines; EndsWith is the end of its first line, which new lines take too.
+// One file as lines up to their line feeds, so that each keeps its own end. New lines take Return behind them: a
+// carriage return where the file's first line has one.
 struct ProfileLines {
   std::vector<Text> Lines;
-  Text EndsWith = "\n";
+  Text Return;
 };
 
+// A file that is not there has no lines; one that can't be read is a Failure.
 ProfileLines ReadLines(const Text& File) {
   ProfileLines Result;
   std::error_code Problem;
-  std::ifstream Stream(File, std::ios::binary);
-  if (fs::is_directory(File, Problem) || !Stream) return Result;
-  const Text Content((std::istreambuf_iterator<char>(Stream)), std::istreambuf_iterator<char>());
+  if (!fs::exists(File, Problem)) return Result;
+  const Text Content = ReadWholeFile(File);
   for (std::size_t Place = 0; Place < Content.size();) {
     const std::size_t End = std::min(Content.find('\n', Place), Content.size());
-    Text Line = Content.substr(Place, End - Place);
-    if (!Line.empty() && Line.back() == '\r') {
-      if (Place == 0) Result.EndsWith = "\r\n";
-      Line.pop_back();
-    }
-    Result.Lines.push_back(std::move(Line));
+    Result.Lines.push_back(Content.substr(Place, End - Place));
     Place = End + 1;
   }
+  if (Result.Lines.empty()) return Result;
+  if (Result.Lines.front().ends_with('\r')) Result.Return = "\r";
+  if (!Content.ends_with('\n') && !Content.ends_with('\r')) Result.Lines.back() += Result.Return;
   return Result;
 }
 
@@ -68,10 +67,17 @@ using ValueTable = std::map<Text, Text>;
 
 Text TableKey(TextView Section, TextView Key) { return UpperCase(Section) + "\n" + UpperCase(Key); }
 
+// A file that can't be read holds nothing.
 ValueTable ReadTable(const Text& File) {
   ValueTable Table;
   Text Section;
-  for (const Text& Line : ReadLines(File).Lines) {
+  ProfileLines Content;
+  try {
+    Content = ReadLines(File);
+  } catch (const Failure&) {
+    return Table;
+  }
+  for (const Text& Line : Content.Lines) {
     if (const auto Name = SectionOf(Line)) {
       Section = *Name;
     } else if (const auto Entry = KeyValueOf(Line)) {
@@ -105,8 +111,9 @@ const ValueTable& TableOf(const Text& File) {
 
 // Puts one value into the lines: over the first line with its key, else behind the last filled line of its section,
 // else in a new section at the end.
-void PutValue(std::vector<Text>& Lines, const ProfileEntry& Entry) {
-  const Text Fresh = Entry.Key + "=" + Entry.Value;
+void PutValue(ProfileLines& Content, const ProfileEntry& Entry) {
+  std::vector<Text>& Lines = Content.Lines;
+  const Text Fresh = Entry.Key + "=" + Entry.Value + Content.Return;
   bool Inside = false;
   bool FirstSection = true;  // a section may stand twice: its first part takes what is new
   std::optional<std::size_t> Behind;
@@ -128,8 +135,8 @@ void PutValue(std::vector<Text>& Lines, const ProfileEntry& Entry) {
     Lines.insert(Lines.begin() + static_cast<std::ptrdiff_t>(*Behind), Fresh);
     return;
   }
-  if (!Lines.empty() && !TrimWhite(Lines.back()).empty()) Lines.emplace_back();
-  Lines.push_back("[" + Entry.Section + "]");
+  if (!Lines.empty() && !TrimWhite(Lines.back()).empty()) Lines.push_back(Content.Return);
+  Lines.push_back("[" + Entry.Section + "]" + Content.Return);
   Lines.push_back(Fresh);
 }
 
@@ -147,28 +154,17 @@ Text GetProfileString(TextView Section, TextView Key, TextView Default) {
 
 bool WritePrivateProfileStrings(const std::vector<ProfileEntry>& Entries, const Text& File) {
   Cache() = {};  // two writes may fall into one tick of the file's clock
-  ProfileLines Content = ReadLines(File);
-  for (const ProfileEntry& Entry : Entries) PutValue(Content.Lines, Entry);
-  std::error_code Problem;
-  // A file that is a link stays one: what it points to is replaced.
-  fs::path Target = fs::weakly_canonical(File, Problem);
-  if (Problem) Target = File;
-  const fs::path Fresh = Target.string() + ".new";
-  {
-    std::ofstream Stream(Fresh, std::ios::binary | std::ios::trunc);
-    for (const Text& Line : Content.Lines) Stream << Line << Content.EndsWith;
-    Stream.flush();
-    if (!Stream) {
-      fs::remove(Fresh, Problem);
-      return false;
-    }
+  const EndHeld Held;
+  try {
+    ProfileLines Content = ReadLines(File);
+    for (const ProfileEntry& Entry : Entries) PutValue(Content, Entry);
+    Text Fresh;
+    for (const Text& Line : Content.Lines) Fresh.append(Line) += '\n';
+    ReplaceFile(File, Fresh);
+    return true;
+  } catch (const Failure&) {
+    return false;
   }
-  const fs::file_status Status = fs::status(Target, Problem);
-  if (fs::is_regular_file(Status)) fs::permissions(Fresh, Status.permissions(), Problem);
-  fs::rename(Fresh, Target, Problem);
-  if (!Problem) return true;
-  fs::remove(Fresh, Problem);
-  return false;
 }
 
 }  // namespace zelvanor

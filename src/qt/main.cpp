@@ -2,6 +2,7 @@
 #include <QFileInfo>
 #include <clocale>
 
+#include "platform/posix/PosixServices.h"
 #include "program.h"
 #include "qt/DarkOutlines.h"
 #include "qt/Dispatch.h"
@@ -60,5 +61,6 @@ int main(int argc, char** argv) {
   QApplication::setDesktopFileName("zelvanor");
   QApplication::setQuitOnLastWindowClosed(false);
   UseVisibleOutlines();
+  TakeEndSignals();
   return Run(JoinWords(argc, argv), FindFileWord(argc, argv));
 }
