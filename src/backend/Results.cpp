@@ -65,9 +65,7 @@ void RefuseErrorReport(TextView Line) {
 }
 
 void AllocateParamResults(Integer Count) {
-  // First: its bound is the one that overflows. The count is taken when there are arrays for it.
-  W.ShieldTensor.ReDim(TensorValues * Count);
-  W.NumNMRAtoms = Count;
+  W.ShieldTensor.ReDim(TensorValues * Count);  // first: its bound is the one that overflows
   W.NMRAtom.ReDimPreserve(Count);
   W.NMRAtomicNumber.ReDimPreserve(Count);
   W.Shielding.ReDim(Count);
@@ -108,10 +106,11 @@ void ReadParamLines() {
   const Integer Count = ToInteger(PrefixNumber(NextLine()));
   if (Count <= 0) {
     W.NumNMRAtoms = Count;
-    ShowWarning(Join("There is no NMR atom selection.  The number of NMR atoms is ", Count, "."));
+    ShowWarning(Join("There is no NMR atom selection.  The number of NMR atoms is ", W.NumNMRAtoms, "."));
     throw ReadRefused();
   }
   AllocateParamResults(Count);
+  W.NumNMRAtoms = Count;  // not before there is room for them: the document goes by it, and can still be saved
   ScanLine(NextLine(), W.NumNMRAtoms, [](int Atom, Double Value) { W.NMRAtomicNumber[Atom] = ToInteger(Value); });
   ReadShieldings();
   if (EqualsIgnoringCase(NextLine().substr(0, 6), "TENSOR")) {
@@ -178,8 +177,9 @@ Flag ReadResultFile(const Text& Path, Routine ReadLines) {
     Result = True;
   } catch (const ReadRefused&) {
     Result = False;
-  } catch (const Failure&) {
-    Result = False;
+  } catch (const Failure& Problem) {
+    // A backend that never stopped writing is more than a result that can't be read.
+    if (Problem.What == failures::FileTooLarge) WarnOfFailure(Problem);
   }
   CloseFileQuietly(W.FileNumber);
   return Result;

@@ -28,6 +28,8 @@ const char* FailureTextFromErrno(int Code) {
     case ENOMEM:
     case E2BIG:
       return failures::OutOfMemory;
+    case ENOEXEC:
+      return failures::NoProgram;
     default:
       return failures::DeviceError;
   }

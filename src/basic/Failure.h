@@ -24,9 +24,11 @@ inline constexpr const char* PathNotFound = "Path not found";
 inline constexpr const char* PermissionDenied = "Permission denied";
 inline constexpr const char* PathAccess = "Path/File access error";
 inline constexpr const char* DiskFull = "Disk full";
+inline constexpr const char* FileTooLarge = "The file is too large";
 inline constexpr const char* TooManyFiles = "Too many files";
 inline constexpr const char* BadFileNumber = "Bad file name or number";
 inline constexpr const char* DeviceError = "Device I/O error";
+inline constexpr const char* NoProgram = "The file is not a program";
 // Of a control that refuses; callers that expect it drop it.
 inline constexpr const char* CannotPerform = "Can't perform requested operation";
 inline constexpr const char* OutOfMemory = "Out of memory";

@@ -201,6 +201,12 @@ int NeedNumber(const std::vector<Argument>& All, std::size_t Place) {
   return ToLong(StrictNumber(All[Place].Value));
 }
 
+std::vector<Text> CommandNames() {
+  std::vector<Text> Names;
+  for (const auto& [Name, Row] : Commands()) Names.push_back(Name);
+  return Names;
+}
+
 int NeedNumberIn(const std::vector<Argument>& All, std::size_t Place, int Low, int High) {
   const int Number = NeedNumber(All, Place);
   if (Number < Low || Number > High) throw ScriptStop{CannotCarryOut, "out of range: " + All[Place].Value};

@@ -23,11 +23,16 @@ int main(int Count, char** Words) {
   Text CommandLine;
   for (int Word = 2; Word < Count; ++Word) CommandLine += (Word > 2 ? " " : "") + Text(Words[Word]);
 
+  TakeEndSignals();
   UsePosixServices();
   batch::UseBatchServices();
   BuildProgram();
 
   batch::ExitStatus Status = batch::RanToItsEnd;
+  if (Text(Words[1]) == "--commands") {
+    for (const Text& Name : batch::CommandNames()) std::puts(Name.c_str());
+    return Status;
+  }
   if (Text(Words[1]) == "-") {
     Status = batch::RunWholeScript(std::cin, CommandLine);
   } else {

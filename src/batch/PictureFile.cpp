@@ -18,22 +18,31 @@ void Draw(const Picture& Shown, cairo_surface_t* Target, Double Scale) {
   cairo_destroy(Context);
 }
 
-cairo_status_t WritePng(const Picture& Shown, const Text& Path) {
-  cairo_surface_t* Target = cairo_image_surface_create(CAIRO_FORMAT_RGB24, Shown.Size.Width, Shown.Size.Height);
-  Draw(Shown, Target, 1.0);
-  const cairo_status_t Status = cairo_surface_write_to_png(Target, Path.c_str());
-  cairo_surface_destroy(Target);
-  return Status;
+cairo_status_t Append(void* Target, const unsigned char* Data, unsigned Length) {
+  static_cast<Text*>(Target)->append(reinterpret_cast<const char*>(Data), Length);
+  return CAIRO_STATUS_SUCCESS;
 }
 
-cairo_status_t WritePdf(const Picture& Shown, const Text& Path) {
-  cairo_surface_t* Target =
-      cairo_pdf_surface_create(Path.c_str(), Shown.Size.Width * PointsPerPixel, Shown.Size.Height * PointsPerPixel);
+// The bytes of a picture file; empty where the picture is too large. The file is written by the one writer that notices
+// a full disk: cairo's own one for PDF does not.
+Text BuildPng(const Picture& Shown) {
+  Text Content;
+  cairo_surface_t* Target = cairo_image_surface_create(CAIRO_FORMAT_RGB24, Shown.Size.Width, Shown.Size.Height);
+  Draw(Shown, Target, 1.0);
+  const cairo_status_t Status = cairo_surface_write_to_png_stream(Target, Append, &Content);
+  cairo_surface_destroy(Target);
+  return Status == CAIRO_STATUS_SUCCESS ? Content : Text();
+}
+
+Text BuildPdf(const Picture& Shown) {
+  Text Content;
+  cairo_surface_t* Target = cairo_pdf_surface_create_for_stream(Append, &Content, Shown.Size.Width * PointsPerPixel,
+                                                                Shown.Size.Height * PointsPerPixel);
   Draw(Shown, Target, PointsPerPixel);
   cairo_surface_finish(Target);
   const cairo_status_t Status = cairo_surface_status(Target);
   cairo_surface_destroy(Target);
-  return Status;
+  return Status == CAIRO_STATUS_SUCCESS ? Content : Text();
 }
 
 }  // namespace
@@ -46,8 +55,9 @@ bool IsPictureFile(const Text& Path) {
 void WritePicture(const Picture& Shown, const Text& Path) {
   const Text Ending = EndingOf(Path);
   if (Ending == ".SVG") return WriteText(Path, Shown.Svg());
-  const cairo_status_t Status = Ending == ".PNG" ? WritePng(Shown, Path) : WritePdf(Shown, Path);
-  if (Status != CAIRO_STATUS_SUCCESS) throw ScriptStop{CannotCarryOut, "can't write " + Path};
+  const Text Content = Ending == ".PNG" ? BuildPng(Shown) : BuildPdf(Shown);
+  if (Content.empty()) throw ScriptStop{CannotCarryOut, "can't write " + Path};
+  WriteText(Path, Content);
 }
 
 }  // namespace zelvanor::batch

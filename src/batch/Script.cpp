@@ -93,7 +93,8 @@ void RunLine(TextView Line) {
 void PrintOut(TextView Line) {
   std::fwrite(Line.data(), 1, Line.size(), stdout);
   std::fputc('\n', stdout);
-  std::fflush(stdout);
+  // Nobody would see what the rest of the script does.
+  if (std::fflush(stdout) != 0) throw ScriptStop{CannotCarryOut, "can't write to standard output"};
 }
 
 Text Escaped(TextView Value) {

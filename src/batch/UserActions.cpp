@@ -370,7 +370,8 @@ void PressKey(const std::vector<Argument>& All) {
 }
 
 void ResizeWindow(const std::vector<Argument>& All) {
-  Hands.Resize(NeedNumberIn(All, 1, 0, LargestPlace), NeedNumberIn(All, 2, 0, LargestPlace));
+  // As large as a window can be, as a desktop would do it.
+  Hands.Resize(std::clamp(NeedNumber(All, 1), 0, LargestPlace), std::clamp(NeedNumber(All, 2), 0, LargestPlace));
 }
 
 void CloseWindow(const std::vector<Argument>& /*All*/) { Hands.Close(); }

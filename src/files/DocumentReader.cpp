@@ -140,7 +140,7 @@ Flag ReadHostBlock(Integer FileNumber) {
     for (;;) {
       const TextView Line = LineInput(FileNumber);
       if (EqualsIgnoringCase(TrimBlanks(Line), document::EndHostBlock)) break;
-      Lines.push_back(Line);
+      AppendHostLine(Lines, Line);
     }
     StoreHostLines(Lines);
     return True;

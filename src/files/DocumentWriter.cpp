@@ -6,6 +6,7 @@
 #include "files/DocumentFormat.h"
 #include "files/HostText.h"
 #include "files/OptionLines.h"
+#include "platform/EndSignals.h"
 #include "platform/TextFiles.h"
 #include "shell/Frame.h"
 #include "workspace/Helpers.h"
@@ -101,7 +102,7 @@ Flag ReportFailure(Routine Body) {
 // A folder that takes no second file is no reason not to save; a disk that is full is.
 bool KeepFormerWherePossible(const Text& Path) {
   try {
-    return KeepFormerContent(Path);
+    return KeepFormerContent(Path, document::SpectraEnd);
   } catch (const Failure& Problem) {
     if (Problem.What == failures::DiskFull) throw;
     return false;
@@ -109,6 +110,7 @@ bool KeepFormerWherePossible(const Text& Path) {
 }
 
 Flag OpenAndWrite(const Text& Path) {
+  const EndHeld Held;
   bool Kept = false;
   try {
     W.FileNumber = FreeFile();

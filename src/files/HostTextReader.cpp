@@ -47,13 +47,18 @@ struct ParseState {
 
 // Counts on the stored lines as they stand, padding and leading blanks included, down to the spare last one.
 void CountAtomsAndMolecules() {
+  // More than an Integer holds end the count, and leave no number of atoms that are not there.
   W.NumAtoms = 0;
   W.NumMolecules = 0;
+  Integer NumAtoms;
+  Integer NumMolecules;
   for (int Line = 0; Line <= W.HostTextLineCount; ++Line) {
     const TextView Stored = W.HostTextLine[Line].View();
-    if (Stored.starts_with("atom ")) ++W.NumAtoms;
-    if (Stored.starts_with("mol ")) ++W.NumMolecules;
+    if (Stored.starts_with("atom ")) ++NumAtoms;
+    if (Stored.starts_with("mol ")) ++NumMolecules;
   }
+  W.NumAtoms = NumAtoms;
+  W.NumMolecules = NumMolecules;
 }
 
 // Brings Tokens up to date: whoever looks at them after the reading finds the last line's.
@@ -197,6 +202,11 @@ bool CheckAtoms() {
 
 }  // namespace
 
+void AppendHostLine(std::vector<TextView>& Lines, TextView Line) {
+  if (Lines.size() == MostHostLines) throw Failure(failures::FileTooLarge);
+  Lines.push_back(Line);
+}
+
 void StoreHostLines(const std::vector<TextView>& Lines) {
   W.HostTextLineCount = ToLong(static_cast<Double>(Lines.size()));
   W.HostTextLine.Assign(Lines);
@@ -213,7 +223,7 @@ Flag ReadHostFile(const Text& Path) {
   Flag Result = False;
   try {
     std::vector<TextView> Lines;
-    while (!AtEnd(W.FileNumber)) Lines.push_back(LineInput(W.FileNumber));
+    while (!AtEnd(W.FileNumber)) AppendHostLine(Lines, LineInput(W.FileNumber));
     if (Lines.empty()) {
       ShowWarning(Path + " is empty.");
     } else {

@@ -220,6 +220,7 @@ int PassHeader(Integer FileNumber) {
 void ThrowAtLine(int Line, const Text& What) { throw Failure(What, Line); }
 
 ZMatrixRows ReadZMatrixRows(const Text& Path) {
+  constexpr int MostRows = 32767;  // an Integer counts them
   WorkspaceState& W = Workspace;
   W.FileNumber = FreeFile();
   OpenForInput(Path, W.FileNumber);
@@ -232,6 +233,7 @@ ZMatrixRows ReadZMatrixRows(const Text& Path) {
       if (IsComment(Content)) continue;
       const Words All = SplitRow(TrimWhite(Content));
       if (All.empty() || IsEnd(All[0])) break;
+      if (Rows.size() == MostRows) ThrowAtLine(Line, Join("there are more than ", Long{MostRows}, " rows"));
       Rows.push_back(ReadRow(All, Line, static_cast<int>(Rows.size()) + 1));
     }
     TellKinds(Rows);

@@ -104,6 +104,7 @@ Flag GetSystemFromHost() {
     HostExecute("[select-none]");
     if (Saved) HostExecute(Text("[select-name ") + SavedSelection + "]");
     const Long Count = CountTextLines(System);
+    if (static_cast<std::size_t>(Count) > MostHostLines) throw Failure(failures::OutOfMemory);
     W.HostTextLine = SplitTextLines(System, Count);
     W.HostTextLineCount = Count;
     W.HostTextPath.clear();

@@ -76,6 +76,9 @@ void ReadNMRAtoms(Long NumSelections) {
   if (!FindSelection(NumSelections, NMRName)) return;
   SelectInHost(NMRName);
   const Integer NumSelected = ToInteger(RequestNumber("selected-atom-count"));
+  const Integer TensorBound =
+      TensorValues * NumSelected;  // too many atoms end here, before anything large is allocated
+  if (TensorBound < 0) throw Failure(failures::Subscript);
   W.NMRAtom.ReDim(NumSelected);
   W.NMRAtomicNumber.ReDim(NumSelected);
   W.Shielding.ReDim(NumSelected);
@@ -159,7 +162,7 @@ void GetHostAtomSets() {
   Long NumSelections = 0;
   bool AnyNamed = true;
   IgnoreFailure([&] {
-    NumSelections = ToLong(RequestNumber("named-selection-count"));
+    NumSelections = ToInteger(RequestNumber("named-selection-count"));  // names beyond number are no answer
     AnyNamed = NumSelections != 0;
     if (!AnyNamed) {
       ShowWarning(

@@ -1,6 +1,8 @@
 #include "nmrcalc/Command.h"
 
+#include <fcntl.h>
 #include <malloc.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
@@ -44,15 +46,27 @@ std::string PathIn(const std::string& Directory, const std::string& Name) {
   return Directory + (Ends ? "" : "/") + Name;
 }
 
+// Opened without waiting for a reader, where the path is a pipe.
 bool WriteBytes(const std::string& Path, const std::string& Text) {
-  std::FILE* File = std::fopen(Path.c_str(), "wb");
-  if (File == nullptr) return false;
-  const bool Written = std::fwrite(Text.data(), 1, Text.size(), File) == Text.size();
-  return std::fclose(File) == 0 && Written;
+  const int Descriptor = open(Path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
+  if (Descriptor < 0) return false;
+  std::size_t Written = 0;
+  while (Written < Text.size()) {
+    const ssize_t Count = write(Descriptor, Text.data() + Written, Text.size() - Written);
+    if (Count < 0 && errno == EINTR) continue;
+    if (Count <= 0) break;
+    Written += static_cast<std::size_t>(Count);
+  }
+  const int Problem = errno;
+  const bool Whole = close(Descriptor) == 0 && Written == Text.size();
+  if (Written < Text.size()) errno = Problem;
+  return Whole;
 }
 
+std::string ErrorReport(const std::string& Reason) { return "ERRMSG: " + Reason + ".\n"; }
+
 // Writes beside the file and renames, so that nobody reads half a result. Where no file can be made beside it (a
-// directory without write permission, a device), it is written in place.
+// directory without write permission, a device), it is written in place; if that fails the file tells so or is empty.
 void WriteOutput(const std::string& Path, const std::string& Text) {
   const std::string Temporary = Path + ".tmp";
   std::error_code Error;
@@ -61,10 +75,11 @@ void WriteOutput(const std::string& Path, const std::string& Text) {
     std::filesystem::rename(Temporary, Path, Error);
     if (!Error) return;
   }
-  const int Code = errno;
-  std::filesystem::remove(Temporary, Error);
+  if (Plain) std::filesystem::remove(Temporary, Error);
   if (WriteBytes(Path, Text)) return;
-  throw zelvanor::Failure("Could not write " + Path + ": " + zelvanor::FailureTextFromErrno(errno ? errno : Code));
+  const std::string Reason = "Could not write " + Path + ": " + zelvanor::FailureTextFromErrno(errno);
+  if (Plain && !WriteBytes(Path, ErrorReport(Reason))) WriteBytes(Path, "");
+  throw zelvanor::Failure(Reason);
 }
 
 // The log level lies in the input of stage 1; stage 2 goes by the one of the latest stage 1.
@@ -110,7 +125,7 @@ std::string RunStageSafely(const CommandLine& Command, Log& Report, bool& Failed
   }
   Failed = true;
   AddToLog(Report, 0, "Failed: " + Reason);
-  return "ERRMSG: " + Reason + ".\n";
+  return ErrorReport(Reason);
 }
 
 // Matrices come and go by the thousand. Kept in the heap, their pages are paid for once and not at each use.

@@ -1,5 +1,9 @@
 #include "nmrcalc/InputText.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -29,8 +33,13 @@ struct FileCloser {
 
 std::string ReadBytes(const std::string& Path) {
   errno = 0;
-  const std::unique_ptr<std::FILE, FileCloser> File(std::fopen(Path.c_str(), "rb"));
-  if (!File) FailToRead(Path, errno);
+  // Without waiting for the writer of a pipe, which is no file to read.
+  const int Descriptor = open(Path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (Descriptor < 0) FailToRead(Path, errno);
+  struct stat Status {};
+  const std::unique_ptr<std::FILE, FileCloser> File(fdopen(Descriptor, "rb"));
+  if (!File || fstat(Descriptor, &Status) != 0) FailToRead(Path, errno);
+  if (!S_ISREG(Status.st_mode)) FailToRead(Path, EISDIR);
   std::string Bytes;
   std::array<char, 65536> Buffer{};
   while (const std::size_t Count = std::fread(Buffer.data(), 1, Buffer.size(), File.get())) {

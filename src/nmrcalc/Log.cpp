@@ -1,5 +1,8 @@
 #include "nmrcalc/Log.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstdio>
 
 namespace nmrcalc {
@@ -12,7 +15,10 @@ void AddToLog(Log& Report, int Level, const std::string& Text) {
 
 bool WriteLog(Log& Report) {
   if (Report.Path.empty() || Report.Text.empty()) return true;
-  std::FILE* File = std::fopen(Report.Path.c_str(), "ab");
+  // Without waiting for the reader of a pipe: a calculation must end.
+  const int Descriptor = open(Report.Path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666);
+  if (Descriptor < 0) return false;
+  std::FILE* File = fdopen(Descriptor, "ab");
   if (File == nullptr) return false;
   const bool Written = std::fwrite(Report.Text.data(), 1, Report.Text.size(), File) == Report.Text.size();
   Report.Text.clear();

@@ -1,13 +1,13 @@
 #include "platform/Profile.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <optional>
 
 #include "basic/TextTools.h"
+#include "platform/EndSignals.h"
 #include "platform/Services.h"
+#include "platform/TextFiles.h"
 
 namespace zelvanor {
 
@@ -22,12 +22,12 @@ struct ProfileLines {
   Text Return;
 };
 
+// A file that is not there has no lines; one that can't be read is a Failure.
 ProfileLines ReadLines(const Text& File) {
   ProfileLines Result;
   std::error_code Problem;
-  std::ifstream Stream(File, std::ios::binary);
-  if (fs::is_directory(File, Problem) || !Stream) return Result;
-  const Text Content((std::istreambuf_iterator<char>(Stream)), std::istreambuf_iterator<char>());
+  if (!fs::exists(File, Problem)) return Result;
+  const Text Content = ReadWholeFile(File);
   for (std::size_t Place = 0; Place < Content.size();) {
     const std::size_t End = std::min(Content.find('\n', Place), Content.size());
     Result.Lines.push_back(Content.substr(Place, End - Place));
@@ -67,10 +67,17 @@ using ValueTable = std::map<Text, Text>;
 
 Text TableKey(TextView Section, TextView Key) { return UpperCase(Section) + "\n" + UpperCase(Key); }
 
+// A file that can't be read holds nothing.
 ValueTable ReadTable(const Text& File) {
   ValueTable Table;
   Text Section;
-  for (const Text& Line : ReadLines(File).Lines) {
+  ProfileLines Content;
+  try {
+    Content = ReadLines(File);
+  } catch (const Failure&) {
+    return Table;
+  }
+  for (const Text& Line : Content.Lines) {
     if (const auto Name = SectionOf(Line)) {
       Section = *Name;
     } else if (const auto Entry = KeyValueOf(Line)) {
@@ -147,28 +154,17 @@ Text GetProfileString(TextView Section, TextView Key, TextView Default) {
 
 bool WritePrivateProfileStrings(const std::vector<ProfileEntry>& Entries, const Text& File) {
   Cache() = {};  // two writes may fall into one tick of the file's clock
-  ProfileLines Content = ReadLines(File);
-  for (const ProfileEntry& Entry : Entries) PutValue(Content, Entry);
-  std::error_code Problem;
-  // A file that is a link stays one: what it points to is replaced.
-  fs::path Target = fs::weakly_canonical(File, Problem);
-  if (Problem) Target = File;
-  const fs::path Fresh = Target.string() + ".new";
-  {
-    std::ofstream Stream(Fresh, std::ios::binary | std::ios::trunc);
-    for (const Text& Line : Content.Lines) Stream << Line << '\n';
-    Stream.flush();
-    if (!Stream) {
-      fs::remove(Fresh, Problem);
-      return false;
-    }
+  const EndHeld Held;
+  try {
+    ProfileLines Content = ReadLines(File);
+    for (const ProfileEntry& Entry : Entries) PutValue(Content, Entry);
+    Text Fresh;
+    for (const Text& Line : Content.Lines) Fresh.append(Line) += '\n';
+    ReplaceFile(File, Fresh);
+    return true;
+  } catch (const Failure&) {
+    return false;
   }
-  const fs::file_status Status = fs::status(Target, Problem);
-  if (fs::is_regular_file(Status)) fs::permissions(Fresh, Status.permissions(), Problem);
-  fs::rename(Fresh, Target, Problem);
-  if (!Problem) return true;
-  fs::remove(Fresh, Problem);
-  return false;
 }
 
 }  // namespace zelvanor

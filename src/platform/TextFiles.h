@@ -8,6 +8,15 @@ namespace zelvanor {
 // A writer ends its lines with CR LF and hands its text over in large pieces, the last one when the file is closed.
 // Every routine throws a Failure with the system's text.
 
+// No reader takes in more than this, whatever a file says about itself: a document with ten million peaks is smaller.
+inline constexpr std::size_t LargestFile = std::size_t{512} << 20;
+
+// The content of a regular file; pipes, devices and folders are refused. Throws a Failure with the system's text.
+Text ReadWholeFile(const Text& Path);
+// Puts Content in the place of what the file holds, in one step; where that fails the file is as it was. A link stays
+// one. Throws a Failure.
+void ReplaceFile(const Text& Path, TextView Content);
+
 Integer FreeFile();
 void OpenForInput(const Text& Path, Integer FileNumber);
 // Creates the file, or empties the one that is there.
@@ -27,14 +36,17 @@ void CloseFile(Integer FileNumber);
 // The same where a failure has been met already: no further one is reported.
 void CloseFileQuietly(Integer FileNumber);
 
-// Why the file can't be opened for reading; empty when it can.
+// Why the file can't be read; empty when it can.
 Text WhyUnreadable(const Text& Path);
-// Whether the file can be opened for reading.
+// Whether something that is no folder can be opened there for reading.
 Flag FileExists(const Text& Path);
 
 // Copies a regular file to its own path with "~" behind it, so that a failed replacement loses nothing; does nothing
-// for other kinds of file and for one that is not there. True when there is a copy now. Throws when it can't be made.
-bool KeepFormerContent(const Text& Path);
+// for other kinds of file and for one that is not there. A copy that stands there already stays where it ends with a
+// line that begins with LastLine and the file does not: a failed save has left the file half. True when there is a copy
+// now. Throws when it can't be made.
+bool KeepFormerContent(const Text& Path, TextView LastLine);
+// Makes sure of the file's new content, then removes the copy. Throws where the disk has not taken the content.
 void DropFormerContent(const Text& Path);
 
 }  // namespace zelvanor

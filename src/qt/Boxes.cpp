@@ -8,10 +8,12 @@
 #include <utility>
 
 #include "qt/Dispatch.h"
+#include "qt/HelpWindow.h"
 #include "qt/MainWindow.h"
 #include "qt/Pointer.h"
 #include "qt/Remembered.h"
 #include "qt/TextConversion.h"
+#include "shell/HelpTopics.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -97,15 +99,23 @@ void SuggestFile(QFileDialog& Shown, const Text& FileName) {
   Shown.selectFile(QFileInfo(Name).fileName());
 }
 
+// A line of a file that a message quotes may be of any length.
+QString Shortened(const QString& Message) {
+  constexpr qsizetype Longest = 2000;
+  return Message.size() <= Longest ? Message : Message.left(Longest) + QString::fromUtf8(" \u2026");
+}
+
 }  // namespace
 
 BoxAnswer ShowMessageBox(const MessageBox& Box) {
   const ButtonsRow& Row = RowOf(Box.Buttons);
-  QMessageBox Shown(IconOf(Box.Kind), ToQt(Box.Title), ToQtLines(Box.Message), Row.Shown, TopWindow());
+  QMessageBox Shown(IconOf(Box.Kind), ToQt(Box.Title), Shortened(ToQtLines(Box.Message)), Row.Shown, TopWindow());
   Shown.setTextFormat(Qt::PlainText);
   Shown.setTextInteractionFlags(Qt::TextSelectableByMouse);
   Shown.setDefaultButton(Row.Default);
   Shown.setEscapeButton(Row.Escape);
+  Shown.setWindowModality(Qt::WindowModal);  // the manual stays open to use
+  AddHelpKey(&Shown, MessagesHelp);
   if (AfterDispatch) AfterDispatch();  // what stands behind the box is up to date
   const PlainPointer Pointer;
   const int Pressed = Shown.exec();

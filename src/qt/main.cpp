@@ -2,7 +2,9 @@
 #include <QFileInfo>
 #include <clocale>
 
+#include "platform/posix/PosixServices.h"
 #include "program.h"
+#include "qt/DarkOutlines.h"
 #include "qt/Dispatch.h"
 #include "qt/HostLink.h"
 #include "qt/MainWindow.h"
@@ -58,5 +60,7 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("zelvanor");
   QApplication::setDesktopFileName("zelvanor");
   QApplication::setQuitOnLastWindowClosed(false);
+  UseVisibleOutlines();
+  TakeEndSignals();
   return Run(JoinWords(argc, argv), FindFileWord(argc, argv));
 }

@@ -45,7 +45,11 @@ std::vector<Text> ReadLines(const Text& Path) {
   W.FileNumber = FreeFile();
   try {
     OpenForInput(Path, W.FileNumber);
-    while (!AtEnd(W.FileNumber)) Lines.emplace_back(LineInput(W.FileNumber));
+    constexpr std::size_t MostLines = std::size_t{1} << 20;
+    while (!AtEnd(W.FileNumber)) {
+      if (Lines.size() == MostLines) throw Failure(failures::FileTooLarge);
+      Lines.emplace_back(LineInput(W.FileNumber));
+    }
   } catch (const Failure& Problem) {
     CloseFileQuietly(W.FileNumber);
     throw Failure(Join("Failure on ", Path, ": ", Problem.What, "."));

@@ -215,7 +215,8 @@ Flag FCompileHtrcLsz(Htrc Rules, const Text& Path) {
   try {
     W.FileNumber = FreeFile();
     OpenForInput(Path, W.FileNumber);
-    for (int Line = 1; !AtEnd(W.FileNumber); ++Line) {
+    constexpr std::size_t EnoughErrors = 10000;  // what is told is cut long before
+    for (int Line = 1; !AtEnd(W.FileNumber) && Work.Errors.size() < EnoughErrors; ++Line) {
       try {
         CompileLine(Work, LineInput(W.FileNumber));
       } catch (const Failure& Problem) {

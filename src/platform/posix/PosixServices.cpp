@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 
 #include "platform/Form.h"
 #include "platform/Services.h"
@@ -27,13 +28,16 @@ Text ReadDecimalSeparator() {
   return Separator;
 }
 
-// The lock stays with the process; the file itself is left behind and means nothing.
+// The lock stays with the process; the file itself is left behind and means nothing. Where no lock can be had the
+// program starts unguarded: that is better than not at all.
 bool FindOtherInstance() {
-  Text Folder = Environment("XDG_RUNTIME_DIR");
-  if (Folder.empty()) Folder = "/tmp";
-  const Text Path = Folder + "/zelvanor-" + std::to_string(getuid()) + ".lock";
-  const int Lock = open(Path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-  return Lock >= 0 && flock(Lock, LOCK_EX | LOCK_NB) != 0;
+  for (const Text& Folder : {Environment("XDG_RUNTIME_DIR"), Text("/tmp")}) {
+    if (Folder.empty()) continue;
+    const Text Path = Folder + "/zelvanor-" + std::to_string(getuid()) + ".lock";
+    const int Lock = open(Path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
+    if (Lock >= 0) return flock(Lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  }
+  return false;
 }
 
 Text FindProgramDirectory() {
@@ -55,7 +59,7 @@ void UsePosixServices() {
   Platform.RunModal = [](Form& Target) { HideForm(Target); };
   Platform.DoEvents = [] {};
   Platform.SetPointer = [](MousePointer) {};
-  Platform.ShowHelp = [](const Text&, HelpCommand) {};
+  Platform.ShowHelp = [](const Text&, HelpCommand, int) {};
   Platform.GetClipboard = [] { return Text(); };
   Platform.SetClipboard = [](const Text&) {};
   Platform.DecimalSeparator = ReadDecimalSeparator;

@@ -11,7 +11,11 @@ Long StartProcess(const Text& CommandLine);
 
 // A handle is the process id itself; 0 when no such process was started here or it has been waited for already.
 Long OpenStartedProcess(Long ProcessId);
-// Takes the process off the table once it has ended. One that a signal ended has 128 + the signal's number.
+// Takes the process off the table once it has ended, and ends what it has left running of its own process group: a
+// result that came later would be taken for that of another run. One that a signal ended has 128 + the signal's number.
 ProcessStatus QueryProcess(Long Handle);
+
+// Ends the process started last, where it still runs, with all of its group. Safe in a signal handler.
+void StopRunningProcess();
 
 }  // namespace zelvanor
