@@ -27,6 +27,7 @@
 #include "setup/frmSCf.h"
 #include "setup/frmSpectOptions.h"
 #include "shell/Frame.h"
+#include "shell/HelpTopics.h"
 #include "shell/ShellVariables.h"
 #include "shell/frmAbout.h"
 #include "spectrum/SpectrumDrawing.h"
@@ -276,6 +277,7 @@ void BuildProgram() {
   BuildValuesForm();
   BuildGraphForm();
   BuildReplaceForm();
+  GiveHelpContexts();
   ConnectMainForm();
   ConnectRooms();
   ConnectPreferences();

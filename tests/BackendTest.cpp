@@ -6,6 +6,7 @@
 #include "backend/Results.h"
 #include "backend/SpectInput.h"
 #include "files/HostText.h"
+#include "fuzz/Promises.h"
 #include "settings/ProfileAccess.h"
 
 namespace zelvanor::test {
@@ -325,6 +326,7 @@ TEST_F(BackendTest, ParamResultsWithFaults) {
     EXPECT_EQ(ReadParamResults(WriteFile("bad.out", Change(JoinLines(ParamResults), R.From, R.To))), R.Result)
         << R.What;
     EXPECT_EQ(Shown().Boxes, R.Boxes) << R.What;
+    EXPECT_EQ(fuzz::BrokenPromise(), "") << R.What;
   }
   SetArray(W.NMRAtom, {5, 6, 7});
   SetArray(W.ShieldTensor, {1, 1});

@@ -158,6 +158,8 @@ TEST_F(FirstStartTest, BaseDirectories) {
 
 TEST_F(FirstStartTest, WhatCannotBeMadeIsTold) {
   const Text File = WriteFile("file", "");
+  MakeFolder("data");
+  WriteFile("data/zelvanor", "");
   const Text Just = TempPath(Text(128 - TempPath("").size() - Text("/zelvanor").size(), 'd'));
   const struct {
     const char* What;
@@ -177,7 +179,10 @@ TEST_F(FirstStartTest, WhatCannotBeMadeIsTold) {
       {"a blank where it does no harm", "XDG_CONFIG_HOME", TempPath("my settings"), ""},
       {"a file for a home", "HOME", File,
        "Can't make the working directory " + File +
-           "/.local: Path not found. Set XDG_DATA_HOME to another directory and start Zelvanor again."},
+           "/.local/share/zelvanor: Path not found. Set XDG_DATA_HOME to another directory and start Zelvanor again."},
+      {"a file for the working directory", "XDG_DATA_HOME", TempPath("data"),
+       "Can't make the working directory " + TempPath("data/zelvanor") +
+           ": a file has this name. Set XDG_DATA_HOME to another directory and start Zelvanor again."},
       {"a file for the settings", "XDG_CONFIG_HOME", File,
        "Can't make the directory of the settings " + File +
            "/zelvanor: Path not found. Set XDG_CONFIG_HOME to another directory and start Zelvanor again."},

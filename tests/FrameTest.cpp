@@ -283,7 +283,7 @@ TEST_F(FrameTest, ViewsAndToolbar) {
   Main.HelpFile = "/x/nmr.hlp";
   Fire(Main.mnuHelpContents.Click);
   Fire(Main.mnuHelpUsing.Click);
-  EXPECT_EQ(Shown().Helps, (Texts{"/x/nmr.hlp 3", "/x/nmr.hlp 4"}));
+  EXPECT_EQ(Shown().Helps, (Texts{"/x/nmr.hlp 3 1", "/x/nmr.hlp 4 2"}));
   Fire(Main.mnuAbout.Click);
   EXPECT_EQ(Shown().Statuses.back(), " See version imformation.");
 }

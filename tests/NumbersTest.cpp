@@ -138,6 +138,12 @@ TEST(NumbersTest, PrefixAndStrictNumbers) {
   EXPECT_EQ(FailureOf([] { StrictNumber(Text("1\0", 2)); }), "Type mismatch");
 }
 
+TEST(NumbersTest, PrefixIndices) {
+  const std::pair<const char*, Long> Rows[] = {{"3 x", 3}, {"2.9", 2},         {"", 0},       {"2147483647", INT_MAX},
+                                               {"-1", -1}, {"2147483648", -1}, {"1E+30", -1}, {"1E+999", -1}};
+  for (const auto& [Input, Index] : Rows) EXPECT_EQ(PrefixIndex(Input), Index) << Input;
+}
+
 // Short decimals are read in a way of their own, which has to end at the nearest Double all the same.
 TEST(NumbersTest, ShortDecimalsAreTheNearestDouble) {
   std::minstd_rand Random(11);

@@ -92,6 +92,7 @@ TEST_F(SettingsTest, ProfileWritesKeepEverythingElse) {
       {"the first of two keys is the one", "[nmr]\na=1\na=2\n", {{"nmr", "A", "3"}}, "[nmr]\nA=3\na=2\n"},
       {"an empty section", "[nmr]\n[z]\n", {{"nmr", "A", "1"}}, "[nmr]\nA=1\n[z]\n"},
       {"no line end at the end", "[nmr]\nb=1", {{"nmr", "A", "1"}}, "[nmr]\nb=1\nA=1\n"},
+      {"each line keeps its own end", "[nmr]\r\nb\r\r\nc\nd", {{"nmr", "A", "1"}}, "[nmr]\r\nb\r\r\nc\nd\r\nA=1\r\n"},
       {"an empty value", "[nmr]\nA=1\n", {{"nmr", "A", ""}}, "[nmr]\nA=\n"}};
   for (const Row& R : Rows) {
     const Text File = WriteFile("write.ini", R.Before);

@@ -60,8 +60,8 @@ void FillServices() {
   Platform.ShowFileDialog = ShowFileDialog;
   Platform.DoEvents = [] { usleep(200); };
   Platform.SetPointer = [](MousePointer Pointer) { Shown().Pointers.push_back(Pointer); };
-  Platform.ShowHelp = [](const Text& File, HelpCommand Command) {
-    Shown().Helps.push_back(File + " " + std::to_string(static_cast<int>(Command)));
+  Platform.ShowHelp = [](const Text& File, HelpCommand Command, int Context) {
+    Shown().Helps.push_back(Join(File, " ", static_cast<int>(Command), " ", Context));
   };
   Platform.OtherInstanceRuns = [] { return false; };
   Platform.DecimalSeparator = [] { return Text("."); };

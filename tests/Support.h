@@ -30,7 +30,7 @@ struct Record {
   Texts Statuses;  // as the status line shows them, with the blank in front
   std::vector<FileDialog> Dialogs;
   std::vector<MessageBox> RawBoxes;
-  Texts Helps;  // "file command"
+  Texts Helps;  // "file command page"
   std::vector<MousePointer> Pointers;
 
   // What is answered next; without an answer boxes and dialogs are cancelled.

@@ -1,4 +1,5 @@
 #include "Support.h"
+#include "platform/Variables.h"
 
 namespace zelvanor::test {
 namespace {
@@ -111,6 +112,18 @@ TEST_F(WorkspaceTest, FileExistsMeansThatItCanBeRead) {
   EXPECT_EQ(FileExists(TempPath("no-folder/file")), 0);
   EXPECT_EQ(FileExists(MakeFolder("folder")), 0);
   EXPECT_EQ(FileExists(""), 0);
+}
+
+TEST_F(WorkspaceTest, NamesWithIndicesBeyondReason) {
+  for (const char* Name : {"picToolbar(1E+30)", "picToolbar(-1)", "mnuFile(-1)", "picToolbar(99)"}) {
+    EXPECT_EQ(FindControl(Name), nullptr) << Name;
+  }
+  EXPECT_EQ(FindControl("picToolbar(3)"), &Main.picToolbar[3]);
+  const VariableAccess& Atoms = *Variables().Find("NMRAtom");
+  Atoms.Write(5, 0, "7");
+  EXPECT_EQ(Workspace.NMRAtom[5], 7) << "a short list grows";
+  EXPECT_EQ(FailureOf([&] { Atoms.Write(2000000000, 0, "7"); }), "Subscript out of range");
+  EXPECT_EQ(FailureOf([&] { Atoms.Write(-1, 0, "7"); }), "Subscript out of range");
 }
 
 TEST_F(WorkspaceTest, ClearWorkspaceEmptiesAllButTheTensor) {

@@ -50,9 +50,10 @@ class Array {
     Stored = std::move(Fresh);
   }
   void ReDimPreserve(int UpperBound) {
+    const std::size_t Size = detail::SizeFromBound(UpperBound);
     try {
-      Stored.resize(detail::SizeFromBound(UpperBound));
-    } catch (const std::bad_alloc&) {
+      Stored.resize(Size);
+    } catch (const std::exception&) {
       throw Failure(failures::OutOfMemory);
     }
   }

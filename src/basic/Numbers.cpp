@@ -131,6 +131,11 @@ Double PrefixNumber(TextView Value) {
   return End == 0 ? 0.0 : ConvertNumber(Value.substr(0, End), MarkPlace);
 }
 
+Long PrefixIndex(TextView Value) {
+  const Double Number = PrefixNumber(Value);
+  return Number >= 0.0 && Number <= 2147483647.0 ? static_cast<Long>(Number) : -1;
+}
+
 Double StrictNumber(TextView Value) {
   Value = SkipWhite(Value);
   while (!Value.empty() && IsWhite(Value.back())) Value.remove_suffix(1);

@@ -9,6 +9,8 @@ namespace zelvanor {
 // Prefix number: the longest leading text that reads as a decimal number (sign, digits, point, exponent with E or D);
 // blanks and tabs in front are passed over. No number gives 0. Never fails: too large a number gives an infinity.
 Double PrefixNumber(TextView Value);
+// The whole part of the prefix number as an index; -1 where it is negative or beyond a Long.
+Long PrefixIndex(TextView Value);
 
 // Strict number: the whole text, blanks and tabs at its ends aside, must be a number.
 // Throws "Type mismatch" for anything else and "Overflow" beyond a Double.

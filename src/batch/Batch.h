@@ -70,6 +70,7 @@ std::vector<Argument> SplitArguments(TextView Line);
 
 // Carries out one command; throws ScriptStop where it can't.
 void RunCommand(const std::vector<Argument>& Words);
+std::vector<Text> CommandNames();
 
 // A command: what it runs, how many words it needs behind its name, and whether the program must have started.
 struct CommandRow {

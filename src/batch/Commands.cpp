@@ -52,7 +52,8 @@ void QueueColour(const Words& All) {
   if (IsCancel(All[1])) {
     State.Colours.emplace_back();
   } else {
-    State.Colours.emplace_back(Rgb(NeedNumber(All, 1), NeedNumber(All, 2), NeedNumber(All, 3)));
+    const auto Part = [&All](std::size_t Place) { return NeedNumberIn(All, Place, 0, 255); };
+    State.Colours.emplace_back(Rgb(Part(1), Part(2), Part(3)));
   }
 }
 
@@ -198,6 +199,18 @@ std::map<Text, CommandRow>& Commands() {
 int NeedNumber(const std::vector<Argument>& All, std::size_t Place) {
   if (Place >= All.size()) throw ScriptStop{CannotCarryOut, "a number is missing behind " + All[0].Value};
   return ToLong(StrictNumber(All[Place].Value));
+}
+
+std::vector<Text> CommandNames() {
+  std::vector<Text> Names;
+  for (const auto& [Name, Row] : Commands()) Names.push_back(Name);
+  return Names;
+}
+
+int NeedNumberIn(const std::vector<Argument>& All, std::size_t Place, int Low, int High) {
+  const int Number = NeedNumber(All, Place);
+  if (Number < Low || Number > High) throw ScriptStop{CannotCarryOut, "out of range: " + All[Place].Value};
+  return Number;
 }
 
 void AddCommand(const Text& Name, const CommandRow& Row) { Commands()[Name] = Row; }

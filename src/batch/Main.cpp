@@ -29,6 +29,10 @@ int main(int Count, char** Words) {
   BuildProgram();
 
   batch::ExitStatus Status = batch::RanToItsEnd;
+  if (Text(Words[1]) == "--commands") {
+    for (const Text& Name : batch::CommandNames()) std::puts(Name.c_str());
+    return Status;
+  }
   if (Text(Words[1]) == "-") {
     Status = batch::RunWholeScript(std::cin, CommandLine);
   } else {

@@ -79,11 +79,13 @@ Text SvgEscaped(TextView Value) {
   return Result;
 }
 
+// The background's size in numbers: some readers don't know percentages.
 Text SvgHead(const Control& Surface, Colour Background) {
   const auto [Width, Height] = SizeOf(Surface);
   return Join("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"",
               Long{Width}, "\" height=\"", Long{Height}, "\" viewBox=\"0 0 ", Long{Width}, " ", Long{Height},
-              "\">\n<rect width=\"100%\" height=\"100%\" fill=\"", SvgColour(Background), "\"/>\n");
+              "\">\n<rect width=\"", Long{Width}, "\" height=\"", Long{Height}, "\" fill=\"", SvgColour(Background),
+              "\"/>\n");
 }
 
 void SetSource(cairo_t* Context, Colour Value) {

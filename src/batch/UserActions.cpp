@@ -12,6 +12,9 @@ namespace zelvanor::batch {
 
 namespace {
 
+// Pixels that a script may name; in twips they fit an int with room to spare.
+constexpr int LargestPlace = 32767;
+
 // The form that takes the user's actions: the innermost open one.
 const Form* ActiveForm() { return ModalForms().empty() ? &Main.frmNMR : ModalForms().back(); }
 
@@ -336,8 +339,8 @@ void MoveMouse(const std::vector<Argument>& All) {
   MouseMotion Motion;
   Motion.Is = Action == "down" ? MouseMotion::Down : Action == "move" ? MouseMotion::Move : MouseMotion::Up;
   const std::size_t Place = Action == "move" ? 3 : 4;
-  Motion.X = NeedNumber(All, Place);
-  Motion.Y = NeedNumber(All, Place + 1);
+  Motion.X = NeedNumberIn(All, Place, -LargestPlace, LargestPlace);
+  Motion.Y = NeedNumberIn(All, Place + 1, -LargestPlace, LargestPlace);
   Motion.Shift = ShiftState(All, Place + 2);
   Motion.Button = Action == "move" ? State.MouseButton : NeedNumber(All, 3);
   if (Action != "move") State.MouseButton = Action == "down" ? Motion.Button : 0;
@@ -367,8 +370,8 @@ void PressKey(const std::vector<Argument>& All) {
 }
 
 void ResizeWindow(const std::vector<Argument>& All) {
-  constexpr int Largest = 32767;  // of a drawing surface
-  Hands.Resize(std::clamp(NeedNumber(All, 1), 0, Largest), std::clamp(NeedNumber(All, 2), 0, Largest));
+  // As large as a window can be, as a desktop would do it.
+  Hands.Resize(std::clamp(NeedNumber(All, 1), 0, LargestPlace), std::clamp(NeedNumber(All, 2), 0, LargestPlace));
 }
 
 void CloseWindow(const std::vector<Argument>& /*All*/) { Hands.Close(); }

@@ -62,5 +62,7 @@ void CloseWindow(const std::vector<Argument>& All);
 
 // A whole number among the words of a command.
 int NeedNumber(const std::vector<Argument>& All, std::size_t Place);
+// The same within limits, both included.
+int NeedNumberIn(const std::vector<Argument>& All, std::size_t Place, int Low, int High);
 
 }  // namespace zelvanor::batch

@@ -104,12 +104,14 @@ struct SpectraState {
 
 void TakePeakCount(TextView Line, Integer FileNumber) {
   W.TokenCount = Tokenize(Line);
-  W.PeakCount = StrictLong(W.Tokens[1]);
-  if (W.PeakCount <= 0) return;
+  const Long Count = StrictLong(W.Tokens[1]);
   // A list that is longer than the whole file is a damaged count: it is not worth the memory.
   constexpr Double SpareRows = 1.0e6;
-  if (W.PeakCount > RemainingBytes(FileNumber) + SpareRows) throw Failure(failures::OutOfMemory);
-  AllocatePeaks(W.PeakCount);
+  if (Count > RemainingBytes(FileNumber) + SpareRows) throw Failure(failures::OutOfMemory);
+  // The peaks of an earlier section go, and there are none again before their keyword.
+  W.SpectraAvailable = False;
+  W.PeakCount = Count;
+  if (Count > 0) AllocatePeaks(Count);
 }
 
 void TakePeak(SpectraState& State, TextView Line) {
@@ -172,7 +174,7 @@ bool ReadSpectraLines(Integer FileNumber) {
       State.Part = SpectraPart::Count;
     } else if (Line.starts_with(document::SpectraHeaderWord)) {
       State.Part = SpectraPart::Peaks;
-      W.SpectraAvailable = True;
+      W.SpectraAvailable = ToFlag(W.PeakCount > 0);
     } else if (Line.starts_with(document::SpectraType)) {
       State.Part = SpectraPart::Type;
     } else if (Line.starts_with(document::SpectraReference)) {
@@ -205,7 +207,7 @@ Flag ReadSpectra(const Text& /*Path*/, Integer FileNumber) {
   Flag Result = False;
   try {
     W.NumSpinHalfNMRAtoms = W.NumNMRAtoms;
-    W.PeakCount = 0;
+    if (!IsSet(W.SpectraAvailable)) W.PeakCount = 0;  // that of an earlier document
     if (!ReadSpectraLines(FileNumber)) return False;
     CountSpinHalfAtoms();
     if (IsSet(W.SpectraAvailable)) W.SpectResultsStale = False;

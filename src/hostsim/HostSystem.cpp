@@ -50,7 +50,7 @@ Text RenumberAtom(const std::vector<TextView>& Words, int Number, const Numberin
   Text Bonds;
   int NumBonds = 0;
   for (std::size_t Word = CoordinationWord + 1; Word + 1 < Words.size(); Word += 2) {
-    const auto Neighbour = Kept.find(static_cast<int>(PrefixNumber(Words[Word])));
+    const auto Neighbour = Kept.find(PrefixIndex(Words[Word]));
     if (Neighbour == Kept.end()) continue;
     Bonds += " " + std::to_string(Neighbour->second) + " " + Text(Words[Word + 1]);
     ++NumBonds;

@@ -83,7 +83,8 @@ Control* FindControl(TextView Name) {
   if (Owner == nullptr) return nullptr;
   int Index = -1;
   if (const std::size_t Open = Name.find('('); Open != TextView::npos && Name.back() == ')') {
-    Index = static_cast<int>(PrefixNumber(Name.substr(Open + 1)));
+    Index = PrefixIndex(Name.substr(Open + 1));
+    if (Index < 0) return nullptr;
     Name = Name.substr(0, Open);
   }
   for (Control* Item : Owner->Controls) {

@@ -15,10 +15,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// One file as lines; EndsWith is the end of its first line, which new lines take too.
+// One file as lines up to their line feeds, so that each keeps its own end. New lines take Return behind them: a
+// carriage return where the file's first line has one.
 struct ProfileLines {
   std::vector<Text> Lines;
-  Text EndsWith = "\n";
+  Text Return;
 };
 
 // A file that is not there has no lines; one that can't be read is a Failure.
@@ -29,14 +30,12 @@ ProfileLines ReadLines(const Text& File) {
   const Text Content = ReadWholeFile(File);
   for (std::size_t Place = 0; Place < Content.size();) {
     const std::size_t End = std::min(Content.find('\n', Place), Content.size());
-    Text Line = Content.substr(Place, End - Place);
-    if (!Line.empty() && Line.back() == '\r') {
-      if (Place == 0) Result.EndsWith = "\r\n";
-      Line.pop_back();
-    }
-    Result.Lines.push_back(std::move(Line));
+    Result.Lines.push_back(Content.substr(Place, End - Place));
     Place = End + 1;
   }
+  if (Result.Lines.empty()) return Result;
+  if (Result.Lines.front().ends_with('\r')) Result.Return = "\r";
+  if (!Content.ends_with('\n') && !Content.ends_with('\r')) Result.Lines.back() += Result.Return;
   return Result;
 }
 
@@ -112,8 +111,9 @@ const ValueTable& TableOf(const Text& File) {
 
 // Puts one value into the lines: over the first line with its key, else behind the last filled line of its section,
 // else in a new section at the end.
-void PutValue(std::vector<Text>& Lines, const ProfileEntry& Entry) {
-  const Text Fresh = Entry.Key + "=" + Entry.Value;
+void PutValue(ProfileLines& Content, const ProfileEntry& Entry) {
+  std::vector<Text>& Lines = Content.Lines;
+  const Text Fresh = Entry.Key + "=" + Entry.Value + Content.Return;
   bool Inside = false;
   bool FirstSection = true;  // a section may stand twice: its first part takes what is new
   std::optional<std::size_t> Behind;
@@ -135,8 +135,8 @@ void PutValue(std::vector<Text>& Lines, const ProfileEntry& Entry) {
     Lines.insert(Lines.begin() + static_cast<std::ptrdiff_t>(*Behind), Fresh);
     return;
   }
-  if (!Lines.empty() && !TrimWhite(Lines.back()).empty()) Lines.emplace_back();
-  Lines.push_back("[" + Entry.Section + "]");
+  if (!Lines.empty() && !TrimWhite(Lines.back()).empty()) Lines.push_back(Content.Return);
+  Lines.push_back("[" + Entry.Section + "]" + Content.Return);
   Lines.push_back(Fresh);
 }
 
@@ -157,9 +157,9 @@ bool WritePrivateProfileStrings(const std::vector<ProfileEntry>& Entries, const 
   const EndHeld Held;
   try {
     ProfileLines Content = ReadLines(File);
-    for (const ProfileEntry& Entry : Entries) PutValue(Content.Lines, Entry);
+    for (const ProfileEntry& Entry : Entries) PutValue(Content, Entry);
     Text Fresh;
-    for (const Text& Line : Content.Lines) Fresh.append(Line).append(Content.EndsWith);
+    for (const Text& Line : Content.Lines) Fresh.append(Line) += '\n';
     ReplaceFile(File, Fresh);
     return true;
   } catch (const Failure&) {

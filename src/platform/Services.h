@@ -36,8 +36,8 @@ struct FileDialog {
 
 enum class MousePointer { Default, Hourglass };
 
-// WinHelp-like commands.
-enum class HelpCommand { Contents = 3, HelpOnHelp = 4 };
+// WinHelp-like commands. Context opens the page that has the number.
+enum class HelpCommand { Context = 1, Contents = 3, HelpOnHelp = 4 };
 
 struct ProcessStatus {
   bool Known = false;  // false: the process can't be asked (any more)
@@ -75,7 +75,7 @@ struct PlatformServices {
   std::function<void(Form& Target)> RunModal;                                   // until the form is hidden
   std::function<void()> DoEvents;  // serves pending window events; may wait some milliseconds while a process runs
   std::function<void(MousePointer Pointer)> SetPointer;
-  std::function<void(const Text& File, HelpCommand Command)> ShowHelp;
+  std::function<void(const Text& File, HelpCommand Command, int Context)> ShowHelp;
   std::function<Text()> GetClipboard;
   std::function<void(const Text& Value)> SetClipboard;
   std::function<void(const ChartControl& Chart)> SetClipboardPicture;  // as it is drawn

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <ranges>
@@ -75,6 +76,9 @@ void AddVariable(const Text& Name, T& Variable) {
   Variables().Add(Name, std::move(Access));
 }
 
+// Far beyond every list of the program, but for peaks; an assignment behind it is a slip and not worth the memory.
+inline constexpr int LargestAssignedIndex = 1000000;
+
 // One dimension; Elements is an Array, a std::array or a plain array. An Array that is too short for an assigned
 // element grows.
 template <class Elements>
@@ -94,6 +98,7 @@ void AddArray(const Text& Name, Elements& Variable, std::function<int()> Count) 
   } else {
     Access.Read = [&Variable](int Index, int) { return ElementText(Variable[Index]); };
     Access.Write = [&Variable](int Index, int, const Text& Value) {
+      if (Index > std::max(Variable.UpperBound(), LargestAssignedIndex)) throw Failure(failures::Subscript);
       if (Index > Variable.UpperBound()) Variable.ReDimPreserve(Index);
       AssignElement(Variable[Index], Value);
     };

@@ -8,10 +8,12 @@
 #include <utility>
 
 #include "qt/Dispatch.h"
+#include "qt/HelpWindow.h"
 #include "qt/MainWindow.h"
 #include "qt/Pointer.h"
 #include "qt/Remembered.h"
 #include "qt/TextConversion.h"
+#include "shell/HelpTopics.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -112,6 +114,8 @@ BoxAnswer ShowMessageBox(const MessageBox& Box) {
   Shown.setTextInteractionFlags(Qt::TextSelectableByMouse);
   Shown.setDefaultButton(Row.Default);
   Shown.setEscapeButton(Row.Escape);
+  Shown.setWindowModality(Qt::WindowModal);  // the manual stays open to use
+  AddHelpKey(&Shown, MessagesHelp);
   if (AfterDispatch) AfterDispatch();  // what stands behind the box is up to date
   const PlainPointer Pointer;
   const int Pressed = Shown.exec();

@@ -8,6 +8,7 @@
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
 #include "qt/FormBuilder.h"
+#include "qt/HelpWindow.h"
 #include "qt/KeyFilter.h"
 #include "qt/MainWindow.h"
 #include "qt/Pointer.h"
@@ -18,8 +19,10 @@ namespace zelvanor {
 
 FormDialog::FormDialog(Form& Target, QWidget* Parent) : QDialog(Parent), Target(Target) {
   setObjectName(ToQt(Target.Name));
-  setWindowModality(Qt::ApplicationModal);
+  // The windows that opened it wait; the manual does not.
+  setWindowModality(Qt::WindowModal);
   InstallKeyFilter(this, Target);
+  AddHelpKey(this, Target);
 }
 
 void FormDialog::BindForm(bool CanUseRoom) {

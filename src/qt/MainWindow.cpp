@@ -13,6 +13,7 @@
 #include "platform/Form.h"
 #include "qt/ControlWidgets.h"
 #include "qt/Dispatch.h"
+#include "qt/HelpWindow.h"
 #include "qt/KeyFilter.h"
 #include "qt/MenuBar.h"
 #include "qt/OpenFiles.h"
@@ -157,6 +158,7 @@ std::unique_ptr<QMainWindow> MakeMainWindow() {
   Main.frmNMR.Height = TwipsFromPixels(Inner.height());
   Bind(Main.frmNMR, Window.get(), [Shown = Window.get()](Property What) { ShowForm(Shown, What); });
   InstallKeyFilter(Window.get(), Main.frmNMR);
+  AddHelpKey(Window.get(), Main.frmNMR);
   return Window;
 }
 

@@ -10,6 +10,12 @@ namespace {
 
 constexpr const char* GeometryKey = "geometry";
 constexpr const char* FolderKey = "folder";
+constexpr const char* HelpGeometryKey = "help/geometry";
+constexpr const char* HelpHalvesKey = "help/halves";
+constexpr const char* HelpZoomKey = "help/zoom";
+
+// A cut record of a geometry passes for one whose rest is nothing.
+constexpr qsizetype LeastBytes = 46;
 
 // Sizes in pixels and widths in twips beyond these are no one's wish.
 constexpr int LeastSize = 60;
@@ -31,10 +37,22 @@ bool IsBetween(int Value, int Least, int Most) { return Least <= Value && Value 
 void RememberGeometry(const QWidget& Window) { OwnSettings().setValue(GeometryKey, Window.saveGeometry()); }
 
 bool RestoreGeometry(QWidget& Window) {
-  // A cut record passes for one whose rest is nothing.
-  constexpr qsizetype LeastBytes = 46;
   const QByteArray Kept = OwnSettings().value(GeometryKey).toByteArray();
   return Kept.size() >= LeastBytes && Window.restoreGeometry(Kept);
+}
+
+void RememberHelpPlace(const HelpPlace& Place) {
+  QSettings Kept = OwnSettings();
+  Kept.setValue(HelpGeometryKey, Place.Geometry);
+  Kept.setValue(HelpHalvesKey, Place.Halves);
+  Kept.setValue(HelpZoomKey, Place.ZoomSteps);
+}
+
+HelpPlace RememberedHelpPlace() {
+  const QSettings Kept = OwnSettings();
+  const QByteArray Geometry = Kept.value(HelpGeometryKey).toByteArray();
+  return {Geometry.size() >= LeastBytes ? Geometry : QByteArray(), Kept.value(HelpHalvesKey).toByteArray(),
+          Kept.value(HelpZoomKey).toInt()};
 }
 
 void RememberSize(const QString& Form, QSize Size) { OwnSettings().setValue(SizeKey(Form), Size); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QSize>
 #include <QString>
 #include <QWidget>
@@ -12,6 +13,15 @@ namespace zelvanor {
 
 void RememberGeometry(const QWidget& Window);
 bool RestoreGeometry(QWidget& Window);  // false: nothing fit to use was kept
+
+// The help window: its place, that of the bar between contents and page, and how many steps larger the letters are.
+struct HelpPlace {
+  QByteArray Geometry;  // empty for none
+  QByteArray Halves;
+  int ZoomSteps = 0;
+};
+void RememberHelpPlace(const HelpPlace& Place);
+HelpPlace RememberedHelpPlace();
 
 // Sizes of dialogs, by form. The empty size where none is kept.
 void RememberSize(const QString& Form, QSize Size);

@@ -4,6 +4,7 @@
 
 #include "platform/posix/PosixServices.h"
 #include "program.h"
+#include "qt/DarkOutlines.h"
 #include "qt/Dispatch.h"
 #include "qt/HostLink.h"
 #include "qt/MainWindow.h"
@@ -59,6 +60,7 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName("zelvanor");
   QApplication::setDesktopFileName("zelvanor");
   QApplication::setQuitOnLastWindowClosed(false);
+  UseVisibleOutlines();
   TakeEndSignals();
   return Run(JoinWords(argc, argv), FindFileWord(argc, argv));
 }

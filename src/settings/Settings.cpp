@@ -347,4 +347,10 @@ void WriteSettings() {
   WritePrivateProfileStrings(Entries, S.IniFile);
 }
 
+std::vector<Text> SettingKeys() {
+  std::vector<Text> Keys;
+  for (const SettingRow& Row : Rows) Keys.emplace_back(Row.Key);
+  return Keys;
+}
+
 }  // namespace zelvanor

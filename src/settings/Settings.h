@@ -1,5 +1,9 @@
 #pragma once
 
+#include <vector>
+
+#include "basic/Types.h"
+
 namespace zelvanor {
 
 // Fills options, colours and sets from nmr.ini, with a warning for each value it refuses. A value that is no number at
@@ -8,5 +12,8 @@ void ReadSettings();
 
 // Writes the current options and colours back to nmr.ini.
 void WriteSettings();
+
+// The keys of the section "nmr".
+std::vector<Text> SettingKeys();
 
 }  // namespace zelvanor

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "basic/Numbers.h"
+#include "shell/HelpTopics.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
@@ -203,8 +204,8 @@ void mnuViewCoupling_Click() {
 
 void mnuViewSpectra_Click() { ShowStatus(Main.ToolHelp[ToolSpectrum]); }
 
-void mnuHelpContents_Click() { Platform.ShowHelp(Main.HelpFile, HelpCommand::Contents); }
-void mnuHelpUsing_Click() { Platform.ShowHelp(Main.HelpFile, HelpCommand::HelpOnHelp); }
+void mnuHelpContents_Click() { Platform.ShowHelp(Main.HelpFile, HelpCommand::Contents, ContentsHelp); }
+void mnuHelpUsing_Click() { Platform.ShowHelp(Main.HelpFile, HelpCommand::HelpOnHelp, UsingHelp); }
 void mnuFileExit_Click() { UnloadForm(Main.frmNMR); }
 
 }  // namespace zelvanor

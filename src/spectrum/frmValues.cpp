@@ -5,6 +5,7 @@
 #include "basic/NumberText.h"
 #include "basic/Numbers.h"
 #include "shell/Frame.h"
+#include "shell/HelpTopics.h"
 #include "tables/BarPlots.h"
 #include "tables/ClipboardText.h"
 #include "tables/ShieldTensor.h"
@@ -16,9 +17,6 @@ namespace zelvanor {
 namespace {
 
 WorkspaceState& W = Workspace;
-
-constexpr int TensorHelp = 35;
-constexpr int SpectrumHelp = 15;
 
 // Measures in twips: of the columns, and of the room that the dialog leaves beside the table.
 constexpr int TitleWidth = 1500;
@@ -142,7 +140,7 @@ void mnuViewValues_Click() {
     Filled = ShowShieldTensor();
   } else if (W.ViewMode == SpectrumViewMode) {
     SetCaption(Values.frmValues, "Spectral Values");
-    Values.frmValues.HelpContext = SpectrumHelp;
+    Values.frmValues.HelpContext = SpectralValuesHelp;
     Filled = FillSpectralValues();
   }
   if (IsSet(Filled)) ShowModal(Values.frmValues);

@@ -7,7 +7,7 @@
 namespace zelvanor {
 
 // The rule compiler: rules objects go by handles from 1 on, 0 is none. Operations give True or False; what went wrong
-// is told by the two error texts. docs/type-rules.md has the grammar.
+// is told by the two error texts. docs/manual/atom-types.md has the grammar.
 
 using Htrc = Long;
 

@@ -32,7 +32,8 @@ QAccessibleInterface* Spoken(const Control& Target) { return QAccessible::queryA
 std::vector<Form*> Dialogs() {
   std::vector<Form*> Found;
   for (Form* Each : AllForms()) {
-    if (Each != &Main.frmNMR && Each->Name != "frmTrial" && Each->Name != "frmReplay") Found.push_back(Each);
+    if (Each != &Main.frmNMR && Each->Name != "frmTrial" && Each->Name != "frmReplay" && Each->Name != "frmKept")
+      Found.push_back(Each);
   }
   return Found;
 }
@@ -118,6 +119,16 @@ TEST(Reach, AccessKeysAreUniqueInAForm) {
       EXPECT_TRUE(Taken.emplace(Key, Item->Name).second)
           << ControlName(*Item) << " and " << Taken[Key] << " share " << Key;
     }
+  }
+}
+
+TEST(Reach, AccessKeysAreUniqueInAMenu) {
+  std::set<std::pair<const MenuItem*, char>> Taken;
+  for (const MenuRow& Row : MenuRows()) {
+    const MenuItem& Item = Main.*Row.Item;
+    const char Key = AccessKeyOf(Item.Caption);
+    if (Item.Separator) continue;
+    EXPECT_TRUE(Key != 0 && Taken.emplace(Item.Parent, Key).second) << Item.Name;
   }
 }
 

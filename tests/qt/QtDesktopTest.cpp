@@ -17,6 +17,7 @@
 #include <QUrl>
 
 #include "QtTestWindow.h"
+#include "backend/Compute.h"
 #include "platform/Form.h"
 #include "qt/Boxes.h"
 #include "qt/Dispatch.h"
@@ -160,6 +161,27 @@ TEST(Remembered, FoldersOfTheFileDialogs) {
   BringBackWindow();
 }
 
+TEST(Remembered, SizesOfDialogs) {
+  static Form frmKept("frmKept");  // forms stay known to the program for good
+  static ListBox List1(&frmKept, "List1");
+  RememberSize("frmKept", {470, 390});
+  QDialog* Dialog = DialogOf(frmKept, &Window());
+  EXPECT_EQ(Dialog->size(), QSize(470, 390));
+  const auto ShowAndResize = [&](QSize Size) {
+    QTimer::singleShot(20, [&] {
+      if (Size.isValid()) Dialog->resize(Size);
+      HideForm(frmKept);
+    });
+    ShowModal(frmKept);
+  };
+  ShowAndResize({520, 410});
+  EXPECT_EQ(RememberedSize("frmKept"), QSize(520, 410));
+  RememberSize("frmKept", {300, 300});
+  ShowAndResize({});
+  EXPECT_EQ(RememberedSize("frmKept"), QSize(300, 300)) << "a size that stays is not written again";
+  BringBackWindow();
+}
+
 TEST(Remembered, WidthsOfEachTable) {
   auto* View = Shown<QTableView>("ShieldTable");
   const auto ShowTable = [&](int Mode, int Cols) {
@@ -243,6 +265,24 @@ TEST(Busy, StatusLineMovesWhileACommandWorks) {
   Workspace.IsBusy = False;
   Dispatch([] { SetBusy(True); });
   EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
+TEST(Busy, WindowLivesWhileTheBackendRuns) {
+  auto* Line = Shown<QWidget>("StatusBar");
+  int Ticks = 0;
+  QTimer Clock;
+  QObject::connect(&Clock, &QTimer::timeout, [&Ticks] { ++Ticks; });
+  Clock.start(50);
+  Workspace.IsBusy = True;
+  SetStatus(Main.StatusBar, "Computing...");
+  const QImage First = Line->grab().toImage();
+  WaitForBackend(Platform.Shell("/bin/sleep 2"));
+  EXPECT_GE(Ticks, 20) << "events have been served all the time";
+  EXPECT_NE(Line->grab().toImage(), First) << "the line shows that time goes on";
+  Workspace.IsBusy = False;
+  Wait(600);
+  EXPECT_EQ(Line->grab().toImage(), First) << "and has no seconds when the work is done";
+  SetStatus(Main.StatusBar, "");
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "batch/UserActions.h"
 #include "program.h"
 #include "qt/ControlWidgets.h"
+#include "qt/DarkOutlines.h"
 #include "qt/Dispatch.h"
 #include "qt/FormBuilder.h"
 #include "qt/MainWindow.h"
@@ -132,7 +133,8 @@ int main(int Count, char** Words) {
   qInstallMessageHandler(tests::PassComplaint);
   QApplication Application(Count, Words);
   std::setlocale(LC_NUMERIC, "C");
-  QApplication::setStyle("Fusion");
+  QApplication::setStyle("fusion");
+  UseVisibleOutlines();
   QApplication::setQuitOnLastWindowClosed(false);
   std::ifstream Script(Count > 1 ? Words[1] : "");
   if (!Script) {

@@ -167,19 +167,29 @@ void ComparePlace(const Control& Of, const QWidget& Shown) {
   Compare(Of, "Height", Shown.height(), PixelsFromTwips(Of.Height));
 }
 
-void CheckControl(const Control& Of) {
-  const QObject* Shown = ShownOf(Of);
+// A surface that keeps its picture has to draw it anew after each change: told of one, it shows the same.
+void CompareDrawing(Control& Of, QWidget& Shown) {
+  const QImage Kept = Shown.grab().toImage();
+  ShowChange(Of, Property::Picture);
+  Compare(Of, "fresh picture", Shown.grab().toImage() == Kept, true);
+}
+
+void CheckControl(Control& Of) {
+  QObject* Shown = ShownOf(Of);
   Compare(Of, "widget", Shown != nullptr, true);
   if (Shown == nullptr) return;
   if (Of.Kind == ControlKind::MenuItem) {
     return CompareMenuItem(static_cast<const MenuItem&>(Of), *static_cast<const QAction*>(Shown));
   }
-  const auto& Widget = *static_cast<const QWidget*>(Shown);
+  auto& Widget = *static_cast<QWidget*>(Shown);
   Compare(Of, "Enabled", Widget.isEnabled(), IsSet(Of.Enabled));
   Compare(Of, "Visible", Widget.isVisible(), IsSet(Of.Visible));
   if (!IsSet(Of.Visible)) return;
   ComparePlace(Of, Widget);
   CompareOwn(Of, Widget);
+  const bool IsDrawn =
+      Of.Kind == ControlKind::PictureSurface || Of.Kind == ControlKind::RenderControl || Of.Kind == ControlKind::Chart;
+  if (IsDrawn) CompareDrawing(Of, Widget);
 }
 
 void CheckForm(const Form& Of) {
@@ -187,7 +197,7 @@ void CheckForm(const Form& Of) {
   Compare(Of, "Visible", Window != nullptr && Window->isVisible(), IsSet(Of.Visible));
   if (Window == nullptr || !IsSet(Of.Visible)) return;
   Compare(Of, "Title", Window->windowTitle(), ToQt(Of.Caption));
-  for (const Control* Item : Of.Controls) CheckControl(*Item);
+  for (Control* Item : Of.Controls) CheckControl(*Item);
 }
 
 }  // namespace

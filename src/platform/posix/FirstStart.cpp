@@ -66,12 +66,20 @@ void CheckPath(const Text& Path, const char* Remedy) {
   }
 }
 
-// With all directories above it, for the user alone, as the XDG rules want it.
-void MakeFolder(const fs::path& Path, const char* What, const char* Remedy) {
-  if (IsFolder(Path)) return;
-  if (Path.has_relative_path() && !IsThere(Path.parent_path())) MakeFolder(Path.parent_path(), What, Remedy);
-  if (mkdir(Path.c_str(), S_IRWXU) == 0 || IsFolder(Path)) return;
-  ThrowCannotMake(What, Path, errno == EEXIST ? "a file has this name" : FailureTextFromErrno(errno), Remedy);
+// With all directories above it, for the user alone, as the XDG rules want it. 0, or why it can't be made.
+int TryToMakeFolder(const fs::path& Path) {
+  if (Path.has_relative_path() && !IsThere(Path.parent_path())) {
+    if (const int Problem = TryToMakeFolder(Path.parent_path()); Problem != 0) return Problem;
+  }
+  if (mkdir(Path.c_str(), S_IRWXU) == 0) return 0;
+  const int Problem = errno;
+  return IsFolder(Path) ? 0 : Problem;
+}
+
+void MakeFolder(const Text& Path, const char* What, const char* Remedy) {
+  const int Problem = IsFolder(Path) ? 0 : TryToMakeFolder(Path);
+  if (Problem == 0) return;
+  ThrowCannotMake(What, Path, Problem == EEXIST ? "a file has this name" : FailureTextFromErrno(Problem), Remedy);
 }
 
 // In one step: nobody ever finds half a file.
@@ -156,7 +164,8 @@ void LookAfterFiles(const Installation& Installed, const Text& WinIni) {
 
 Text PrepareUserFiles() {
   const Installation Installed = FindInstallation();
-  if (!Environment("ZELVANOR_WIN_INI").empty() || !IsFolder(Installed.Data)) return {};
+  const bool IsInstalled = Installed.Data.starts_with('/') && IsFolder(Installed.Data);
+  if (!IsInstalled || !Environment("ZELVANOR_WIN_INI").empty()) return {};
   const Text Own = OwnWinIni();
   const Text WinIni = FindWinIni();
   try {

@@ -59,7 +59,7 @@ void UsePosixServices() {
   Platform.RunModal = [](Form& Target) { HideForm(Target); };
   Platform.DoEvents = [] {};
   Platform.SetPointer = [](MousePointer) {};
-  Platform.ShowHelp = [](const Text&, HelpCommand) {};
+  Platform.ShowHelp = [](const Text&, HelpCommand, int) {};
   Platform.GetClipboard = [] { return Text(); };
   Platform.SetClipboard = [](const Text&) {};
   Platform.DecimalSeparator = ReadDecimalSeparator;
