@@ -68,14 +68,13 @@ void ClearSpectrum() {
 
 void ExtendForResults() {
   WorkspaceState& W = Workspace;
-  W.AtomNumber.ReDimPreserve(W.NumNMRAtoms);
-  W.AtomName.ReDimPreserve(W.NumNMRAtoms);
-  W.AtomicNumber.ReDimPreserve(W.NumNMRAtoms);
-  W.AtomElement.ReDimPreserve(W.NumNMRAtoms);
-  W.AtomType.ReDimPreserve(W.NumNMRAtoms);
-  W.AtomInMolecule.ReDimPreserve(W.NumNMRAtoms);
-  W.AtomMolecule.ReDimPreserve(W.NumNMRAtoms);
-  W.MoleculeAtomCount.ReDimPreserve(W.NumMolecules + 1);
+  // A table that is longer already, since lines of its text hold no whole atom, stays so.
+  const auto Extend = [](int UpperBound, auto&... All) {
+    (All.ReDimPreserve(std::max(All.UpperBound(), UpperBound)), ...);
+  };
+  Extend(W.NumNMRAtoms, W.AtomNumber, W.AtomName, W.AtomicNumber, W.AtomElement, W.AtomType, W.AtomInMolecule,
+         W.AtomMolecule);
+  Extend(W.NumMolecules + 1, W.MoleculeAtomCount);
 }
 
 bool IsLabelled(int AtomNumber) {
