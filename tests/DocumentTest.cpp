@@ -202,7 +202,7 @@ TEST_F(DocumentTest, ChangedDocuments) {
       {Peak, "-250  0.25  2.5 1", -1, "", "PeakDegeneracy(1)=2"},
       {"SPECTRATYPE", "1 1 1\r\nSPECTRATYPE", -1},
       {"FREQUENCY  INTENSITY", "FREQUENCYxyz", -1, "", "SpectraAvailable=-1"},
-      {"Begin\r\n 2 \r\n", "Begin\r\n", -1, "", "SpectraAvailable=0 SpectResultsStale=-1"},
+      {"Begin\r\n 2 \r\n", "Begin\r\n", -1, "", "SpectraAvailable=-1 PeakCount=0"},
       {"SpectraEnd", "SpectraEnd\r\nSpectraBegin\r\nSpectraEnd", -1, "", "SpectraAvailable=-1 PeakCount=2"},
       {"SpectraEnd", "SpectraEnd\r\nSpectraBegin\r\n1000000000", 0, "warning Out of memory.",
        "SpectraAvailable=-1 PeakCount=2"},

@@ -203,6 +203,7 @@ int NeedNumber(const std::vector<Argument>& All, std::size_t Place) {
 
 std::vector<Text> CommandNames() {
   std::vector<Text> Names;
+  Names.reserve(Commands().size());
   for (const auto& [Name, Row] : Commands()) Names.push_back(Name);
   return Names;
 }

@@ -174,7 +174,7 @@ bool ReadSpectraLines(Integer FileNumber) {
       State.Part = SpectraPart::Count;
     } else if (Line.starts_with(document::SpectraHeaderWord)) {
       State.Part = SpectraPart::Peaks;
-      W.SpectraAvailable = ToFlag(W.PeakCount > 0);
+      W.SpectraAvailable = True;  // a list of no peaks is a spectrum too
     } else if (Line.starts_with(document::SpectraType)) {
       State.Part = SpectraPart::Type;
     } else if (Line.starts_with(document::SpectraReference)) {

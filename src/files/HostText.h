@@ -9,7 +9,8 @@ namespace zelvanor {
 // The host text format: one record a line, told by its first word. Workspace.HostTextLine keeps the lines, so that what
 // the program does not look at reaches documents and the backend unchanged.
 
-// More lines than this are no system: atoms and molecules are counted by Integers, and each stored line takes 256 bytes.
+// More lines than this are no system: atoms and molecules are counted by Integers, and each stored line takes 256
+// bytes.
 inline constexpr std::size_t MostHostLines = std::size_t{1} << 20;
 
 // Puts a line behind the others. Throws a Failure where they are too many.

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 
@@ -39,14 +40,18 @@ bool WriteAll(int File, TextView Content) {
 bool IsClipboardFileNamed() { return !Environment(PathVariable).empty(); }
 
 Text ReadClipboardFile() {
-  std::ifstream Stream(FilePath(), std::ios::binary);
+  const Text Path = FilePath();
+  // A pipe without a writer would hold the program up, a device might never end.
+  std::error_code Ignored;
+  if (!std::filesystem::is_regular_file(Path, Ignored)) return {};
+  std::ifstream Stream(Path, std::ios::binary);
   return {std::istreambuf_iterator<char>(Stream), std::istreambuf_iterator<char>()};
 }
 
 void WriteClipboardFile(const Text& Value) {
   const Text Path = FilePath();
   // For the user's eyes, as a clipboard is, and through no link that somebody else has laid in a shared directory.
-  const int File = open(Path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600);
+  const int File = open(Path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
   const bool Written = File >= 0 && WriteAll(File, Value);
   const int Problem = errno;
   if (File >= 0) close(File);

@@ -17,11 +17,10 @@ class SpokenWidget : public QAccessibleWidget {
   SpokenWidget(QWidget* Shown, const SpokenState& State) : QAccessibleWidget(Shown, State.Role), State(State) {}
 
   QString text(QAccessible::Text What) const override {
-    const QString Known = QAccessibleWidget::text(What);
     if (What == QAccessible::Name) return widget()->accessibleName();
     if (What == QAccessible::Description && State.Description) return State.Description();
     if (What == QAccessible::Value && State.Value) return State.Value();
-    return Known;
+    return QAccessibleWidget::text(What);
   }
 
  private:

@@ -26,7 +26,7 @@ bool MayOpenDocuments() {
 
 QString FirstLocalFile(const QMimeData& Dragged) {
   for (const QUrl& Place : Dragged.urls()) {
-    const QString Path = Place.toLocalFile();
+    QString Path = Place.toLocalFile();
     if (!Path.isEmpty() && QFileInfo(Path).isFile()) return Path;
   }
   return {};

@@ -93,6 +93,9 @@ class RenderView : public QWidget {
   void MarkSelection() {
     const int Count = Main.NumSelectedAtoms;
     if (Count == 0 || &View != &Main.MolRender1) return;
+    // A drag is not to wait for hundreds of marks; they come back with its end.
+    constexpr int MostInDrag = 200;
+    if (Count > MostInDrag && View.PressedButton != 0) return;
     std::vector<bool> IsSelected(View.Atoms.size());
     for (int Place = 0; Place < Count; ++Place) {
       const int Atom = Main.SelectedAtom[Place];

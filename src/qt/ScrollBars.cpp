@@ -72,8 +72,9 @@ QWidget* MakeSpinButton(Control& Target, QWidget* Parent) {
   auto* Stack = new QVBoxLayout(Shown);
   Stack->setContentsMargins(0, 0, 0, 0);
   Stack->setSpacing(0);
-  QToolButton* Up = MakeArrow(Shown, Qt::UpArrow, "Up");
-  QToolButton* Down = MakeArrow(Shown, Qt::DownArrow, "Down");
+  const QString What = Spin.AccessibleName.empty() ? QString() : ToQt(Spin.AccessibleName) + ": ";
+  QToolButton* Up = MakeArrow(Shown, Qt::UpArrow, What + "up");
+  QToolButton* Down = MakeArrow(Shown, Qt::DownArrow, What + "down");
   Stack->addWidget(Up);
   Stack->addWidget(Down);
   Shown->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

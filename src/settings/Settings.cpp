@@ -349,6 +349,7 @@ void WriteSettings() {
 
 std::vector<Text> SettingKeys() {
   std::vector<Text> Keys;
+  Keys.reserve(Rows.size());
   for (const SettingRow& Row : Rows) Keys.emplace_back(Row.Key);
   return Keys;
 }
