@@ -255,6 +255,8 @@ void LookAround() {
 }
 
 bool CanBeSaved() {
+  // No reader takes the count of a spectrum without peaks.
+  if (IsSet(W.SpectraAvailable) && W.PeakCount < 1) return false;
   for (int Set = 0; Set < NumSavedSets; ++Set) {
     if (Set > 0 && W.EquivalentSetSize[Set] > 0 && W.EquivalentSetSize[Set - 1] == 0) return false;
     for (int Member = 0; Member < W.EquivalentSetSize[Set]; ++Member) {

@@ -45,7 +45,8 @@ void OpenAsUser(const Text& Path);
 // Goes through all views that can be chosen and reads what they show, then saves the document.
 void LookAround();
 
-// Whether every entry of the atom sets names an atom of the table, so that the document can be saved and read again.
+// Whether the document can be saved and read again: every entry of the atom sets names an atom of the table, and a
+// spectrum has peaks.
 bool CanBeSaved();
 // Saves the present document, reads it and saves it once more: the same bytes have to come out.
 void CheckRoundTrip();

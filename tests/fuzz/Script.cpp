@@ -35,9 +35,7 @@ Text ScriptFolder() { return PathOf("script"); }
 void EnterFolder() {
   fs::create_directories(ScriptFolder());
   fs::current_path(ScriptFolder());
-  const bool Tell = std::getenv("TELL");
   clearenv();
-  if (Tell) setenv("TELL", "1", 1);
   setenv("EXAMPLE", "document.NMR", 1);
   setenv("XDG_RUNTIME_DIR", ScriptFolder().c_str(), 1);
   rlimit Limit{LargestFile, LargestFile};
@@ -118,7 +116,6 @@ bool Read(TextView Input) {
   try {
     batch::RunScript(nullptr);
   } catch (const batch::ScriptStop& Stopped) {
-    if (std::getenv("TELL")) std::fprintf(stderr, "%s\n", Stopped.Reason.c_str());
     // It may have left the program in the midst of anything, which ends with it.
     for (int Number = FreeFile() - 1; Number > 0; --Number) CloseFileQuietly(Number);
     Demand(!Stopped.Reason.empty() || Stopped.Status == batch::ExpectationFailed, "a stop without a reason");
