@@ -103,7 +103,8 @@ TEST_F(ManualTest, EveryFormAndViewHasItsPage) {
     EXPECT_NE(Each->HelpContext, 0) << Each->Name << " has no row in shell/HelpTopics.cpp";
     EXPECT_NE(FindHelpEntry(Entries, Each->HelpContext), nullptr) << Each->Name << " has no page";
   }
-  for (const int Number : {ContentsHelp, UsingHelp, MessagesHelp, TensorHelp}) EXPECT_NE(FindHelpEntry(Entries, Number), nullptr);
+  for (const int Number : {ContentsHelp, UsingHelp, MessagesHelp, TensorHelp})
+    EXPECT_NE(FindHelpEntry(Entries, Number), nullptr);
 
   Main.HelpFile = "/x/nmr.hlp";
   struct Row {
