@@ -2,10 +2,12 @@
 // all 2^N states with nothing conserved made use of, as the floor that the promises are compared with.
 
 #include <benchmark/benchmark.h>
+#include <spawn.h>
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -68,9 +70,13 @@ void RunCommand(benchmark::State& State, const SpectrumInput& Input) {
   const std::string Directory = std::filesystem::temp_directory_path() / "nmrcalc-bench";
   std::filesystem::create_directories(Directory);
   WriteInput(Input, Directory);
-  const std::string Command = "exec '" NMRCALC_PROGRAM "' . '" + Directory + "' 2";
   for (auto Unused : State) {
-    if (std::system(Command.c_str()) != 0) State.SkipWithError("the program failed");
+    char* const Arguments[] = {const_cast<char*>(NMRCALC_PROGRAM), const_cast<char*>("."),
+                               const_cast<char*>(Directory.c_str()), const_cast<char*>("2"), nullptr};
+    pid_t Process = 0;
+    int Status = 1;
+    if (posix_spawn(&Process, NMRCALC_PROGRAM, nullptr, nullptr, Arguments, environ) == 0) waitpid(Process, &Status, 0);
+    if (Status != 0) State.SkipWithError("the program failed");
   }
   State.counters["lines"] = std::stod(nmrcalc::ReadTextFile(Directory + "/nmrspect.out").Lines.at(1));
   rusage Used{};

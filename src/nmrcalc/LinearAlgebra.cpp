@@ -1,5 +1,6 @@
 #include "nmrcalc/LinearAlgebra.h"
 
+#include <memory>
 #include <string>
 
 #include "basic/Failure.h"
@@ -56,10 +57,10 @@ void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::ve
   const int Order = static_cast<int>(Size);
   const int WorkSize = static_cast<int>(Needed);
   const int WholeWorkSize = 3 + 5 * Order;
-  std::vector<double> Work(Needed);
-  std::vector<int> WholeWork(static_cast<std::size_t>(WholeWorkSize));
+  const auto Work = std::make_unique_for_overwrite<double[]>(Needed);
+  const auto WholeWork = std::make_unique_for_overwrite<int[]>(static_cast<std::size_t>(WholeWorkSize));
   int Info = 0;
-  dsyevd_("V", "L", &Order, Matrix.data(), &Order, Eigenvalues.data(), Work.data(), &WorkSize, WholeWork.data(),
+  dsyevd_("V", "L", &Order, Matrix.data(), &Order, Eigenvalues.data(), Work.get(), &WorkSize, WholeWork.get(),
           &WholeWorkSize, &Info);
   if (Info != 0) {
     throw zelvanor::Failure("The eigenvalues of a block of " + std::to_string(Size) + " states did not converge");
