@@ -6,12 +6,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
-#include <fstream>
 
 #include "basic/Failure.h"
 #include "basic/TextTools.h"
 #include "platform/Profile.h"
 #include "platform/Services.h"
+#include "platform/TextFiles.h"
 #include "platform/posix/UserFolders.h"
 
 namespace zelvanor {
@@ -82,18 +82,12 @@ void MakeFolder(const Text& Path, const char* What, const char* Remedy) {
   ThrowCannotMake(What, Path, Problem == EEXIST ? "a file has this name" : FailureTextFromErrno(Problem), Remedy);
 }
 
-// In one step: nobody ever finds half a file.
 void CopyDefaults(const Text& From, const Text& To, const char* Remedy) {
-  const Text Fresh = To + ".new";
-  errno = 0;
-  std::ifstream Source(From, std::ios::binary);
-  std::ofstream Target(Fresh, std::ios::binary | std::ios::trunc);
-  if (Source && Target) Target << Source.rdbuf();
-  Target.close();
-  if (Source && Target && std::rename(Fresh.c_str(), To.c_str()) == 0) return;
-  const int Problem = errno;
-  unlink(Fresh.c_str());
-  ThrowCannotMake("the settings", To, FailureTextFromErrno(Problem), Remedy);
+  try {
+    ReplaceFile(To, ReadWholeFile(From));
+  } catch (const Failure& Problem) {
+    ThrowCannotMake("the settings", To, Problem.What, Remedy);
+  }
 }
 
 Text WorkFolder() {
