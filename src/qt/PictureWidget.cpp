@@ -46,9 +46,9 @@ void PaintBand(QPainter& Painter, const RubberBand& Band, int Height) {
 }
 
 // Replays the record of its surface and keeps the picture until the record changes.
-class PictureView : public QWidget {
+class PictureView : public KeyedSurface {
  public:
-  PictureView(PictureSurface& Surface, QWidget* Parent) : QWidget(Parent), Surface(Surface) {
+  PictureView(PictureSurface& Surface, QWidget* Parent) : KeyedSurface(Parent), Surface(Surface) {
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -84,7 +84,7 @@ class PictureView : public QWidget {
   }
 
   void keyPressEvent(QKeyEvent* Key) override {
-    if (!IsSpectrum() || !PressSpectrumKey(*Key)) return QWidget::keyPressEvent(Key);
+    if (!IsSpectrum() || !PressSpectrumKey(*Key)) return KeyedSurface::keyPressEvent(Key);
     AfterAction();
   }
 
@@ -93,15 +93,6 @@ class PictureView : public QWidget {
     if (IsOfMainForm()) return;
     Surface.Width = TwipsFromPixels(width());
     Surface.Height = TwipsFromPixels(height());
-  }
-
-  void focusInEvent(QFocusEvent* Focus) override {
-    ShowsFocus = Focus->reason() == Qt::TabFocusReason || Focus->reason() == Qt::BacktabFocusReason;
-    update();
-  }
-  void focusOutEvent(QFocusEvent*) override {
-    ShowsFocus = false;
-    update();
   }
 
   void mousePressEvent(QMouseEvent* Mouse) override { Tell(Surface.MouseDown, *Mouse, Mouse->button()); }
@@ -140,7 +131,6 @@ class PictureView : public QWidget {
 
   PictureSurface& Surface;
   QImage Picture;
-  bool ShowsFocus = false;
 };
 
 }  // namespace

@@ -25,9 +25,9 @@ constexpr qreal NotchOfWheel = 120;
 Single TwipsOf(qreal Pixels) { return static_cast<Single>(std::floor(Pixels) * TwipsPerPixelX); }
 
 // Draws what its control holds, and keeps the picture until that changes.
-class RenderView : public QWidget {
+class RenderView : public KeyedSurface {
  public:
-  RenderView(RenderControl& View, QWidget* Parent) : QWidget(Parent), View(View) {
+  RenderView(RenderControl& View, QWidget* Parent) : KeyedSurface(Parent), View(View) {
     setFocusPolicy(Qt::StrongFocus);
     setContextMenuPolicy(Qt::PreventContextMenu);  // the right button is the program's
   }
@@ -52,19 +52,10 @@ class RenderView : public QWidget {
     if (ShowsFocus) PaintFocusFrame(Painter, rect());
   }
 
-  void focusInEvent(QFocusEvent* Focus) override {
-    ShowsFocus = Focus->reason() == Qt::TabFocusReason || Focus->reason() == Qt::BacktabFocusReason;
-    update();
-  }
-  void focusOutEvent(QFocusEvent*) override {
-    ShowsFocus = false;
-    update();
-  }
-
   // As a notch of the wheel does; the other keys of the view are the program's.
   void keyPressEvent(QKeyEvent* Key) override {
     const int Notches = Key->key() == Qt::Key_Plus ? 1 : Key->key() == Qt::Key_Minus ? -1 : 0;
-    if (Notches == 0 || !View.MouseWheel || !MayAct(View)) return QWidget::keyPressEvent(Key);
+    if (Notches == 0 || !View.MouseWheel || !MayAct(View)) return KeyedSurface::keyPressEvent(Key);
     Dispatch([&] { View.MouseWheel(Notches); });
   }
 
@@ -118,7 +109,6 @@ class RenderView : public QWidget {
   ScenePieces Pieces;
   QImage Picture;
   bool IsStale = true;
-  bool ShowsFocus = false;
 };
 
 QString DescribeMolecule() {

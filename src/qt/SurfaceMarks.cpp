@@ -1,6 +1,6 @@
 #include "qt/SurfaceMarks.h"
 
-#include <QWidget>
+#include <QFocusEvent>
 
 namespace zelvanor {
 
@@ -24,6 +24,16 @@ void PaintFocusFrame(QPainter& Painter, const QRect& Room) {
   constexpr qreal Width = 2;
   Painter.setRenderHint(QPainter::Antialiasing, false);
   DrawTwice(Painter, Width, [&] { Painter.drawRect(Room.adjusted(1, 1, -1, -1)); });
+}
+
+void KeyedSurface::focusInEvent(QFocusEvent* Focus) {
+  ShowsFocus = Focus->reason() == Qt::TabFocusReason || Focus->reason() == Qt::BacktabFocusReason;
+  update();
+}
+
+void KeyedSurface::focusOutEvent(QFocusEvent* /*Focus*/) {
+  ShowsFocus = false;
+  update();
 }
 
 void PaintLineMark(QPainter& Painter, int X, int Top) {

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QRect>
+#include <QWidget>
 
 #include "platform/RenderScene.h"
 
@@ -12,6 +13,18 @@ namespace zelvanor {
 
 // Round a surface that has the keys.
 void PaintFocusFrame(QPainter& Painter, const QRect& Room);
+
+// A surface that has the frame while the keys came to it by the keyboard; a click needs no telling.
+class KeyedSurface : public QWidget {
+ public:
+  using QWidget::QWidget;
+
+ protected:
+  void focusInEvent(QFocusEvent* Focus) override;
+  void focusOutEvent(QFocusEvent* Focus) override;
+
+  bool ShowsFocus = false;
+};
 
 // Below the stroke of a line at the top of the spectrum that is drawn in the selection colour.
 void PaintLineMark(QPainter& Painter, int X, int Top);
