@@ -14,9 +14,9 @@
 #include <string>
 #include <vector>
 
-#include "nmrcalc/InputText.h"
-#include "nmrcalc/LinearAlgebra.h"
-#include "nmrcalc/Spectrum.h"
+#include "nmrcalc/input/InputText.h"
+#include "nmrcalc/spins/LinearAlgebra.h"
+#include "nmrcalc/spins/Spectrum.h"
 
 namespace {
 

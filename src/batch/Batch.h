@@ -108,12 +108,8 @@ Control& NeedControl(const Text& Name);
 // Compares with what a script line says behind "=": numbers to 7 digits, texts exactly.
 bool Matches(const ScriptValue& Actual, const std::vector<Argument>& Expected);
 
-// Writes the picture of the view; the ending of the path decides on the form. Throws ScriptStop.
+// Writes the picture of the view, or its table as CSV; the ending of the path decides. Throws ScriptStop or a Failure.
 void WriteView(const Text& Path);
-// Writes the table of the view as CSV. Throws ScriptStop.
-void WriteTable(const Text& Path);
-// Writes the picture of the chart window. Throws ScriptStop.
-void WriteChart(const Text& Path);
 // Writes the peak list as CSV or JCAMP-DX. Throws ScriptStop.
 void SavePeaks(const Text& Path);
 

@@ -9,6 +9,7 @@
 #include "batch/Expect.h"
 #include "batch/HostCommands.h"
 #include "batch/UserActions.h"
+#include "pictures/ViewPictures.h"
 #include "platform/Grid.h"
 #include "program.h"
 #include "shell/Frame.h"
@@ -186,7 +187,7 @@ std::map<Text, CommandRow>& Commands() {
       {"forms", {ListForms, 0, false}},
       {"dump", {Dump, 1, true}},
       {"view", {[](const Words& All) { WriteView(All[1].Value); }, 1, true}},
-      {"chart", {[](const Words& All) { WriteChart(All[1].Value); }, 1, true}},
+      {"chart", {[](const Words& All) { pictures::WriteChartPicture(All[1].Value); }, 1, true}},
       {"save", {[](const Words& All) { SavePeaks(All[1].Value); }, 1, true}},
       {"wait", {Wait, 1, false}},
       {"echo", {Echo, 0, false}},

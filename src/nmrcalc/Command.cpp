@@ -12,10 +12,10 @@
 
 #include "basic/Failure.h"
 #include "nmrcalc/Estimate.h"
-#include "nmrcalc/InputText.h"
-#include "nmrcalc/LinearAlgebra.h"
 #include "nmrcalc/Memory.h"
-#include "nmrcalc/Spectrum.h"
+#include "nmrcalc/input/InputText.h"
+#include "nmrcalc/spins/LinearAlgebra.h"
+#include "nmrcalc/spins/Spectrum.h"
 
 namespace nmrcalc {
 

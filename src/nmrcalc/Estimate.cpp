@@ -2,11 +2,11 @@
 
 #include <vector>
 
-#include "nmrcalc/Coupling.h"
-#include "nmrcalc/InputText.h"
-#include "nmrcalc/ParamInput.h"
-#include "nmrcalc/Shielding.h"
-#include "nmrcalc/Tensor.h"
+#include "nmrcalc/couplings/Coupling.h"
+#include "nmrcalc/input/InputText.h"
+#include "nmrcalc/input/ParamInput.h"
+#include "nmrcalc/shifts/Shielding.h"
+#include "nmrcalc/shifts/Tensor.h"
 
 namespace nmrcalc {
 

@@ -8,7 +8,7 @@
 
 #include "basic/Failure.h"
 #include "basic/Numbers.h"
-#include "nmrcalc/InputText.h"
+#include "nmrcalc/input/InputText.h"
 
 namespace nmrcalc {
 

@@ -11,5 +11,7 @@ inline constexpr const char* PathSeparator = "/";
 std::size_t LastSeparator(TextView Path, std::size_t From = 0);
 // The name without its directories.
 TextView FileTitleOf(TextView Path);
+// The ending of a path in upper case, with its dot; empty for none.
+Text EndingOf(TextView Path);
 
 }  // namespace zelvanor

@@ -17,6 +17,9 @@ Text ReadWholeFile(const Text& Path);
 // one. Throws a Failure.
 void ReplaceFile(const Text& Path, TextView Content);
 
+// Makes a file of this content, in place. Throws a Failure that names the path.
+void WriteWholeFile(const Text& Path, TextView Content);
+
 Integer FreeFile();
 void OpenForInput(const Text& Path, Integer FileNumber);
 // Creates the file, or empties the one that is there.

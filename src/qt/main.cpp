@@ -4,14 +4,14 @@
 
 #include "platform/posix/PosixServices.h"
 #include "program.h"
-#include "qt/DarkOutlines.h"
 #include "qt/Dispatch.h"
-#include "qt/HostLink.h"
-#include "qt/MainWindow.h"
-#include "qt/OpenFiles.h"
-#include "qt/QtServices.h"
-#include "qt/Remembered.h"
 #include "qt/TextConversion.h"
+#include "qt/frame/DarkOutlines.h"
+#include "qt/frame/HostLink.h"
+#include "qt/frame/MainWindow.h"
+#include "qt/frame/OpenFiles.h"
+#include "qt/frame/QtServices.h"
+#include "qt/frame/Remembered.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include "fuzz/Harness.h"
 #include "fuzz/Targets.h"
 #include "nmrcalc/Estimate.h"
-#include "nmrcalc/ParamInput.h"
-#include "nmrcalc/Spectrum.h"
-#include "nmrcalc/SpectrumInput.h"
+#include "nmrcalc/input/ParamInput.h"
+#include "nmrcalc/input/SpectrumInput.h"
+#include "nmrcalc/spins/Spectrum.h"
 
 namespace zelvanor::fuzz {
 

@@ -2,7 +2,7 @@
 
 #include "Helpers.h"
 #include "nmrcalc/Command.h"
-#include "nmrcalc/InputText.h"
+#include "nmrcalc/input/InputText.h"
 
 namespace nmrcalc::testing {
 namespace {

@@ -4,11 +4,11 @@
 
 #include "Helpers.h"
 #include "Smiles.h"
-#include "nmrcalc/Coupling.h"
-#include "nmrcalc/InputText.h"
-#include "nmrcalc/ParamInput.h"
-#include "nmrcalc/Shielding.h"
-#include "nmrcalc/Tensor.h"
+#include "nmrcalc/couplings/Coupling.h"
+#include "nmrcalc/input/InputText.h"
+#include "nmrcalc/input/ParamInput.h"
+#include "nmrcalc/shifts/Shielding.h"
+#include "nmrcalc/shifts/Tensor.h"
 
 namespace nmrcalc::testing {
 namespace {

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <random>
 
-#include "nmrcalc/LinearAlgebra.h"
-#include "nmrcalc/Spectrum.h"
-#include "nmrcalc/SpinSystem.h"
+#include "nmrcalc/spins/LinearAlgebra.h"
+#include "nmrcalc/spins/Spectrum.h"
+#include "nmrcalc/spins/SpinSystem.h"
 
 namespace nmrcalc::testing {
 

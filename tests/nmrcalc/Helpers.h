@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "basic/Failure.h"
-#include "nmrcalc/Lines.h"
-#include "nmrcalc/SpectrumInput.h"
+#include "nmrcalc/input/SpectrumInput.h"
+#include "nmrcalc/spins/Lines.h"
 
 namespace nmrcalc::testing {
 

@@ -1,8 +1,8 @@
 #include "Helpers.h"
 #include "nmrcalc/Estimate.h"
-#include "nmrcalc/ParamInput.h"
-#include "nmrcalc/Spectrum.h"
-#include "nmrcalc/Tables.h"
+#include "nmrcalc/input/ParamInput.h"
+#include "nmrcalc/input/Tables.h"
+#include "nmrcalc/spins/Spectrum.h"
 
 namespace nmrcalc::testing {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "nmrcalc/Molecule.h"
+#include "nmrcalc/input/Molecule.h"
 
 namespace nmrcalc::testing {
 

@@ -3,9 +3,9 @@
 #include <numbers>
 
 #include "Helpers.h"
-#include "nmrcalc/Blocks.h"
-#include "nmrcalc/Spectrum.h"
-#include "nmrcalc/SpinSystem.h"
+#include "nmrcalc/spins/Blocks.h"
+#include "nmrcalc/spins/Spectrum.h"
+#include "nmrcalc/spins/SpinSystem.h"
 
 namespace nmrcalc::testing {
 namespace {

@@ -17,9 +17,9 @@
 #include "QtTestWindow.h"
 #include "platform/Form.h"
 #include "platform/Picture.h"
-#include "qt/Boxes.h"
 #include "qt/Dispatch.h"
-#include "qt/FormBuilder.h"
+#include "qt/controls/Boxes.h"
+#include "qt/controls/FormBuilder.h"
 #include "workspace/Helpers.h"
 
 namespace zelvanor::tests {

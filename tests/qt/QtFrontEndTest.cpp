@@ -11,10 +11,10 @@
 
 #include "QtTestWindow.h"
 #include "platform/Form.h"
-#include "qt/Boxes.h"
 #include "qt/Dispatch.h"
-#include "qt/PictureReplay.h"
 #include "qt/TextConversion.h"
+#include "qt/controls/Boxes.h"
+#include "qt/views/PictureReplay.h"
 #include "shell/MainForm.h"
 #include "workspace/Workspace.h"
 

@@ -13,11 +13,11 @@
 #include <QWindow>
 
 #include "QtTestWindow.h"
-#include "qt/Boxes.h"
 #include "qt/Dispatch.h"
-#include "qt/HelpSearch.h"
-#include "qt/HelpWindow.h"
 #include "qt/TextConversion.h"
+#include "qt/controls/Boxes.h"
+#include "qt/help/HelpSearch.h"
+#include "qt/help/HelpWindow.h"
 #include "shell/Frame.h"
 #include "shell/HelpTopics.h"
 #include "shell/frmAbout.h"

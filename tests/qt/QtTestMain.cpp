@@ -9,8 +9,8 @@
 #include "QtTestWindow.h"
 #include "program.h"
 #include "qt/Dispatch.h"
-#include "qt/MainWindow.h"
-#include "qt/QtServices.h"
+#include "qt/frame/MainWindow.h"
+#include "qt/frame/QtServices.h"
 
 namespace zelvanor::tests {
 

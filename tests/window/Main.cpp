@@ -11,13 +11,13 @@
 #include "batch/Batch.h"
 #include "batch/UserActions.h"
 #include "program.h"
-#include "qt/ControlWidgets.h"
-#include "qt/DarkOutlines.h"
 #include "qt/Dispatch.h"
-#include "qt/FormBuilder.h"
-#include "qt/MainWindow.h"
-#include "qt/QtServices.h"
 #include "qt/TextConversion.h"
+#include "qt/controls/ControlWidgets.h"
+#include "qt/controls/FormBuilder.h"
+#include "qt/frame/DarkOutlines.h"
+#include "qt/frame/MainWindow.h"
+#include "qt/frame/QtServices.h"
 #include "shell/MainForm.h"
 
 namespace zelvanor::tests {

@@ -11,8 +11,8 @@
 
 #include "WindowScript.h"
 #include "batch/Batch.h"
-#include "qt/ControlWidgets.h"
 #include "qt/TextConversion.h"
+#include "qt/controls/ControlWidgets.h"
 #include "shell/MainForm.h"
 
 namespace zelvanor::tests {

@@ -15,8 +15,8 @@
 #include "basic/NumberText.h"
 #include "batch/Batch.h"
 #include "platform/Grid.h"
-#include "qt/ControlWidgets.h"
 #include "qt/TextConversion.h"
+#include "qt/controls/ControlWidgets.h"
 #include "shell/MainForm.h"
 
 namespace zelvanor::tests {

@@ -14,9 +14,9 @@
 #include "WindowScript.h"
 #include "batch/UserActions.h"
 #include "platform/Picture.h"
-#include "qt/ControlWidgets.h"
-#include "qt/KeyFilter.h"
 #include "qt/TextConversion.h"
+#include "qt/controls/ControlWidgets.h"
+#include "qt/controls/KeyFilter.h"
 #include "shell/MainForm.h"
 
 namespace zelvanor::tests {

@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
 #include <map>
 #include <new>
 #include <utility>
@@ -167,6 +168,13 @@ Text ResolvedPath(const Text& Path) {
 }
 
 }  // namespace
+
+void WriteWholeFile(const Text& Path, TextView Content) {
+  std::ofstream Stream(Path, std::ios::binary | std::ios::trunc);
+  Stream << Content;
+  Stream.flush();
+  if (!Stream) throw Failure("can't write " + Path);
+}
 
 Text ReadWholeFile(const Text& Path) {
   const Descriptor File = OpenForReader(Path);

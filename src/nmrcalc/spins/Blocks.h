@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "nmrcalc/spins/SpinSystem.h"
+
+namespace nmrcalc {
+
+// Basis of product states |m1 m2 ...> of a spin system, cut into the blocks that the Hamiltonian
+//   H = sum Offset_i I_iz + sum J_ij I_i . I_j        (Hz)
+// leaves apart: by the total Mz or, where far nuclei are taken apart, by the Mz of the observed spins and that of the
+// far ones. A state is coded by one digit d = m + S (0..2S) for each spin.
+
+struct BlockBasis {
+  bool SplitFar = false;                  // blocks by two Mz
+  std::vector<std::uint32_t> Stride{};    // value of a digit in the state's code
+  std::vector<std::uint8_t> Digits{};     // states x spins
+  std::vector<std::uint32_t> Position{};  // place of a state in its block
+  std::vector<double> Energy{};           // diagonal element of each state, Hz; with SplitFar only
+  // Chains[f][k]: codes of the states with far level f and observed level k. Levels count raised spins from 0.
+  // I+ of the observed spins leads from [f][k] to [f][k + 1]. Without SplitFar there is one chain over the total.
+  std::vector<std::vector<std::vector<std::uint32_t>>> Chains{};
+  // Carriers taken off the offsets so that eigenvalues stay small, in Hz. Every line is ObservedCarrier too low.
+  double ObservedCarrier = 0.0;
+  std::vector<double> ReducedOffset{};
+};
+
+// The sizes of the blocks without building them; the same order as BlockBasis::Chains. Doubles: they may be huge.
+std::vector<std::vector<double>> CountBlocks(const SpinSystem& System, bool SplitFar);
+
+BlockBasis BuildBasis(const SpinSystem& System, bool SplitFar);
+
+// The Hamiltonian of one block, column-major, both triangles. With SplitFar the flip-flops between observed and far
+// spins enter to second order (Van Vleck), which leaves an error of third order, see FarSplittingError.
+std::vector<double> BuildHamiltonian(const SpinSystem& System, const BlockBasis& Basis,
+                                     const std::vector<std::uint32_t>& States);
+
+// Bound on the shift of a line, in Hz, that taking the far spins apart brings: the third-order term
+//   sum (n_i n_x J_ix^2) x (largest row sum of |J|) / (4 D^2),
+// i observed, x far, D the smallest distance of an observed and a far offset. Infinite when there is no distance.
+double FarSplittingError(const SpinSystem& System);
+
+// An element of the raising operator of the observed spins, between positions in neighbouring blocks.
+struct RaisingElement {
+  std::uint32_t From = 0;  // in the block at level k
+  std::uint32_t To = 0;    // in the block at level k + 1
+  double Value = 0.0;
+};
+std::vector<RaisingElement> BuildRaising(const SpinSystem& System, const BlockBasis& Basis,
+                                         const std::vector<std::uint32_t>& States);
+
+}  // namespace nmrcalc

@@ -1,0 +1,80 @@
+#include "nmrcalc/spins/LinearAlgebra.h"
+
+#include <memory>
+#include <string>
+
+#include "basic/Failure.h"
+
+extern "C" {
+void dsyevd_(const char* Job, const char* Triangle, const int* Size, double* Matrix, const int* Leading, double* Values,
+             double* Work, const int* WorkSize, int* WholeWork, const int* WholeWorkSize, int* Info);
+void dgemm_(const char* LeftForm, const char* RightForm, const int* Rows, const int* Columns, const int* Inner,
+            const double* Alpha, const double* Left, const int* LeftLeading, const double* Right,
+            const int* RightLeading, const double* Beta, double* Target, const int* TargetLeading);
+// Only OpenBLAS has these; with another library they stay null.
+#ifdef NMRCALC_OPENBLAS_ARCHIVE
+#define NMRCALC_OPTIONAL
+#else
+#define NMRCALC_OPTIONAL __attribute__((weak))
+#endif
+void openblas_set_num_threads(int Count) NMRCALC_OPTIONAL;
+int openblas_get_parallel(void) NMRCALC_OPTIONAL;
+int blas_thread_shutdown_(void) NMRCALC_OPTIONAL;
+}
+
+namespace nmrcalc {
+
+namespace {
+
+// A null function is one that the library does not have. Taken through a variable, since the compiler knows that a
+// function of an archive is never null and warns of the test.
+template <class Function>
+bool IsThere(Function* Entry) {
+  return Entry != nullptr;
+}
+
+}  // namespace
+
+void UseOneLibraryThread() {
+  if (IsThere(openblas_set_num_threads)) openblas_set_num_threads(1);
+  // The threads made at the start would spin for some hundredths of a second, on the cores that we need.
+  if (IsThere(blas_thread_shutdown_)) blas_thread_shutdown_();
+}
+
+bool LibraryTakesThreads() { return IsThere(openblas_get_parallel) && openblas_get_parallel() != 0; }
+
+void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::vector<double>& Eigenvalues) {
+  Eigenvalues.resize(Size);
+  if (Size == 1) {
+    Eigenvalues[0] = Matrix[0];
+    Matrix[0] = 1.0;
+    return;
+  }
+  const std::size_t Needed = 1 + 6 * Size + 2 * Size * Size;
+  if (Size > LargestMatrix) {
+    throw zelvanor::Failure("A block of " + std::to_string(Size) + " states is too large for the linear algebra");
+  }
+  const int Order = static_cast<int>(Size);
+  const int WorkSize = static_cast<int>(Needed);
+  const int WholeWorkSize = 3 + 5 * Order;
+  const auto Work = std::make_unique_for_overwrite<double[]>(Needed);
+  const auto WholeWork = std::make_unique_for_overwrite<int[]>(static_cast<std::size_t>(WholeWorkSize));
+  int Info = 0;
+  dsyevd_("V", "L", &Order, Matrix.data(), &Order, Eigenvalues.data(), Work.get(), &WorkSize, WholeWork.get(),
+          &WholeWorkSize, &Info);
+  if (Info != 0) {
+    throw zelvanor::Failure("The eigenvalues of a block of " + std::to_string(Size) + " states did not converge");
+  }
+}
+
+void MultiplyTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows, std::size_t Columns,
+                        std::size_t Inner) {
+  const int NumRows = static_cast<int>(Rows);
+  const int NumColumns = static_cast<int>(Columns);
+  const int NumInner = static_cast<int>(Inner);
+  const double One = 1.0;
+  const double Zero = 0.0;
+  dgemm_("T", "N", &NumRows, &NumColumns, &NumInner, &One, Left, &NumInner, Right, &NumInner, &Zero, Target, &NumRows);
+}
+
+}  // namespace nmrcalc

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cairo.h>
+
+#include <functional>
+
+#include "pictures/PictureText.h"
+
+namespace zelvanor::pictures {
+
+// A picture in both ways of writing it: as SVG text, in which texts stay texts, and drawn by cairo.
+struct Picture {
+  PictureSize Size;
+  std::function<Text()> Svg;
+  std::function<void(cairo_t*)> Draw;
+};
+
+// Whether the path's ending names a form that WritePicture knows: .svg, .png or .pdf.
+bool IsPictureFile(const Text& Path);
+// Throws a Failure where the file can't be written.
+void WritePicture(const Picture& Shown, const Text& Path);
+
+}  // namespace zelvanor::pictures

@@ -1,0 +1,185 @@
+#include "qt/controls/Boxes.h"
+
+#include <QColorDialog>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <utility>
+
+#include "qt/Dispatch.h"
+#include "qt/TextConversion.h"
+#include "qt/controls/Pointer.h"
+#include "qt/frame/MainWindow.h"
+#include "qt/frame/Remembered.h"
+#include "qt/help/HelpWindow.h"
+#include "shell/HelpTopics.h"
+#include "workspace/Workspace.h"
+
+namespace zelvanor {
+
+namespace {
+
+using Button = QMessageBox::StandardButton;
+
+struct ButtonsRow {
+  BoxButtons Buttons;
+  QMessageBox::StandardButtons Shown;
+  Button Default;
+  Button Escape;
+};
+
+constexpr ButtonsRow ButtonsRows[] = {
+    {BoxButtons::Ok, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Ok},
+    {BoxButtons::OkCancel, QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Ok, QMessageBox::Cancel},
+    {BoxButtons::YesNo, QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes, QMessageBox::No},
+    {BoxButtons::YesNoCancel, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes,
+     QMessageBox::Cancel},
+    {BoxButtons::RetryCancel, QMessageBox::Retry | QMessageBox::Cancel, QMessageBox::Retry, QMessageBox::Cancel},
+};
+
+const ButtonsRow& RowOf(BoxButtons Buttons) {
+  for (const ButtonsRow& Row : ButtonsRows) {
+    if (Row.Buttons == Buttons) return Row;
+  }
+  return ButtonsRows[0];
+}
+
+QMessageBox::Icon IconOf(BoxKind Kind) {
+  switch (Kind) {
+    case BoxKind::Warning:
+      return QMessageBox::Warning;
+    case BoxKind::Error:
+      return QMessageBox::Critical;
+    case BoxKind::Question:
+      return QMessageBox::Question;
+    default:
+      return QMessageBox::NoIcon;
+  }
+}
+
+BoxAnswer AnswerOf(int Pressed, const ButtonsRow& Row) {
+  switch (Pressed) {
+    case QMessageBox::Ok:
+      return BoxAnswer::Ok;
+    case QMessageBox::Yes:
+      return BoxAnswer::Yes;
+    case QMessageBox::No:
+      return BoxAnswer::No;
+    case QMessageBox::Retry:
+      return BoxAnswer::Retry;
+    case QMessageBox::Cancel:
+      return BoxAnswer::Cancel;
+    default:
+      return AnswerOf(Row.Escape, Row);
+  }
+}
+
+Text& QueuedFile() {
+  static Text Path;
+  return Path;
+}
+
+// Where a dialog begins: in the folder of the document, else where the last file was.
+QString FirstFolder() {
+  const Text& Document = !Workspace.DocumentPath.empty()   ? Workspace.DocumentPath
+                         : !Workspace.HostTextPath.empty() ? Workspace.HostTextPath
+                                                           : Workspace.ZMatrixPath;
+  const QFileInfo Place(PathToQt(Document));
+  if (Place.isAbsolute() && Place.absoluteDir().exists()) return Place.absolutePath();
+  const QString Kept = RememberedFolder();
+  return Kept.isEmpty() ? QDir::currentPath() : Kept;
+}
+
+// A suggested name may be a pattern or hold a folder.
+void SuggestFile(QFileDialog& Shown, const Text& FileName) {
+  const QString Name = PathToQt(FileName);
+  if (Name.isEmpty() || Name.contains('*')) return;
+  if (const QFileInfo Place(Name); Place.isAbsolute()) Shown.setDirectory(Place.absolutePath());
+  Shown.selectFile(QFileInfo(Name).fileName());
+}
+
+// A line of a file that a message quotes may be of any length.
+QString Shortened(const QString& Message) {
+  constexpr qsizetype Longest = 2000;
+  return Message.size() <= Longest ? Message : Message.left(Longest) + QString::fromUtf8(" \u2026");
+}
+
+}  // namespace
+
+BoxAnswer ShowMessageBox(const MessageBox& Box) {
+  const ButtonsRow& Row = RowOf(Box.Buttons);
+  QMessageBox Shown(IconOf(Box.Kind), ToQt(Box.Title), Shortened(ToQtLines(Box.Message)), Row.Shown, TopWindow());
+  Shown.setTextFormat(Qt::PlainText);
+  Shown.setTextInteractionFlags(Qt::TextSelectableByMouse);
+  Shown.setDefaultButton(Row.Default);
+  Shown.setEscapeButton(Row.Escape);
+  Shown.setWindowModality(Qt::WindowModal);  // the manual stays open to use
+  AddHelpKey(&Shown, MessagesHelp);
+  if (AfterDispatch) AfterDispatch();  // what stands behind the box is up to date
+  const PlainPointer Pointer;
+  const int Pressed = Shown.exec();
+  PassEnd();
+  return AnswerOf(Pressed, Row);
+}
+
+QStringList NameFilters(const Text& Filter) {
+  const QStringList Pieces = ToQt(Filter).split('|');
+  QStringList Filters;
+  for (qsizetype Place = 0; Place + 1 < Pieces.size(); Place += 2) {
+    QString Name = Pieces[Place].trimmed();
+    if (const qsizetype Bracket = Name.lastIndexOf('('); Bracket > 0) Name = Name.left(Bracket).trimmed();
+    QStringList Patterns;
+    for (const QString& Piece : Pieces[Place + 1].split(';')) {
+      const QString Pattern = Piece.trimmed();
+      if (Pattern.isEmpty()) continue;
+      if (Pattern == "*.*") {
+        Patterns << "*";
+      } else {
+        Patterns << Pattern.toLower() << Pattern.toUpper();
+      }
+    }
+    Patterns.removeDuplicates();
+    Filters << Name + " (" + Patterns.join(' ') + ")";
+  }
+  return Filters;
+}
+
+std::optional<Text> AskForFile(const FileDialog& Dialog) {
+  // A file to open is no answer to the question where unsaved work goes to, which may come before.
+  if (!Dialog.Save && !QueuedFile().empty()) {
+    RememberFolderOf(PathToQt(QueuedFile()));
+    return std::exchange(QueuedFile(), {});
+  }
+  QFileDialog Shown(TopWindow(), ToQt(Dialog.Title), FirstFolder());
+  Shown.setAcceptMode(Dialog.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  Shown.setFileMode(Dialog.Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  // The program asks itself before it replaces a file.
+  Shown.setOption(QFileDialog::DontConfirmOverwrite);
+  const QStringList Filters = NameFilters(Dialog.Filter);
+  if (!Filters.isEmpty()) {
+    Shown.setNameFilters(Filters);
+    Shown.selectNameFilter(Filters.value(Dialog.FilterIndex - 1, Filters.front()));
+  }
+  if (Dialog.Save) Shown.setDefaultSuffix(ToQt(Dialog.DefaultExtension));
+  SuggestFile(Shown, Dialog.FileName);
+  const PlainPointer Pointer;
+  const bool Chosen = Shown.exec() == QDialog::Accepted && !Shown.selectedFiles().isEmpty();
+  PassEnd();
+  if (!Chosen) return std::nullopt;
+  const QString Path = QDir::toNativeSeparators(Shown.selectedFiles().front());
+  RememberFolderOf(Path);
+  return PathFromQt(Path);
+}
+
+std::optional<Colour> AskForColour(Colour Current) {
+  const PlainPointer Pointer;
+  const QColor Chosen = QColorDialog::getColor(ToQt(Current), TopWindow());
+  PassEnd();
+  if (!Chosen.isValid()) return std::nullopt;
+  return FromQt(Chosen);
+}
+
+void QueueFile(const Text& Path) { QueuedFile() = Path; }
+
+}  // namespace zelvanor

@@ -1,0 +1,171 @@
+#include "qt/frame/MainWindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QIcon>
+#include <QLabel>
+#include <QScreen>
+#include <QStyle>
+#include <QTimer>
+#include <algorithm>
+
+#include "platform/Form.h"
+#include "qt/Dispatch.h"
+#include "qt/TextConversion.h"
+#include "qt/controls/ControlWidgets.h"
+#include "qt/controls/KeyFilter.h"
+#include "qt/frame/MenuBar.h"
+#include "qt/frame/OpenFiles.h"
+#include "qt/frame/Remembered.h"
+#include "qt/frame/ToolStrip.h"
+#include "qt/help/HelpWindow.h"
+#include "qt/views/WorkHint.h"
+#include "shell/MainForm.h"
+
+// The icons; a library has to ask for them, and outside every namespace.
+static void LoadIcons() { Q_INIT_RESOURCE(zelvanor); }
+
+namespace zelvanor {
+
+namespace {
+
+constexpr int SettleMilliseconds = 60;
+constexpr int FirstWidth = 900;
+constexpr int FirstHeight = 640;
+constexpr int LeastWidth = 400;
+constexpr int LeastHeight = 240;
+
+// Controls of the work area, in the order in which they lie on one another.
+Control* const WorkControls[] = {&Main.MolRender1, &Main.ShieldTable, &Main.HScroll2,
+                                 &Main.Spectrum1,  &Main.HScroll1,    &Main.StatusBar};
+
+class WorkArea : public QWidget {
+ public:
+  explicit WorkArea(QWidget* Parent) : QWidget(Parent) {
+    Hint = MakeWorkHint(this);
+    Strip = MakeToolStrip(this);
+    for (Control* Item : WorkControls) MakeWidget(*Item, this);
+    // The scales of the spectrum follow one resize behind.
+    Settled.setObjectName("settled");
+    Settled.setSingleShot(true);
+    Settled.setInterval(SettleMilliseconds);
+    QObject::connect(&Settled, &QTimer::timeout, this, [] { Dispatch([] { Fire(Main.frmNMR.Resize); }); });
+    AfterDispatch = [this] { ShowWorkHint(Hint); };
+  }
+
+  ~WorkArea() override { AfterDispatch = {}; }
+
+ protected:
+  void resizeEvent(QResizeEvent*) override {
+    Main.frmNMR.Width = TwipsFromPixels(width());
+    Main.frmNMR.Height = TwipsFromPixels(height());
+    const int Top = PixelsFromTwips(Main.ToolbarHeight);
+    const int Bottom = PixelsFromTwips(Main.StatusBar.Height);
+    Strip->setGeometry(0, 0, width(), Top);
+    Hint->setGeometry(0, Top, width(), std::max(height() - Top - Bottom, 1));
+    Dispatch([] { Fire(Main.frmNMR.Resize); });
+    Settled.start();
+  }
+
+ private:
+  QLabel* Hint = nullptr;
+  QWidget* Strip = nullptr;
+  QTimer Settled{this};
+};
+
+class FrameWindow : public QMainWindow {
+ public:
+  FrameWindow() {
+    BuildMenus(menuBar());
+    setCentralWidget(new WorkArea(this));
+    setAcceptDrops(true);
+  }
+
+ protected:
+  // Closing asks the program; when it agrees it ends, and every event loop is left.
+  void closeEvent(QCloseEvent* Close) override {
+    Close->ignore();
+    if (CommandsPause()) return QApplication::beep();
+    Dispatch([] { UnloadForm(Main.frmNMR); });
+  }
+
+  // The pointer shows by its form whether the window takes what is dragged.
+  void dragEnterEvent(QDragEnterEvent* Drag) override {
+    if (MayOpenDocuments() && !FirstLocalFile(*Drag->mimeData()).isEmpty()) Drag->acceptProposedAction();
+  }
+
+  // The other program waits for the end of the drop: the command, which may ask, comes after it.
+  void dropEvent(QDropEvent* Drop) override {
+    const QString Path = FirstLocalFile(*Drop->mimeData());
+    if (Path.isEmpty() || !MayOpenDocuments()) return;
+    Drop->acceptProposedAction();
+    QTimer::singleShot(0, this, [this, Path] {
+      if (!MayOpenDocuments()) return;
+      activateWindow();
+      OpenDocument(PathFromQt(Path));
+    });
+  }
+};
+
+void GiveMeasures(const QWidget& Window) {
+  constexpr int StatusPadding = 8;
+  const int Bar = Window.style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &Window);
+  Main.StatusBar.Height = TwipsFromPixels(Window.fontMetrics().height() + StatusPadding);
+  Main.HScroll1.Height = Main.HScroll2.Height = TwipsFromPixels(Bar);
+  Main.Spectrum1.AccessibleName = "Spectrum";
+  Main.HScroll1.AccessibleName = "Pan the spectrum";
+  Main.HScroll2.AccessibleName = "Line width";
+  Main.StatusBar.AccessibleName = "Status";
+}
+
+void ShowForm(QMainWindow* Window, Property What) {
+  const Form& Frame = Main.frmNMR;
+  switch (What) {
+    case Property::Visible:
+      return Window->setVisible(IsSet(Frame.Visible));
+    case Property::Caption:
+      // "[*]" is Qt's mark for a changed document, doubled it is itself.
+      return Window->setWindowTitle(ToQt(Frame.Caption).replace("[*]", "[*][*]"));
+    default:
+      return;
+  }
+}
+
+void GiveFirstSize(QMainWindow* Window) {
+  if (RestoreGeometry(*Window)) return;
+  const QSize Room = Window->screen()->availableSize();
+  Window->resize(QSize(FirstWidth, FirstHeight).boundedTo(Room * 0.9));
+}
+
+}  // namespace
+
+std::unique_ptr<QMainWindow> MakeMainWindow() {
+  LoadIcons();
+  {
+    const QWidget Sample;
+    GiveMeasures(Sample);
+  }
+  auto Window = std::make_unique<FrameWindow>();
+  Window->setObjectName(MainFormName);
+  // The desktop has the installed one at every size.
+  QApplication::setWindowIcon(QIcon::fromTheme("zelvanor", QIcon(":/icons/zelvanor.svg")));
+  Window->setMinimumSize(LeastWidth, LeastHeight);
+  GiveFirstSize(Window.get());
+  // The program lays its controls out before the window is shown: it is given the size that the window will have.
+  const QSize Inner = Window->size() - QSize(0, Window->menuBar()->sizeHint().height());
+  Main.frmNMR.Width = TwipsFromPixels(Inner.width());
+  Main.frmNMR.Height = TwipsFromPixels(Inner.height());
+  Bind(Main.frmNMR, Window.get(), [Shown = Window.get()](Property What) { ShowForm(Shown, What); });
+  InstallKeyFilter(Window.get(), Main.frmNMR);
+  AddHelpKey(Window.get(), Main.frmNMR);
+  return Window;
+}
+
+QWidget* TopWindow() {
+  if (QWidget* Dialog = QApplication::activeModalWidget()) return Dialog;
+  QWidget* Window = WidgetOf(Main.frmNMR);
+  return Window != nullptr && Window->isVisible() ? Window : nullptr;
+}
+
+}  // namespace zelvanor
