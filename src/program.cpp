@@ -9,6 +9,7 @@
 #include "basic/NumberText.h"
 #include "files/FileCommands.h"
 #include "files/ZMatrixImport.h"
+#include "history/History.h"
 #include "host/GetCommand.h"
 #include "molecule/AtomSelection.h"
 #include "molecule/MoleculeView.h"
@@ -74,6 +75,8 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuStartLog, mnuStartLog_Click},
     {&MainForm::mnuStopLog, mnuStopLog_Click},
     {&MainForm::mnuEditCalculateTypes, mnuEditCalculateTypes_Click},
+    {&MainForm::mnuUndo, mnuUndo_Click},
+    {&MainForm::mnuRedo, mnuRedo_Click},
     {&MainForm::mnuViewMolecule, mnuViewMolecule_Click},
     {&MainForm::mnuViewShielding, mnuViewShielding_Click},
     {&MainForm::mnuViewCoupling, mnuViewCoupling_Click},
@@ -112,8 +115,77 @@ void Form_Unload() {
   EndProgram();
 }
 
+// What undoing a command takes back, where its caption does not say it well; empty: it is no step by itself.
+struct StepName {
+  MenuItem MainForm::*Item;
+  const char* Name;
+};
+
+constexpr StepName StepNames[] = {
+    {&MainForm::mnuFileNew, "clearing the workspace"},
+    {&MainForm::mnuFileOpen, "opening a file"},
+    {&MainForm::mnuFileGet, "getting a system"},
+    {&MainForm::mnuFileExit, ""},
+    {&MainForm::mnuReplace, "replacing a table entry"},
+    {&MainForm::mnuEditCalculateTypes, "recalculating atom types"},
+    {&MainForm::mnuUndo, ""},
+    {&MainForm::mnuRedo, ""},
+    {&MainForm::mnuSetupNMRParam, "setting up shielding and coupling"},
+    {&MainForm::mnuSetupNMRSpect, "setting up the spectrum"},
+    {&MainForm::mnuSetupReferenceShielding, "setting reference shieldings"},
+    {&MainForm::mnuComputeNMR, "computing shieldings and couplings"},
+    {&MainForm::mnuComputeSpectra, "computing the spectrum"},
+    {&MainForm::mnuComputeAll, "computing both stages"},
+};
+
+Text StepNameOf(const MenuItem& Item) {
+  for (const StepName& Row : StepNames) {
+    if (&(Main.*Row.Item) == &Item) return Row.Name;
+  }
+  Text Name;
+  for (const char Letter : Item.Caption) {
+    if (Letter != '&' && Letter != '.') Name += Letter;
+  }
+  return Name;
+}
+
+void ConnectMenu() {
+  for (const MenuHandler& Row : MenuHandlers) {
+    MenuItem& Item = Main.*Row.Item;
+    const Text Name = StepNameOf(Item);
+    Item.Click = Row.Click;
+    if (!Name.empty()) Item.Click = [Name, Work = Row.Click] { RunRecorded(Name, Work); };
+  }
+}
+
+void ShieldTable_Record(const Event& Work) {
+  RunRecorded(W.ViewMode == CouplingView ? "typing a coupling" : "typing a shielding", Work);
+}
+
+void ConnectTable() {
+  Main.ShieldTable.AccessibleName = "Table of results";
+  Main.ShieldTable.KeyPress = [](int& KeyAscii) {
+    // Only a key behind a number that is being typed stores it.
+    if (!IsSet(TableEditing.EditActive)) return ShieldTable_KeyPress(KeyAscii);
+    ShieldTable_Record([&KeyAscii] { ShieldTable_KeyPress(KeyAscii); });
+  };
+  Main.ShieldTable.RowColChange = [] {
+    if (IsSet(TableEditing.EditActive)) ShieldTable_Record(ShieldTable_RowColChange);
+  };
+  Main.ShieldTable.SelChange = ShieldTable_SelChange;
+}
+
+// Undo and redo have put another document in place.
+void ShowRestored(bool NewPeaks) {
+  TableEditing.EditFirstKey = True;
+  TableEditing.EditActive = False;
+  IgnoreFailure(Rooms.UpdateAtomLabels);
+  if (NewPeaks && IsSet(W.SpectraAvailable)) TakeOpenedSpectrum();
+}
+
 void ConnectMainForm() {
-  for (const MenuHandler& Row : MenuHandlers) (Main.*Row.Item).Click = Row.Click;
+  ConnectMenu();
+  ConnectTable();
   for (int Index = 0; Index < NumToolButtons; ++Index) {
     Main.picToolbar[Index].Click = [Index] { picToolbar_Click(Index); };
     Main.picToolbar[Index].MouseDown = [Index] { picToolbar_MouseDown(Index); };
@@ -124,14 +196,10 @@ void ConnectMainForm() {
   Main.frmNMR.Resize = Form_Resize;
   Main.frmNMR.KeyDown = Form_KeyDown;
   Main.HScroll1.Change = HScroll1_Change;
-  Main.HScroll2.Change = HScroll2_Change;
+  Main.HScroll2.Change = [] { RunRecorded("changing the line width", HScroll2_Change, true); };
   Main.Spectrum1.MouseDown = Spectrum1_MouseDown;
   Main.Spectrum1.MouseMove = Spectrum1_MouseMove;
   Main.Spectrum1.MouseUp = Spectrum1_MouseUp;
-  Main.ShieldTable.AccessibleName = "Table of results";
-  Main.ShieldTable.KeyPress = ShieldTable_KeyPress;
-  Main.ShieldTable.RowColChange = ShieldTable_RowColChange;
-  Main.ShieldTable.SelChange = ShieldTable_SelChange;
   Main.MolRender1.AccessibleName = "Molecule";
   Main.MolRender1.MouseDown = MolRender1_MouseDown;
   Main.MolRender1.MouseMove = MolRender1_MouseMove;
@@ -172,6 +240,8 @@ void ConnectRooms() {
     TakeSystem();
     UpdateAtomLabels(Main.MolRender1);
   };
+  Rooms.ShowRestored = ShowRestored;
+  HistoryChanged = UpdateUndoCommands;
   Rooms.ShowSpectrumView = ShowSpectrumView;
   Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
   Rooms.TakeOpenedSpectrum = [] {

@@ -1,3 +1,4 @@
+#include "history/History.h"
 #include "Support.h"
 
 #include <sys/stat.h>
@@ -103,6 +104,7 @@ void ResetProgram() {
   Workspace.NumReferenceElements = NumReferenceEntries - 1;
   Workspace.ViewMode = MoleculeView;
   InitSpectrumView();
+  ForgetHistory();
   StatusSink = [](TextView Value) {
     Shown().Statuses.emplace_back(Value);
     SetStatus(Main.StatusBar, Value);

@@ -65,6 +65,8 @@ class Array {
   std::span<T> Span() { return Stored; }
   std::span<const T> Span() const { return Stored; }
 
+  friend bool operator==(const Array&, const Array&) = default;
+
  private:
   std::size_t Check(int Index) const {
     const auto Place = static_cast<std::size_t>(Index);
@@ -99,6 +101,9 @@ class Array2 {
   std::span<T> Row(int Row) { return std::span<T>(Stored).subspan(Check(Row, 0), Columns); }
   std::span<const T> Row(int Row) const { return std::span<const T>(Stored).subspan(Check(Row, 0), Columns); }
   std::span<T> Span() { return Stored; }
+  std::span<const T> Span() const { return Stored; }
+
+  friend bool operator==(const Array2&, const Array2&) = default;
 
  private:
   std::size_t Check(int Row, int Column) const {

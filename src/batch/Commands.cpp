@@ -151,6 +151,12 @@ void Echo(const Words& All) {
   PrintOut(Line);
 }
 
+// One step of the history, which a form or a command that works keeps as it is.
+void GoStep(Text (*Way)(), const char* Done, const char* Nothing) {
+  const Text Name = ModalForms().empty() ? Way() : Text();
+  PrintOut(Name.empty() ? Text(Nothing) : Done + Escaped(Name));
+}
+
 std::map<Text, CommandRow>& Commands() {
   static std::map<Text, CommandRow> Rows = {
       {"start", {Start, 0, false}},
@@ -189,6 +195,8 @@ std::map<Text, CommandRow>& Commands() {
       {"view", {[](const Words& All) { WriteView(All[1].Value); }, 1, true}},
       {"chart", {[](const Words& All) { pictures::WriteChartPicture(All[1].Value); }, 1, true}},
       {"save", {[](const Words& All) { SavePeaks(All[1].Value); }, 1, true}},
+      {"undo", {[](const Words&) { GoStep(GoBack, "undone ", "nothing to undo"); }, 0, true}},
+      {"redo", {[](const Words&) { GoStep(GoForward, "redone ", "nothing to redo"); }, 0, true}},
       {"wait", {Wait, 1, false}},
       {"echo", {Echo, 0, false}},
   };

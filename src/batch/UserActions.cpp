@@ -272,8 +272,8 @@ void MouseAt(Control& Target, const MouseMotion& Motion) {
 // A key that no KeyDown has taken may be a menu item's.
 void PressMainKey(int KeyCode, int Shift) {
   if (Main.frmNMR.KeyDown) Main.frmNMR.KeyDown(KeyCode, Shift);
-  if (Shift != CtrlKey || KeyCode < 'A' || KeyCode > 'Z') return;
-  const Text Shortcut = Text("Ctrl+") + static_cast<char>(KeyCode);
+  if ((Shift & CtrlKey) == 0 || KeyCode < 'A' || KeyCode > 'Z') return;
+  const Text Shortcut = Text((Shift & ShiftKey) != 0 ? "Ctrl+Shift+" : "Ctrl+") + static_cast<char>(KeyCode);
   for (Control* Item : Main.frmNMR.Controls) {
     if (Item->Kind != ControlKind::MenuItem || static_cast<MenuItem*>(Item)->Shortcut != Shortcut) continue;
     if (IsReachable(*Item)) Fire(static_cast<MenuItem*>(Item)->Click);

@@ -6,6 +6,7 @@
 #include "files/DocumentFormat.h"
 #include "files/HostText.h"
 #include "files/OptionLines.h"
+#include "history/History.h"
 #include "platform/EndSignals.h"
 #include "platform/TextFiles.h"
 #include "shell/Frame.h"
@@ -125,6 +126,7 @@ Flag OpenAndWrite(const Text& Path) {
       CloseFile(LineWork.FileNumber);
       if (Kept) DropFormerContent(Path);
       W.DocumentDirty = False;
+      NoteSaved();
       return True;
     }
   } catch (const Failure&) {

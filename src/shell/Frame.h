@@ -17,6 +17,7 @@ struct FrameRooms {
   std::function<void()> OpenZMatrix;              // reads the file of ZMatrixPath into the atom table
   std::function<void()> UpdateAtomLabels;         // of the molecule view, for the present atom table
   std::function<void()> TakeOpenedSpectrum;       // a document that holds a spectrum has been opened
+  std::function<void(bool NewPeaks)> ShowRestored;  // undo or redo has put another document in place
   std::function<void()> FitMolecule;              // to the surface
   std::function<void(int Degrees)> TurnMolecule;  // about z
   std::function<void()> LinesCommand;             // the three display commands of the spectrum menu
@@ -59,6 +60,14 @@ void PlaceSpectrum();
 
 // Keys that the molecule view takes; in the other views every key passes.
 void Form_KeyDown(int& KeyCode, int Shift);
+
+// Undo and redo: their captions name the next step. Each goes one step and draws what it has brought back; its name, or
+// empty where there is none to go.
+void UpdateUndoCommands();
+Text GoBack();
+Text GoForward();
+void mnuUndo_Click();
+void mnuRedo_Click();
 
 // Commands of the frame itself.
 void mnuViewMolecule_Click();

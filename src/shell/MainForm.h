@@ -51,6 +51,9 @@ struct MainForm {
   MenuItem mnuReplace{&frmNMR, "mnuReplace"};
   MenuItem mnuEditFill2{&frmNMR, "mnuEditFill2"};
   MenuItem mnuEditCalculateTypes{&frmNMR, "mnuEditCalculateTypes"};
+  MenuItem mnuEditFill3{&frmNMR, "mnuEditFill3"};
+  MenuItem mnuUndo{&frmNMR, "mnuUndo"};
+  MenuItem mnuRedo{&frmNMR, "mnuRedo"};
   MenuItem mnuView{&frmNMR, "mnuView"};
   MenuItem mnuViewMolecule{&frmNMR, "mnuViewMolecule"};
   MenuItem mnuViewFill1{&frmNMR, "mnuViewFill1"};

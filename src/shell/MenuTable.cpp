@@ -46,6 +46,9 @@ constexpr std::array Rows = {
     Fill(&M::mnuEdit, &M::mnuEditFill2),
     Disabled(Below(&M::mnuEdit, &M::mnuEditCalculateTypes, "Recalculate &Atom Types", "",
                    "Calculate the atom types for the current molecular system.")),
+    Fill(&M::mnuEdit, &M::mnuEditFill3),
+    Disabled(Below(&M::mnuEdit, &M::mnuUndo, "&Undo", "Ctrl+Z", "Take back the last change of the document.")),
+    Disabled(Below(&M::mnuEdit, &M::mnuRedo, "Re&do", "Ctrl+Shift+Z", "Make the change again that was taken back.")),
 
     Top(&M::mnuView, "&View", "Change the contents of the workspace."),
     Disabled(Below(&M::mnuView, &M::mnuViewMolecule, "&Molecule", "", "Display molecules.")),

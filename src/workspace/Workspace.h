@@ -130,6 +130,8 @@ struct WorkspaceState {
   Array<FixedText<HostLineLength>> HostTextLine;  // 0..HostTextLineCount: the system in the host text format
   Long HostTextLineCount = 0;
   Text HostViewText;
+
+  friend bool operator==(const WorkspaceState&, const WorkspaceState&) = default;
 };
 
 extern WorkspaceState Workspace;
