@@ -1,5 +1,3 @@
-#include <set>
-
 #include "Support.h"
 #include "atomsets/AtomSets.h"
 #include "platform/Form.h"
@@ -196,12 +194,6 @@ TEST_F(SetupTest, StacksModalForms) {
   EXPECT_TRUE(EndsProgram([&] { ShowModal(Inner); }));
   EXPECT_TRUE(ModalForms().empty());
   Inner.Activate = Outer.Activate = Outer.Load = {};
-}
-
-// Every control of a dialog has its place in the arrangement, once; and it says what it is.
-void Collect(const Arrangement& Part, std::multiset<const Control*>& Placed) {
-  if (Part.Item != nullptr) Placed.insert(Part.Item);
-  for (const Arrangement& Each : Part.Parts) Collect(Each, Placed);
 }
 
 }  // namespace
