@@ -11,8 +11,6 @@ WorkspaceState& W = Workspace;
 
 class FrameTest : public ProgramTest {};
 
-MenuItem& ItemOf(const MenuRow& Row) { return Main.*Row.Item; }
-
 MenuItem& Named(const Text& Name) {
   Control* Found = FindControl(Name);
   EXPECT_TRUE(Found != nullptr && Found->Kind == ControlKind::MenuItem) << Name;

@@ -60,11 +60,6 @@ class HostTest : public ProgramTest {
   int FailAt = 0;
 };
 
-Texts operator+(Texts Left, const Texts& Right) {
-  Left.insert(Left.end(), Right.begin(), Right.end());
-  return Left;
-}
-
 TEST_F(HostTest, AFailureInTheTransferLeavesTheDocument) {
   UseSystem(TwoMolecules, {{"nmr-atoms", {{1, 2}}}});
   Host.Method = "mm+";
