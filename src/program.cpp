@@ -10,6 +10,7 @@
 #include "files/FileCommands.h"
 #include "files/ZMatrixImport.h"
 #include "history/History.h"
+#include "history/Recovery.h"
 #include "host/GetCommand.h"
 #include "molecule/AtomSelection.h"
 #include "molecule/MoleculeView.h"
@@ -108,6 +109,7 @@ void Form_QueryUnload(Flag& Cancel) {
 
 void Form_Unload() {
   WriteSettings();
+  DropKeptWork();
   PrepareTypeRules(TypingTime::Shutdown);
   for (Form* Window : AllForms()) {
     if (Window != &Main.frmNMR) HideForm(*Window);

@@ -3,9 +3,13 @@
 #include "backend/ParamInput.h"
 #include "backend/Results.h"
 #include "backend/SpectInput.h"
+#include "history/History.h"
+#include "history/Recovery.h"
+#include "platform/Paths.h"
 #include "platform/TextFiles.h"
 #include "settings/SettingsState.h"
 #include "shell/Frame.h"
+#include "shell/Progress.h"
 #include "spectrum/SpectrumDrawing.h"
 #include "spectrum/SpectrumScale.h"
 #include "workspace/Helpers.h"
@@ -31,6 +35,9 @@ const char* ComputedItem() {
   return W.CalculateCoupling == -1.0F ? "shielding and coupling constants" : "shielding constants";
 }
 
+// The user has given the calculation up.
+struct RunCancelled {};
+
 // Starts a stage and waits for it. Purpose stands in the message behind the program's name. False when it can't start.
 bool RunBackend(TextView Stage, const char* Purpose) {
   Long Process = 0;
@@ -40,7 +47,7 @@ bool RunBackend(TextView Stage, const char* Purpose) {
     ShowError(Join("Unable to run the backend: ", "<", Settings.CalcExeFile, Purpose, Problem.What, "."));
     return false;
   }
-  WaitForBackend(Process);
+  if (!WaitForBackend(Process)) throw RunCancelled();
   return true;
 }
 
@@ -87,6 +94,24 @@ void EnterBusy() {
 void LeaveBusy() {
   W.IsBusy = False;
   SetBusy(True);
+}
+
+// Runs a command's work in the busy state. One that is given up leaves the document as it was before: then the result
+// is false.
+bool RunBusy(const std::function<void()>& Work) {
+  const Trial Before = BeginTrial();
+  KeepWork();
+  bool Done = true;
+  EnterBusy();
+  try {
+    Work();
+  } catch (const RunCancelled&) {
+    TakeBack(Before);
+    ShowStatus("Calculation was cancelled.");
+    Done = false;
+  }
+  LeaveBusy();
+  return Done;
 }
 
 void SetStage1Results(Flag Available) { W.ShieldingAvailable = W.CouplingAvailable = Available; }
@@ -157,45 +182,51 @@ Flag EmptyResultFile(const Text& Path) {
   }
 }
 
-void WaitForBackend(Long ProcessId) {
+bool WaitForBackend(Long ProcessId) {
   const Long Handle = Platform.OpenProcess(ProcessId);
+  bool Stopped = false;
+  BeginProgress(Settings.NMRIniPath + PathSeparator + "nmrprogress.out");
   for (;;) {
     Platform.DoEvents();
     const ProcessStatus Status = Platform.GetExitCodeProcess(Handle);
-    if (!Status.Known || Status.ExitCode != StillActive) return;
+    if (!Status.Known || Status.ExitCode != StillActive) break;
+    FollowProgress();
+    if (!Progress.CancelAsked || Stopped) continue;
+    Platform.StopProcess(Handle);
+    Stopped = true;
   }
+  EndProgress();
+  return !Stopped;
 }
 
 void mnuComputeNMR_Click() {
   if (W.NumNMRAtoms == 0) return ShowError(NoNuclearSpins);
-  EnterBusy();
-  const bool Success = RunStage1("> ");
-  if (Success) ShowStatus("Calculation has completed.");
-  SetFlagsAfterStage1(Success);
-  LeaveBusy();
+  RunBusy([] {
+    const bool Success = RunStage1("> ");
+    if (Success) ShowStatus("Calculation has completed.");
+    SetFlagsAfterStage1(Success);
+  });
   RefreshView();
 }
 
 void mnuComputeSpectra_Click() {
-  EnterBusy();
-  SetFlagsAfterStage2(RunStage2("> "));
-  LeaveBusy();
-  IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
+  const bool Done = RunBusy([] { SetFlagsAfterStage2(RunStage2("> ")); });
+  if (Done) IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
   RefreshView();
 }
 
 void mnuComputeAll_Click() {
   if (W.NumNMRAtoms == 0) return ShowError(NoNuclearSpins);
   if (!AcceptOptions()) return;
-  EnterBusy();
-  int DoneStages = 0;
-  if (RunStage1("> for computing the NMR shielding and/or coupling constants. ")) {
-    DoneStages = 1;
-    if (RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
-  }
-  SetFlagsAfterBoth(DoneStages);
-  LeaveBusy();
-  IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
+  const bool Done = RunBusy([] {
+    int DoneStages = 0;
+    if (RunStage1("> for computing the NMR shielding and/or coupling constants. ")) {
+      DoneStages = 1;
+      if (RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
+    }
+    SetFlagsAfterBoth(DoneStages);
+  });
+  if (Done) IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
   RefreshView();
 }
 

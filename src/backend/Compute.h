@@ -12,8 +12,8 @@ void mnuComputeAll_Click();
 
 // Makes the file exist and be empty, so that no earlier result is taken for a new one. Reports its failure.
 Flag EmptyResultFile(const Text& Path);
-// Blocks the command, not the window, until the process has ended, in whatever way.
-void WaitForBackend(Long ProcessId);
+// Blocks the command, not the window, until the process has ended, in whatever way. False: the user has given it up.
+bool WaitForBackend(Long ProcessId);
 // The command line of a stage, "1" or "2"; it ends in a blank when no log runs.
 Text BackendCommandLine(TextView Stage);
 

@@ -9,10 +9,14 @@
 #include "batch/Expect.h"
 #include "batch/HostCommands.h"
 #include "batch/UserActions.h"
+#include "files/FileCommands.h"
+#include "history/History.h"
+#include "history/Recovery.h"
 #include "pictures/ViewPictures.h"
 #include "platform/Grid.h"
 #include "program.h"
 #include "shell/Frame.h"
+#include "shell/Progress.h"
 
 namespace zelvanor::batch {
 
@@ -157,6 +161,13 @@ void GoStep(Text (*Way)(), const char* Done, const char* Nothing) {
   PrintOut(Name.empty() ? Text(Nothing) : Done + Escaped(Name));
 }
 
+void Recover(const Words& /*All*/) {
+  const std::optional<LeftWork> Left = FindLeftWork();
+  bool Taken = false;
+  if (Left) RunRecorded("taking over kept work", [&] { Taken = TakeLeftWork(*Left); });
+  PrintOut(Taken ? "recovered " + Escaped(Left->DocumentTitle) : Text("nothing to recover"));
+}
+
 std::map<Text, CommandRow>& Commands() {
   static std::map<Text, CommandRow> Rows = {
       {"start", {Start, 0, false}},
@@ -197,6 +208,8 @@ std::map<Text, CommandRow>& Commands() {
       {"save", {[](const Words& All) { SavePeaks(All[1].Value); }, 1, true}},
       {"undo", {[](const Words&) { GoStep(GoBack, "undone ", "nothing to undo"); }, 0, true}},
       {"redo", {[](const Words&) { GoStep(GoForward, "redone ", "nothing to redo"); }, 0, true}},
+      {"cancel", {[](const Words&) { Progress.Runs ? AskCancel() : AskCancelLater(); }, 0, true}},
+      {"recover", {Recover, 0, true}},
       {"wait", {Wait, 1, false}},
       {"echo", {Echo, 0, false}},
   };

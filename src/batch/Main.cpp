@@ -5,6 +5,8 @@
 #include <iostream>
 
 #include "batch/Batch.h"
+#include "files/DocumentWriter.h"
+#include "history/Recovery.h"
 #include "platform/posix/PosixServices.h"
 #include "program.h"
 
@@ -27,6 +29,7 @@ int main(int Count, char** Words) {
   UsePosixServices();
   batch::UseBatchServices();
   BuildProgram();
+  UseRecovery(WriteCopy);
 
   batch::ExitStatus Status = batch::RanToItsEnd;
   if (Text(Words[1]) == "--commands") {
@@ -42,6 +45,7 @@ int main(int Count, char** Words) {
     Script.clear();
     Status = batch::RunWholeScript(Script, CommandLine);
   }
+  DropKeptWork();
   std::fflush(nullptr);
   // The document, its results and the recorded picture need not be taken apart piece by piece.
   _exit(Status);

@@ -7,6 +7,7 @@
 #include "basic/NumberText.h"
 #include "basic/TextTools.h"
 #include "batch/Batch.h"
+#include "history/Recovery.h"
 
 namespace zelvanor::batch {
 
@@ -85,6 +86,7 @@ void RunLine(TextView Line) {
     State.Ended = true;
     PrintOut("ended");
   }
+  KeepWorkAtTimes();
   if (State.AfterLine) State.AfterLine();
 }
 

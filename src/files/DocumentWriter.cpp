@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <span>
+#include <utility>
 
 #include "files/DocumentFormat.h"
 #include "files/HostText.h"
@@ -215,6 +216,23 @@ Flag WriteDocument(const Text& Path) {
   SetBusy(True);
   RefreshView();
   return Result;
+}
+
+bool WriteCopy(const Text& Path) {
+  const auto ShowBox = std::exchange(Platform.ShowBox, [](const MessageBox&) { return BoxAnswer::Ok; });
+  const Integer Former = std::exchange(LineWork.FileNumber, FreeFile());
+  bool Written = false;
+  try {
+    OpenForOutput(Path, LineWork.FileNumber);
+    Written = WriteOpenDocument(Path);
+    CloseFile(LineWork.FileNumber);
+  } catch (const Failure&) {
+    Written = false;
+    CloseFileQuietly(LineWork.FileNumber);
+  }
+  LineWork.FileNumber = Former;
+  Platform.ShowBox = ShowBox;
+  return Written;
 }
 
 }  // namespace zelvanor

@@ -9,6 +9,10 @@ namespace zelvanor {
 // it replaces is kept beside it (same name with "~") until the new one is whole on the disk.
 Flag WriteDocument(const Text& Path);
 
+// Writes a second copy of it elsewhere: nothing is shown, and the document counts as saved or not as before. False: it
+// could not be written.
+bool WriteCopy(const Text& Path);
+
 // The pieces of it. Each writes to the open file and reports its failure; Path is not looked at.
 Flag WriteSelections(const Text& Path, Integer FileNumber);
 Flag WriteNMRAtomicNumbers(const Text& Path, Integer FileNumber);

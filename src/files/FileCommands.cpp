@@ -247,6 +247,26 @@ void mnuFileOpen_Click() {
   RefreshView();
 }
 
+bool TakeLeftWork(const LeftWork& Left) {
+  if (QuerySave() != False) return false;
+  W.IsBusy = True;
+  SetBusy(False);
+  IgnoreFailure([&] { OpenFile(Left.File); });
+  LeaveBusy();
+  W.DocumentTitle = Left.DocumentTitle;
+  W.DocumentPath = Left.DocumentPath;
+  W.HostTextPath = Left.HostTextPath;
+  W.ZMatrixPath = Left.ZMatrixPath;
+  W.DocumentDirty = True;
+  UpdateTitle();
+  W.ViewMode = FirstViewWithContent();
+  if (IsSet(W.SpectraAvailable)) Fire(Rooms.TakeOpenedSpectrum);
+  RefreshView();
+  KeepWork();
+  if (AnythingRead()) DropLeftWork(Left);
+  return true;
+}
+
 void mnuFileSave_Click() {
   if (W.DocumentTitle.empty() || W.DocumentPath.empty()) {
     mnuFileSaveAs_Click();

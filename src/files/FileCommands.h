@@ -1,6 +1,7 @@
 #pragma once
 
 #include "basic/Types.h"
+#include "history/Recovery.h"
 
 namespace zelvanor {
 
@@ -22,5 +23,9 @@ void mnuFileNew_Click();
 void mnuFileOpen_Click();
 void mnuFileSave_Click();
 void mnuFileSaveAs_Click();
+
+// Takes over work that a run has left behind, unsaved and under its former names; the question about unsaved work comes
+// first. What was left stays until this run keeps it. False: there is none, or the user keeps the present document.
+bool TakeLeftWork(const LeftWork& Left);
 
 }  // namespace zelvanor

@@ -90,6 +90,7 @@ struct PlatformServices {
   std::function<Long(const Text& CommandLine)> Shell;  // starts a process; its id; throws a Failure
   std::function<Long(Long ProcessId)> OpenProcess;     // a handle, 0 for none
   std::function<ProcessStatus(Long Handle)> GetExitCodeProcess;
+  std::function<void(Long Handle)> StopProcess;  // with all that it has started; its end is still to be waited for
 
   HostConversation Host;
 };

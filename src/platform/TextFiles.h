@@ -39,6 +39,9 @@ void CloseFile(Integer FileNumber);
 // The same where a failure has been met already: no further one is reported.
 void CloseFileQuietly(Integer FileNumber);
 
+// Nothing where there is none, or it can't be removed.
+void RemoveFile(const Text& Path);
+
 // Why the file can't be read; empty when it can.
 Text WhyUnreadable(const Text& Path);
 // Whether something that is no folder can be opened there for reading.

@@ -1,7 +1,12 @@
 #include <QApplication>
 #include <QFileInfo>
+#include <QTimer>
 #include <clocale>
 
+#include "files/DocumentWriter.h"
+#include "files/FileCommands.h"
+#include "history/History.h"
+#include "history/Recovery.h"
 #include "platform/posix/PosixServices.h"
 #include "program.h"
 #include "qt/Dispatch.h"
@@ -12,11 +17,13 @@
 #include "qt/frame/OpenFiles.h"
 #include "qt/frame/QtServices.h"
 #include "qt/frame/Remembered.h"
+#include "workspace/Helpers.h"
 
 namespace {
 
 using namespace zelvanor;
 
+constexpr int TimesMilliseconds = 5000;
 constexpr const char* HostWord = "MORVANTIS";
 
 Text JoinWords(int NumWords, char** Words) {
@@ -37,6 +44,25 @@ Text FindFileWord(int NumWords, char** Words) {
   return {};
 }
 
+// Work of a run that did not end; who neither takes nor drops it is asked again at the next start.
+void OfferLeftWork() {
+  UseRecovery(WriteCopy);
+  Dispatch([] {
+    const std::optional<LeftWork> Left = FindLeftWork();
+    if (!Left) return;
+    const Text Name = Left->DocumentTitle.empty() ? Text("(untitled)") : Left->DocumentTitle;
+    switch (AskYesNoCancel(Join("Zelvanor did not come to its end last time. Take over the unsaved work on ", Name,
+                                "?\r\rNo drops it, Cancel keeps it for the next start."))) {
+      case BoxAnswer::Yes:
+        return RunRecorded("taking over kept work", [&] { TakeLeftWork(*Left); });
+      case BoxAnswer::No:
+        return DropLeftWork(*Left);
+      default:
+        return;
+    }
+  });
+}
+
 int Run(const Text& CommandLine, const Text& Document) {
   UseQtServices();
   UseHostLink();
@@ -45,7 +71,13 @@ int Run(const Text& CommandLine, const Text& Document) {
   Dispatch([&] { Form_Load(CommandLine); });
   if (ProgramHasEnded()) return 0;
   if (!Window->isVisible()) return 1;  // a failure has been shown, and there is nothing to go on with
-  OpenDocument(Document);
+  OfferLeftWork();
+  if (!ProgramHasEnded()) OpenDocument(Document);
+  QTimer Times;
+  QObject::connect(&Times, &QTimer::timeout, [] {
+    if (!CommandsPause()) KeepWorkAtTimes();
+  });
+  Times.start(TimesMilliseconds);
   const int Code = ProgramHasEnded() ? 0 : QApplication::exec();
   RememberGeometry(*Window);
   return Code;

@@ -70,6 +70,7 @@ void UsePosixServices() {
   Platform.Shell = StartProcess;
   Platform.OpenProcess = OpenStartedProcess;
   Platform.GetExitCodeProcess = QueryProcess;
+  Platform.StopProcess = StopProcess;
   Platform.Host.Open = [](const Text&) { throw Failure("No application answers", NoApplicationAnswers); };
   Platform.Host.Close = [] {};
   Platform.Host.Execute = [](const Text&) { throw Failure("No conversation is open"); };

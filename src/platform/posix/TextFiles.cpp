@@ -318,4 +318,6 @@ void DropFormerContent(const Text& Path) {
   unlink(FormerPath(Path).c_str());
 }
 
+void RemoveFile(const Text& Path) { unlink(Path.c_str()); }
+
 }  // namespace zelvanor

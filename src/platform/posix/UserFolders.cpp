@@ -42,6 +42,8 @@ Text ConfigFolder() { return BaseFolder("XDG_CONFIG_HOME", "/.config"); }
 
 Text DataFolder() { return BaseFolder("XDG_DATA_HOME", "/.local/share"); }
 
+Text StateFolder() { return BaseFolder("XDG_STATE_HOME", "/.local/state"); }
+
 Text OwnWinIni() {
   const Text Folder = ConfigFolder();
   return Folder.empty() ? Folder : Folder + WinIniInFolder;

@@ -13,6 +13,7 @@ Text Environment(const char* Name);
 // Without a separator at the end; empty where the user has no home at all.
 Text ConfigFolder();  // settings of all programs
 Text DataFolder();    // their data
+Text StateFolder();   // what they keep between sessions and a user would not miss
 
 // The user's own win.ini, whether it is there or not.
 Text OwnWinIni();

@@ -1,10 +1,14 @@
 #include "qt/controls/Boxes.h"
 
+#include <QCheckBox>
 #include <QColorDialog>
+#include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QWindow>
 #include <utility>
 
 #include "qt/Dispatch.h"
@@ -14,6 +18,7 @@
 #include "qt/frame/Remembered.h"
 #include "qt/help/HelpWindow.h"
 #include "shell/HelpTopics.h"
+#include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -105,10 +110,32 @@ QString Shortened(const QString& Message) {
   return Message.size() <= Longest ? Message : Message.left(Longest) + QString::fromUtf8(" \u2026");
 }
 
+constexpr const char* NoHost = "No running Morvantis.";
+
+// Who works without the host need not be told at each start.
+bool MayBeSilent(const MessageBox& Box) { return Box.Message.ends_with(NoHost); }
+
+// A box stands in the middle of its window only once the desktop has given the window its place.
+void WaitForPlace(const QWidget* Window) {
+  constexpr int Longest = 1000;  // milliseconds
+  constexpr int Rest = 10;
+  if (Window == nullptr || Window->windowHandle() == nullptr) return;
+  QElapsedTimer Waited;
+  Waited.start();
+  while (!Window->windowHandle()->isExposed() && Waited.elapsed() < Longest) {
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, Rest);
+  }
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
 }  // namespace
 
 BoxAnswer ShowMessageBox(const MessageBox& Box) {
   const ButtonsRow& Row = RowOf(Box.Buttons);
+  if (MayBeSilent(Box) && RememberedHostSilence()) {
+    ShowStatus(NoHost);
+    return AnswerOf(Row.Escape, Row);
+  }
   QMessageBox Shown(IconOf(Box.Kind), ToQt(Box.Title), Shortened(ToQtLines(Box.Message)), Row.Shown, TopWindow());
   Shown.setTextFormat(Qt::PlainText);
   Shown.setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -117,8 +144,11 @@ BoxAnswer ShowMessageBox(const MessageBox& Box) {
   Shown.setWindowModality(Qt::WindowModal);  // the manual stays open to use
   AddHelpKey(&Shown, MessagesHelp);
   if (AfterDispatch) AfterDispatch();  // what stands behind the box is up to date
+  if (MayBeSilent(Box)) Shown.setCheckBox(new QCheckBox("Do not show this again", &Shown));
+  WaitForPlace(Shown.parentWidget());
   const PlainPointer Pointer;
   const int Pressed = Shown.exec();
+  if (Shown.checkBox() != nullptr && Shown.checkBox()->isChecked()) RememberHostSilence(true);
   PassEnd();
   return AnswerOf(Pressed, Row);
 }

@@ -1,6 +1,7 @@
 #include "qt/controls/FormBuilder.h"
 
 #include <QBoxLayout>
+#include <QCheckBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -9,6 +10,7 @@
 #include "qt/TextConversion.h"
 #include "qt/controls/ControlWidgets.h"
 #include "qt/controls/FormDialog.h"
+#include "qt/frame/Remembered.h"
 
 namespace zelvanor {
 
@@ -105,6 +107,15 @@ Arrangement PlainLayout(const Form& Target) {
   return Column;
 }
 
+// What the window itself can be told about its boxes, above the buttons of the preferences.
+void AddWindowPreferences(const Form& Target, QVBoxLayout* Outer) {
+  if (Target.Name != "frmPreference") return;
+  auto* Box = new QCheckBox("Say so in a box when no Morvantis is running");
+  Box->setChecked(!RememberedHostSilence());
+  QObject::connect(Box, &QCheckBox::toggled, Box, [](bool Told) { RememberHostSilence(!Told); });
+  Outer->insertWidget(Outer->count() - 1, Box);
+}
+
 bool IsEmpty(const Arrangement& Layout) { return Layout.Is == Shape::Stretch; }
 
 // Forms that hold something that can use more room may be resized.
@@ -146,6 +157,7 @@ QDialog* DialogOf(Form& Target, QWidget* Parent) {
   } else {
     AddPart(Outer, Layout, Dialog);
   }
+  AddWindowPreferences(Target, Outer);
   SetTabOrder(Target);
   TieLabels(Target);
   Dialog->BindForm(CanUseRoom(Target));

@@ -10,6 +10,7 @@
 
 #include "qt/Dispatch.h"
 #include "shell/MainForm.h"
+#include "shell/Progress.h"
 
 namespace zelvanor {
 
@@ -31,6 +32,10 @@ bool KeysPause(const Form& Target) { return &Target == &Main.frmNMR && CommandsP
 
 // True when the form has taken the key.
 bool OfferKey(const Form& Target, const QKeyEvent& Key) {
+  if (&Target == &Main.frmNMR && Progress.Runs && Key.key() == Qt::Key_Escape) {
+    AskCancel();
+    return true;
+  }
   int Code = KeyCodeOf(Key.key());
   if (Code == 0 || !Target.KeyDown || KeysPause(Target)) return false;
   const Qt::KeyboardModifiers Held = Key.modifiers();

@@ -5,6 +5,7 @@
 #include <QDragEnterEvent>
 #include <QIcon>
 #include <QLabel>
+#include <QMessageBox>
 #include <QScreen>
 #include <QStyle>
 #include <QTimer>
@@ -22,6 +23,8 @@
 #include "qt/help/HelpWindow.h"
 #include "qt/views/WorkHint.h"
 #include "shell/MainForm.h"
+#include "shell/Progress.h"
+#include "workspace/Helpers.h"
 
 // The icons; a library has to ask for them, and outside every namespace.
 static void LoadIcons() { Q_INIT_RESOURCE(zelvanor); }
@@ -31,8 +34,10 @@ namespace zelvanor {
 namespace {
 
 constexpr int SettleMilliseconds = 60;
-constexpr int FirstWidth = 900;
-constexpr int FirstHeight = 640;
+// The first size of the window: a share of the screen, but no larger than is easy to look over.
+constexpr Double FirstShare = 0.75;
+constexpr int FirstWidth = 1280;
+constexpr int FirstHeight = 860;
 constexpr int LeastWidth = 400;
 constexpr int LeastHeight = 240;
 
@@ -86,8 +91,28 @@ class FrameWindow : public QMainWindow {
   // Closing asks the program; when it agrees it ends, and every event loop is left.
   void closeEvent(QCloseEvent* Close) override {
     Close->ignore();
+    if (Progress.Runs) return AskToStop();
     if (CommandsPause()) return QApplication::beep();
     Dispatch([] { UnloadForm(Main.frmNMR); });
+  }
+
+  // A calculation works: the window closes once it has been given up and its command has come to its end.
+  void AskToStop() {
+    if (Asking) return;
+    Asking = true;
+    const bool Stop =
+        QMessageBox::question(this, ProgramTitle, "A calculation is running. Stop it and close Zelvanor?") ==
+        QMessageBox::Yes;
+    Asking = false;
+    if (!Stop) return;
+    AskCancel();
+    CloseWhenFree();
+  }
+
+  void CloseWhenFree() {
+    constexpr int RetryMilliseconds = 50;
+    if (!CommandsPause()) return static_cast<void>(close());
+    QTimer::singleShot(RetryMilliseconds, this, [this] { CloseWhenFree(); });
   }
 
   // The pointer shows by its form whether the window takes what is dragged.
@@ -106,6 +131,9 @@ class FrameWindow : public QMainWindow {
       OpenDocument(PathFromQt(Path));
     });
   }
+
+ private:
+  bool Asking = false;
 };
 
 void GiveMeasures(const QWidget& Window) {
@@ -135,7 +163,8 @@ void ShowForm(QMainWindow* Window, Property What) {
 void GiveFirstSize(QMainWindow* Window) {
   if (RestoreGeometry(*Window)) return;
   const QSize Room = Window->screen()->availableSize();
-  Window->resize(QSize(FirstWidth, FirstHeight).boundedTo(Room * 0.9));
+  const QSize Least(LeastWidth, LeastHeight);
+  Window->resize((Room * FirstShare).boundedTo({FirstWidth, FirstHeight}).expandedTo(Least).boundedTo(Room));
 }
 
 }  // namespace

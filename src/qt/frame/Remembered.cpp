@@ -10,6 +10,7 @@ namespace {
 
 constexpr const char* GeometryKey = "geometry";
 constexpr const char* FolderKey = "folder";
+constexpr const char* SilenceKey = "silent/host";
 constexpr const char* HelpGeometryKey = "help/geometry";
 constexpr const char* HelpHalvesKey = "help/halves";
 constexpr const char* HelpZoomKey = "help/zoom";
@@ -69,6 +70,9 @@ QString RememberedFolder() {
   const QString Kept = OwnSettings().value(FolderKey).toString();
   return QFileInfo(Kept).isDir() ? Kept : QString();
 }
+
+void RememberHostSilence(bool Silent) { OwnSettings().setValue(SilenceKey, Silent); }
+bool RememberedHostSilence() { return OwnSettings().value(SilenceKey).toBool(); }
 
 void RememberWidths(const QString& View, const ColumnWidths& Widths) {
   QStringList Pairs;

@@ -31,6 +31,10 @@ QSize RememberedSize(const QString& Form);
 void RememberFolderOf(const QString& Path);
 QString RememberedFolder();
 
+// Whether the message that no host runs has been turned off.
+void RememberHostSilence(bool Silent);
+bool RememberedHostSilence();
+
 // Widths in twips that the user has dragged columns to, by the column's place in the body of the table.
 using ColumnWidths = std::map<int, int>;
 void RememberWidths(const QString& View, const ColumnWidths& Widths);

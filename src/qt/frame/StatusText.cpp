@@ -1,12 +1,15 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QPainter>
+#include <QProgressBar>
+#include <QPushButton>
 #include <QStyle>
 #include <QTimer>
 
 #include "qt/TextConversion.h"
 #include "qt/controls/ControlWidgets.h"
 #include "qt/frame/Accessible.h"
+#include "shell/Progress.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -18,12 +21,24 @@ constexpr int LeastMilliseconds = 40;
 // Work that takes longer shows its seconds at the right, so that it is seen to go on.
 constexpr int LongMilliseconds = 1000;
 
+constexpr int TickMilliseconds = 100;
+// Work that is over sooner shows no bar: it would only flicker.
+constexpr int BarMilliseconds = 400;
+
 // One line of text, cut with an ellipsis where the window is too narrow; its tool tip is then the whole of it.
 class StatusLabel : public QLabel {
  public:
   explicit StatusLabel(QWidget* Parent) : QLabel(Parent) {
-    Ticks.setInterval(LongMilliseconds / 2);
+    Ticks.setInterval(TickMilliseconds);
     QObject::connect(&Ticks, &QTimer::timeout, this, [this] { FollowWork(); });
+    Bar->setTextVisible(false);
+    Bar->setAccessibleName("Progress");
+    Bar->hide();
+    Cancel->setAccessibleDescription("Ends the calculation; the document stays as it was before");
+    Cancel->setToolTip("Escape");
+    Cancel->setFocusPolicy(Qt::NoFocus);
+    Cancel->hide();
+    QObject::connect(Cancel, &QPushButton::clicked, this, [] { AskCancel(); });
   }
 
   // A command that works serves no events, or few, but its line moves on.
@@ -42,12 +57,14 @@ class StatusLabel : public QLabel {
     QRect Room = rect().adjusted(Margin, 0, -Margin, 0);
     Painter.setPen(palette().color(QPalette::Mid));
     Painter.drawLine(0, 0, width() - 1, 0);
+    if (Bar->isVisibleTo(this)) Room.setRight(Bar->x() - Margin);
     if (const QString Seconds = SecondsOfWork(); !Seconds.isEmpty()) {
       DrawWords(Painter, Room, Qt::AlignRight, Seconds);
       Room.setRight(Room.right() - fontMetrics().horizontalAdvance(Seconds) - Margin);
     }
-    const QString Fitting = fontMetrics().elidedText(text(), Qt::ElideRight, Room.width());
-    setToolTip(Fitting == text() ? QString() : text());
+    const QString Words = text() + WhatIsDone();
+    const QString Fitting = fontMetrics().elidedText(Words, Qt::ElideRight, Room.width());
+    setToolTip(Fitting == Words ? QString() : Words);
     DrawWords(Painter, Room, Qt::AlignLeft, Fitting);
   }
 
@@ -62,7 +79,30 @@ class StatusLabel : public QLabel {
     return QString("%1 s").arg(Working.elapsed() / 1000);
   }
 
+  // "  solving block 3 (3 of 40)", behind what the program says.
+  static QString WhatIsDone() {
+    if (!Progress.Runs || Progress.What.empty()) return {};
+    const QString Count = QString(" (%1 of %2)").arg(Progress.Step).arg(Progress.Steps);
+    return "  " + ToQt(Progress.What) + (Progress.Steps > 0 ? Count : QString());
+  }
+
+  // A bar without an end moves from side to side.
+  void PlaceProgress() {
+    const bool Runs = Progress.Runs && Working.isValid() && Working.elapsed() >= BarMilliseconds;
+    Bar->setVisible(Runs);
+    Cancel->setVisible(Runs);
+    if (!Runs) return;
+    constexpr int BarWidth = 120;
+    const int ButtonWidth = Cancel->sizeHint().width();
+    Cancel->setGeometry(width() - ButtonWidth, 1, ButtonWidth, height() - 1);
+    Bar->setGeometry(Cancel->x() - BarWidth - 4, 4, BarWidth, height() - 8);
+    Bar->setRange(0, Progress.Steps > 0 ? 1000 : 0);
+    if (Progress.Steps > 0) Bar->setValue(static_cast<int>(1000.0 * Progress.Step / Progress.Steps));
+    Cancel->setEnabled(!Progress.CancelAsked);
+  }
+
   void FollowWork() {
+    PlaceProgress();
     if (!IsSet(Workspace.IsBusy)) {
       Ticks.stop();
       Working.invalidate();
@@ -73,6 +113,8 @@ class StatusLabel : public QLabel {
   QElapsedTimer LastShown;
   QElapsedTimer Working;  // since the command that works now has begun to tell
   QTimer Ticks;
+  QProgressBar* Bar = new QProgressBar(this);
+  QPushButton* Cancel = new QPushButton("Cancel", this);
 };
 
 }  // namespace
