@@ -1,4 +1,3 @@
-#include "history/History.h"
 #include "Support.h"
 
 #include <sys/stat.h>
@@ -11,6 +10,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "history/History.h"
 #include "platform/Variables.h"
 #include "platform/posix/PosixServices.h"
 #include "program.h"

@@ -15,8 +15,8 @@ inline constexpr std::size_t MostSteps = 100;
 // Steps beyond this are forgotten, the oldest first.
 inline constexpr std::size_t MostHistoryBytes = std::size_t{256} << 20;
 
-// Runs a command of the user. Name says what undoing takes back, as "typing a shielding"; with Merges it joins a step of
-// the same name before it. A command inside another one belongs to that one.
+// Runs a command of the user. Name says what undoing takes back, as "typing a shielding"; with Merges it joins a step
+// of the same name before it. A command inside another one belongs to that one.
 void RunRecorded(const Text& Name, const std::function<void()>& Work, bool Merges = false);
 
 // Whether a command of the user works now.
@@ -34,8 +34,8 @@ std::optional<Text> RedoStep();
 void NoteSaved();
 void ForgetHistory();
 
-// Work that may be given up: TakeBack puts the document back to what it was at BeginTrial. Where memory was too short to
-// keep it, nothing happens.
+// Work that may be given up: TakeBack puts the document back to what it was at BeginTrial. Where memory was too short
+// to keep it, nothing happens.
 struct Snapshot;
 using Trial = std::shared_ptr<Snapshot>;
 Trial BeginTrial();

@@ -7,9 +7,9 @@
 
 namespace zelvanor {
 
-// Unsaved work is kept in the user's state directory, so that a crash or a power cut loses little. Each run has files of
-// its own, "work-PROCESS.NMR" with the document and "work-PROCESS.txt" with its names, and holds a lock on the second
-// one for as long as it lives: what nobody holds was left behind by a run that did not end.
+// Unsaved work is kept in the user's state directory, so that a crash or a power cut loses little. Each run has files
+// of its own, "work-PROCESS.NMR" with the document and "work-PROCESS.txt" with its names, and holds a lock on the
+// second one for as long as it lives: what nobody holds was left behind by a run that did not end.
 
 // From now on this run keeps its work. Write writes the document to a file, without a message; false: it could not.
 void UseRecovery(std::function<bool(const Text& Path)> Write);

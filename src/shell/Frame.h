@@ -13,14 +13,14 @@ struct FrameRooms {
   std::function<void()> ShowShieldingTable;
   std::function<void()> ShowCouplingTable;
   std::function<void()> ShowSpectrumView;
-  std::function<void()> ForgetFrequencyRange;     // before a view is refreshed
-  std::function<void()> OpenZMatrix;              // reads the file of ZMatrixPath into the atom table
-  std::function<void()> UpdateAtomLabels;         // of the molecule view, for the present atom table
-  std::function<void()> TakeOpenedSpectrum;       // a document that holds a spectrum has been opened
+  std::function<void()> ForgetFrequencyRange;       // before a view is refreshed
+  std::function<void()> OpenZMatrix;                // reads the file of ZMatrixPath into the atom table
+  std::function<void()> UpdateAtomLabels;           // of the molecule view, for the present atom table
+  std::function<void()> TakeOpenedSpectrum;         // a document that holds a spectrum has been opened
   std::function<void(bool NewPeaks)> ShowRestored;  // undo or redo has put another document in place
-  std::function<void()> FitMolecule;              // to the surface
-  std::function<void(int Degrees)> TurnMolecule;  // about z
-  std::function<void()> LinesCommand;             // the three display commands of the spectrum menu
+  std::function<void()> FitMolecule;                // to the surface
+  std::function<void(int Degrees)> TurnMolecule;    // about z
+  std::function<void()> LinesCommand;               // the three display commands of the spectrum menu
   std::function<void()> EnvelopCommand;
   std::function<void()> LinesAndEnvelopCommand;
 };

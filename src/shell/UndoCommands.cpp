@@ -33,8 +33,7 @@ Text Go(std::optional<Text> (*Step)()) {
   UpdateTitle();
   ChooseView();
   // A spectrum that stays keeps its window.
-  const bool SamePeaks =
-      W.SpectraAvailable == HadPeaks && W.PeakFrequency == Frequency && W.PeakIntensity == Intensity;
+  const bool SamePeaks = W.SpectraAvailable == HadPeaks && W.PeakFrequency == Frequency && W.PeakIntensity == Intensity;
   IgnoreFailure([&] {
     if (Rooms.ShowRestored) Rooms.ShowRestored(!SamePeaks);
   });

@@ -54,8 +54,9 @@ std::map<pid_t, int>& Keepers() {
   _exit(0);
 }
 
-// A keeper outlives the program by the moment that it takes to end the process. Without one, when the system gives none,
-// only the signals that can be caught end the process. The first fork makes it no one's child: nobody has to wait for it.
+// A keeper outlives the program by the moment that it takes to end the process. Without one, when the system gives
+// none, only the signals that can be caught end the process. The first fork makes it no one's child: nobody has to wait
+// for it.
 int StartKeeper() {
   int Pipe[2];
   if (pipe2(Pipe, O_CLOEXEC) != 0) return -1;

@@ -6,7 +6,8 @@ namespace zelvanor {
 
 // Starts the program named by the first word of the line, with the other words as its arguments; the line is split at
 // blanks and nothing is quoted, no shell stands between. Its input is empty and its output dropped. Should the
-// program die, in whatever way, the process goes with all of its group. Returns the process id; throws a Failure when the program can't be started.
+// program die, in whatever way, the process goes with all of its group. Returns the process id; throws a Failure when
+// the program can't be started.
 Long StartProcess(const Text& CommandLine);
 
 // A handle is the process id itself; 0 when no such process was started here or it has been waited for already.
