@@ -167,25 +167,6 @@ TEST_F(TablesTest, NegativeBarsHangFromZero) {
   }
 }
 
-TEST_F(TablesTest, LargestCouplingTableIsSmall) {
-  constexpr int NumAtoms = 2340;
-  W.NumNMRAtoms = NumAtoms;
-  W.NMRAtom.ReDim(NumAtoms);
-  W.NMRAtomicNumber.ReDim(NumAtoms);
-  for (int Atom = 0; Atom < NumAtoms; ++Atom) W.NMRAtom[Atom] = Atom + 1;
-  ExtendForResults();
-  W.Coupling.ReDim(NumAtoms, NumAtoms);
-  W.Coupling(NumAtoms - 1, NumAtoms - 1) = 1.25F;
-  Show(CouplingView);
-  EXPECT_EQ(RowsOf(Table), 2341);
-  EXPECT_EQ(CellText(Table, NumAtoms, NumAtoms), "1.250");
-  EXPECT_EQ(CellText(Table, 1, NumAtoms), "0.000");
-  const GridCells& Cells = Table.Cells;
-  const std::size_t Bytes =
-      Cells.Kinds.capacity() + 4 * Cells.Contents.capacity() + sizeof(Text) * Cells.Texts.capacity();
-  EXPECT_LT(Bytes, 40U << 20);
-}
-
 TEST(Grid, CellsSurviveANewSize) {
   GridControl Grid(nullptr, "Test");
   SetGridSize(Grid, 3, 3);
