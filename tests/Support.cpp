@@ -99,6 +99,7 @@ void ResetProgram() {
   ResetMainForm();
   Settings = {};
   Workspace = {};
+  LineWork = {};
   InitReferenceElements();
   Workspace.NumReferenceElements = NumReferenceEntries - 1;
   Workspace.ViewMode = MoleculeView;
