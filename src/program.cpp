@@ -10,6 +10,8 @@
 #include "files/FileCommands.h"
 #include "files/ZMatrixImport.h"
 #include "host/GetCommand.h"
+#include "measured/MeasuredCommands.h"
+#include "measured/MeasuredTrace.h"
 #include "molecule/AtomSelection.h"
 #include "molecule/MoleculeView.h"
 #include "molecule/MouseDrag.h"
@@ -69,6 +71,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileGet, mnuFileGet_Click},
     {&MainForm::mnuPreferences, mnuPreferences_Click},
     {&MainForm::mnuFileExit, mnuFileExit_Click},
+    {&MainForm::mnuFileOpenMeasured, mnuFileOpenMeasured_Click},
     {&MainForm::mnuCopy, mnuCopy_Click},
     {&MainForm::mnuReplace, mnuReplace_Click},
     {&MainForm::mnuStartLog, mnuStartLog_Click},
@@ -88,6 +91,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuLorentzian, mnuLorentzian_Click},
     {&MainForm::mnuGaussian, mnuGaussian_Click},
     {&MainForm::mnuViewRender, mnuViewRender_Click},
+    {&MainForm::mnuMeasuredRemove, mnuMeasuredRemove_Click},
     {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
     {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
     {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
@@ -172,7 +176,10 @@ void ConnectRooms() {
     TakeSystem();
     UpdateAtomLabels(Main.MolRender1);
   };
-  Rooms.ShowSpectrumView = ShowSpectrumView;
+  Rooms.ShowSpectrumView = [] {
+    IgnoreFailure(TakeMeasuredIntoView);
+    ShowSpectrumView();
+  };
   Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
   Rooms.TakeOpenedSpectrum = [] {
     // The molecule view knows the system even where the document comes up in the spectrum view.
@@ -292,6 +299,8 @@ void BuildProgram() {
   AddTableVariables();
   AddZMatrixVariables();
   AddTypingVariables();
+  AddMeasuredVariables();
+  AddMeasuredSection();
   AddVariable("StartedAlone", StartedAlone);
 }
 

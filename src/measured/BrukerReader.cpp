@@ -61,8 +61,8 @@ std::vector<Double> ReadNumbers(TextView Bytes, bool BigEndian, bool Floating) {
   std::vector<Double> Values(Count);
   for (std::size_t Place = 0; Place < Count; ++Place) {
     const std::uint64_t Bits = BytesAt(Bytes, Place * Size, Size, BigEndian);
-    Values[Place] = Floating ? std::bit_cast<Double>(Bits)
-                             : Double(std::bit_cast<std::int32_t>(static_cast<std::uint32_t>(Bits)));
+    Values[Place] =
+        Floating ? std::bit_cast<Double>(Bits) : Double(std::bit_cast<std::int32_t>(static_cast<std::uint32_t>(Bits)));
     if (!std::isfinite(Values[Place])) throw Failure("the file holds something that is no number");
   }
   return Values;
@@ -92,7 +92,7 @@ Double FindGroupDelay(Double Stated, int Firmware, Double Decimation) {
   // and non-Bruker offline processing III" (1996).
   constexpr int NumDecimations = 21;
   constexpr int FirstFirmware = 10;
-  constexpr std::array<int, NumDecimations> Decimations = {2,  3,  4,   6,   8,   12,  16,  24,   32,   48,  64,
+  constexpr std::array<int, NumDecimations> Decimations = {2,  3,   4,   6,   8,   12,  16,  24,   32,   48,  64,
                                                            96, 128, 192, 256, 384, 512, 768, 1024, 1536, 2048};
   constexpr std::array<std::array<int, NumDecimations>, 4> Delays = {{
       {179,   201,   533,   709,   1097,  1449,  2225,  2929,   4481,   5889,  8993,
@@ -140,6 +140,7 @@ MeasuredSpectrum ReadBrukerSpectrum(const Text& Folder) {
   if (Made.Imaginary.size() != Made.Real.size()) Made.Imaginary.clear();
   const Double Scale = std::exp2(Processed.Number("$NCPROC"));
   if (!(Scale > 0) || !std::isfinite(Scale)) throw Failure("procs has an impossible scale");
+  Made.Factor = Scale;
   for (std::vector<Double>* Values : {&Made.Real, &Made.Imaginary}) {
     for (Double& Value : *Values) Value *= Scale;
   }
@@ -168,8 +169,8 @@ MeasuredSpectrum ReadBrukerFid(const Text& Folder) {
   const Double Firmware = Acquired.Number("$DSPFVS");
   Made.GroupDelay = FindGroupDelay(Acquired.Number("$GRPDLY"), Firmware > 0 && Firmware < 100 ? int(Firmware) : 0,
                                    Acquired.Number("$DECIM"));
-  std::vector<Double> Samples = ReadNumbers(ReadWholeFile(InFolder(Folder, "fid")),
-                                            Acquired.Number("$BYTORDA") == 1.0, Acquired.Number("$DTYPA") > 0);
+  std::vector<Double> Samples = ReadNumbers(ReadWholeFile(InFolder(Folder, "fid")), Acquired.Number("$BYTORDA") == 1.0,
+                                            Acquired.Number("$DTYPA") > 0);
   const Double Told = Acquired.Number("$TD");
   if (Told > 0 && static_cast<Double>(Samples.size()) > Told) Samples.resize(static_cast<std::size_t>(Told));
   if (Told > static_cast<Double>(Samples.size())) {

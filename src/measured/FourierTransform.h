@@ -7,8 +7,8 @@
 
 namespace zelvanor {
 
-// The discrete Fourier transform in place, X[k] = sum over n of x[n] exp(-2 pi i k n / N), and with Inverse its inverse,
-// divided by N. N is a power of two; throws a Failure for another one.
+// The discrete Fourier transform in place, X[k] = sum over n of x[n] exp(-2 pi i k n / N), and with Inverse its
+// inverse, divided by N. N is a power of two; throws a Failure for another one.
 void Transform(std::vector<std::complex<Double>>& Values, bool Inverse);
 
 // The least power of two that is not below Count.

@@ -88,6 +88,7 @@ std::vector<Double> ReadTable(const JcampRecord& Record, Axis& From, MeasuredSpe
     if (Count > From.NumPoints) Table.Values.resize(static_cast<std::size_t>(From.NumPoints));
   }
   for (Double& Value : Table.Values) Value *= From.YFactor;
+  To.Factor = From.YFactor;
   return Table.Values;
 }
 

@@ -44,8 +44,8 @@ std::vector<JcampBlock> SplitJcamp(TextView Content) {
     if (!IsLabel(Line)) {
       // The value goes on: it reaches to the end of this line.
       if (Present != nullptr) {
-        Present->Value = TextView(Present->Value.data(),
-                                  static_cast<std::size_t>(Start + Line.size() - Present->Value.data()));
+        Present->Value =
+            TextView(Present->Value.data(), static_cast<std::size_t>(Start + Line.size() - Present->Value.data()));
       }
       continue;
     }

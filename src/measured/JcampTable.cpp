@@ -80,11 +80,10 @@ Item TakeItem(TextView& Rest) {
     Token Kind;
     bool Negative;
   };
-  for (const Alphabet& Each : {Alphabet{PositiveSqueezed, Token::Number, false},
-                               Alphabet{NegativeSqueezed, Token::Number, true},
-                               Alphabet{PositiveDifference, Token::Difference, false},
-                               Alphabet{NegativeDifference, Token::Difference, true},
-                               Alphabet{Repeats, Token::Repeat, false}}) {
+  for (const Alphabet& Each :
+       {Alphabet{PositiveSqueezed, Token::Number, false}, Alphabet{NegativeSqueezed, Token::Number, true},
+        Alphabet{PositiveDifference, Token::Difference, false}, Alphabet{NegativeDifference, Token::Difference, true},
+        Alphabet{Repeats, Token::Repeat, false}}) {
     const std::size_t Digit = Each.Letters.find(C);
     if (Digit != TextView::npos) return {Each.Kind, TakeDigits(Rest, Digit, Each.Negative)};
   }
@@ -172,8 +171,7 @@ void TakeAbscissa(TableState& State, TextView Written) {
   const Double First = Form.HasX ? Form.FirstX : State.Table.FirstX;
   const Double Point = static_cast<Double>(State.Table.Values.size()) - (State.CheckPending ? 1.0 : 0.0);
   // Abscissae are often cut to whole numbers; both they and the place of a check value may be one off.
-  const Double Allowed =
-      1.001 * std::fabs(UnitOfLastDigit(Written) * Form.XFactor) + 1.5 * std::fabs(Form.DeltaX);
+  const Double Allowed = 1.001 * std::fabs(UnitOfLastDigit(Written) * Form.XFactor) + 1.5 * std::fabs(Form.DeltaX);
   if (!(std::fabs(First + Point * Form.DeltaX - X) <= Allowed) && State.PlaceFaults++ == 0) {
     State.FirstPlaceFault = State.Line;
   }
@@ -259,7 +257,9 @@ Text WriteJcampTable(const std::vector<Long>& Values, Double FirstX, Double Delt
     Point = First + 1;
     while (Point < Count) {
       Long Run = 1;
-      while (Point + static_cast<std::size_t>(Run) < Count && DifferenceAt(Point + static_cast<std::size_t>(Run)) == DifferenceAt(Point)) ++Run;
+      while (Point + static_cast<std::size_t>(Run) < Count &&
+             DifferenceAt(Point + static_cast<std::size_t>(Run)) == DifferenceAt(Point))
+        ++Run;
       Text Next = WithPseudoDigit(DifferenceAt(Point), PositiveDifference, NegativeDifference);
       if (Run > 1) {
         Text Times = GeneralForm(Run);

@@ -88,7 +88,8 @@ MeasuredSpectrum ReadTwoColumns(TextView Content) {
     Text Line(Content.substr(0, End));
     Content.remove_prefix(End == TextView::npos ? Content.size() : End + 1);
     ++Number;
-    std::replace_if(Line.begin(), Line.end(), [](char C) { return C == ',' || C == ';' || C == '\r'; }, ' ');
+    std::replace_if(
+        Line.begin(), Line.end(), [](char C) { return C == ',' || C == ';' || C == '\r'; }, ' ');
     std::vector<TextView> Words;
     ForEachWord(Line, [&](TextView Word) { Words.push_back(Word); });
     if (Words.empty()) continue;
@@ -112,8 +113,7 @@ MeasuredSpectrum ReadTwoColumns(TextView Content) {
   // Shifts are often rounded to three digits: what counts is that no point lies far from its place.
   Double Farthest = 0;
   for (std::size_t Point = 0; Point < Points.size(); ++Point) {
-    Farthest = std::max(Farthest,
-                        std::fabs(Points[Point].first - Made.First - static_cast<Double>(Point) * Step));
+    Farthest = std::max(Farthest, std::fabs(Points[Point].first - Made.First - static_cast<Double>(Point) * Step));
     Made.Real.push_back(Points[Point].second);
   }
   if (Farthest > std::max(2.0 * std::fabs(Step), 0.002)) throw Failure("the points do not lie at equal distances");

@@ -20,6 +20,7 @@ struct MeasuredSpectrum {
   // The points of the spectrum at equal distances, or the samples of the FID in the order of time.
   std::vector<Double> Real;
   std::vector<Double> Imaginary;  // beside Real, or empty
+  Double Factor = 0;              // unit of which Real holds whole numbers; 0 where it is not known
 
   // Of a spectrum: the places of the first and last point, in Hz from 0 ppm (in ppm where MHz is 0).
   Double First = 0;

@@ -51,8 +51,8 @@ MeasuredSpectrum TransformFid(const MeasuredSpectrum& Fid, const Processing& By)
   Made.Imaginary.reserve(Shown);
   for (std::size_t Point = 0; Point < Shown; ++Point) {
     // Signed bins: the highest frequency first.
-    const auto Bin = static_cast<std::ptrdiff_t>(OneChannel ? Shown : Length / 2) - 1 -
-                     static_cast<std::ptrdiff_t>(Point);
+    const auto Bin =
+        static_cast<std::ptrdiff_t>(OneChannel ? Shown : Length / 2) - 1 - static_cast<std::ptrdiff_t>(Point);
     const std::size_t Index = Bin < 0 ? Length - static_cast<std::size_t>(-Bin) : static_cast<std::size_t>(Bin);
     const Double Angle = Turn * Fid.GroupDelay * static_cast<Double>(Bin) / static_cast<Double>(Length);
     const Complex Value = Values[Index] * std::polar(1.0, Angle);
@@ -148,8 +148,14 @@ void Descend(const std::vector<SignalPoint>& Signals, Processing& From) {
   constexpr Double LastStep = 0.02;
   for (Double Step = FirstStep; Step > LastStep;) {
     bool Better = false;
-    for (const auto& [Step0, Step1] : {std::pair{1.0, 0.0}, {-1.0, 0.0}, {0.0, 2.0}, {0.0, -2.0}, {1.0, 2.0},
-                                       {-1.0, -2.0}, {1.0, -2.0}, {-1.0, 2.0}}) {
+    for (const auto& [Step0, Step1] : {std::pair{1.0, 0.0},
+                                       {-1.0, 0.0},
+                                       {0.0, 2.0},
+                                       {0.0, -2.0},
+                                       {1.0, 2.0},
+                                       {-1.0, -2.0},
+                                       {1.0, -2.0},
+                                       {-1.0, 2.0}}) {
       Processing Try = From;
       Try.Phase0 += Step * Step0;
       Try.Phase1 += Step * Step1;
@@ -241,9 +247,8 @@ void SubtractBaseline(std::vector<Double>& Values, int Order) {
     for (const auto& [X, Y] : Points) Squares += std::pow(Y - ValueAt(Found, X, Terms), 2);
     const Double Most = Reach * std::sqrt(Squares / static_cast<Double>(Points.size()));
     const std::size_t Before = Points.size();
-    std::erase_if(Points, [&](const auto& Point) {
-      return std::fabs(Point.second - ValueAt(Found, Point.first, Terms)) > Most;
-    });
+    std::erase_if(
+        Points, [&](const auto& Point) { return std::fabs(Point.second - ValueAt(Found, Point.first, Terms)) > Most; });
     if (Points.size() == Before) break;
   }
   for (std::size_t Point = 0; Point < Values.size(); ++Point) {

@@ -21,11 +21,13 @@ struct Available {
   bool Shielding;
   bool Coupling;
   bool Spectra;
-  bool Any() const { return Molecule || Shielding || Coupling || Spectra; }
+  bool Measured;
+  bool Any() const { return Molecule || Shielding || Coupling || Spectra || Measured; }
 };
 
 Available FindAvailable() {
-  return {IsSet(W.MoleculeLoaded), IsSet(W.ShieldingAvailable), IsSet(W.CouplingAvailable), IsSet(W.SpectraAvailable)};
+  return {IsSet(W.MoleculeLoaded), IsSet(W.ShieldingAvailable), IsSet(W.CouplingAvailable), IsSet(W.SpectraAvailable),
+          W.MeasuredCount > 0};
 }
 
 void Enable(Control& Target, bool Enabled) { SetEnabled(Target, ToFlag(Enabled)); }
@@ -49,7 +51,7 @@ bool ShownDataExist(const Available& Has, int View) {
     case CouplingView:
       return Has.Coupling;
     default:
-      return Has.Spectra;
+      return Has.Spectra || Has.Measured;
   }
 }
 
@@ -110,8 +112,9 @@ void UpdateCommands(int View) {
   Enable(Main.picToolbar[ToolShielding], Has.Shielding);
   Enable(Main.mnuViewCoupling, Has.Coupling);
   Enable(Main.picToolbar[ToolCoupling], Has.Coupling);
-  Enable(Main.mnuViewSpectra, Has.Spectra);
-  Enable(Main.picToolbar[ToolSpectrum], Has.Spectra);
+  Enable(Main.mnuViewSpectra, Has.Spectra || Has.Measured);
+  Enable(Main.picToolbar[ToolSpectrum], Has.Spectra || Has.Measured);
+  Enable(Main.mnuViewMeasured, Has.Measured);
   UpdateMouseTools(Has, View);
   SetPressed(Main.picToolbar[ToolShielding], ToFlag(View == ShieldingView));
   SetPressed(Main.picToolbar[ToolCoupling], ToFlag(View == CouplingView));

@@ -45,6 +45,8 @@ struct MainForm {
   MenuItem mnuPreferences{&frmNMR, "mnuPreferences"};
   MenuItem mnuFileFill2{&frmNMR, "mnuFileFill2"};
   MenuItem mnuFileExit{&frmNMR, "mnuFileExit"};
+  MenuItem mnuFileFill3{&frmNMR, "mnuFileFill3"};
+  MenuItem mnuFileOpenMeasured{&frmNMR, "mnuFileOpenMeasured"};
   MenuItem mnuEdit{&frmNMR, "mnuEdit"};
   MenuItem mnuCopy{&frmNMR, "mnuCopy"};
   MenuItem mnuEditFill1{&frmNMR, "mnuEditFill1"};
@@ -73,6 +75,9 @@ struct MainForm {
   MenuItem mnuView2DBar{&frmNMR, "mnuView2DBar"};
   MenuItem mnuView3DBar{&frmNMR, "mnuView3DBar"};
   MenuItem mnuViewRender{&frmNMR, "mnuViewRender"};
+  MenuItem mnuViewFill5{&frmNMR, "mnuViewFill5"};
+  MenuItem mnuViewMeasured{&frmNMR, "mnuViewMeasured"};
+  MenuItem mnuMeasuredRemove{&frmNMR, "mnuMeasuredRemove"};
   MenuItem mnuSetup{&frmNMR, "mnuSetup"};
   MenuItem mnuSetupNMRParam{&frmNMR, "mnuSetupNMRParam"};
   MenuItem mnuSetupNMRSpect{&frmNMR, "mnuSetupNMRSpect"};

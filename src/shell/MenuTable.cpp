@@ -38,6 +38,9 @@ constexpr std::array Rows = {
           "Set up the colors for displaying molecules and NMR spectra."),
     Fill(&M::mnuFile, &M::mnuFileFill2),
     Below(&M::mnuFile, &M::mnuFileExit, "E&xit", "", "Exit Zelvanor."),
+    Fill(&M::mnuFile, &M::mnuFileFill3),
+    Below(&M::mnuFile, &M::mnuFileOpenMeasured, "Open &Measured...", "Ctrl+M",
+          "Open a measured spectrum beside the simulated one."),
 
     Top(&M::mnuEdit, "&Edit", "Copy data to the clipboard."),
     Below(&M::mnuEdit, &M::mnuCopy, "&Copy", "Ctrl+C", "Copy the current image into the Windows clipboard."),
@@ -73,6 +76,9 @@ constexpr std::array Rows = {
     Below(&M::mnuViewGraph, &M::mnuView2DBar, "&2D Bar", "", "2D bar graph."),
     Below(&M::mnuViewGraph, &M::mnuView3DBar, "&3D Bar", "", "3D bar graph."),
     Below(&M::mnuView, &M::mnuViewRender, "&Rendering...", "", "Change the rendering for atoms and bonds."),
+    Fill(&M::mnuView, &M::mnuViewFill5),
+    Below(&M::mnuView, &M::mnuViewMeasured, "Meas&ured", "", "The measured spectrum beside the simulated one."),
+    Below(&M::mnuViewMeasured, &M::mnuMeasuredRemove, "&Remove", "", "Remove the measured spectrum."),
 
     Top(&M::mnuSetup, "&Setup", ""),
     Below(&M::mnuSetup, &M::mnuSetupNMRParam, "Shielding && &Coupling...", "",

@@ -86,6 +86,8 @@ void SetFreqLabel() {
 }
 
 void NewMaxIntensity() {
+  // A measured spectrum alone has no lines to scale by.
+  if (V.ViewPeakCount == 0 && W.MeasuredCount > 0) return;
   const auto Low = static_cast<Single>(V.ViewLow);
   const auto High = static_cast<Single>(V.ViewHigh);
   bool Found = false;
