@@ -30,7 +30,7 @@ JcampTable ReadJcampTable(TextView Lines, const JcampTableForm& Form);
 std::vector<std::pair<Double, Double>> ReadJcampPairs(TextView Lines);
 
 // The whole table in DIFDUP form, its lines at most 80 characters long: the place of the first point, and the step. No
-// value may be beyond 2^30 in magnitude, so that differences are Longs.
+// value may reach 2^30 in magnitude, so that differences are Longs.
 Text WriteJcampTable(const std::vector<Long>& Values, Double FirstX, Double DeltaX);
 
 }  // namespace zelvanor

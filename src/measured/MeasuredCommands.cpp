@@ -111,6 +111,8 @@ bool OpenMeasured(const Text& Path) {
     Processing By = ProcessingFor(Source);
     if (Source.IsFid) FindPhases(TransformToSpectrum(Source, By), By);
     MakeSpectrum(Source, By);
+    W.IntegralCount = 0;
+    W.IntegralTotal = 0;
     State.Source = std::move(Source);
     State.Chosen = By;
     RememberMade();

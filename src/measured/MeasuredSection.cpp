@@ -7,6 +7,7 @@
 #include "basic/NumberText.h"
 #include "basic/Numbers.h"
 #include "files/ExtraSections.h"
+#include "measured/Integrals.h"
 #include "measured/JcampTable.h"
 #include "measured/MeasuredTrace.h"
 #include "platform/TextFiles.h"
@@ -36,7 +37,10 @@ struct NumberLine {
 constexpr NumberLine NumberLines[] = {{"frequency", &WorkspaceState::MeasuredMHz},
                                       {"first", &WorkspaceState::MeasuredFirst},
                                       {"last", &WorkspaceState::MeasuredLast},
-                                      {"factor", &WorkspaceState::MeasuredFactor}};
+                                      {"factor", &WorkspaceState::MeasuredFactor},
+                                      {"nuclei", &WorkspaceState::IntegralTotal}};
+
+constexpr const char* IntegralKey = "integral";
 
 constexpr const char* PointsKey = "points";
 
@@ -44,7 +48,12 @@ void WriteSection(Integer FileNumber) {
   for (const TextLine& Line : TextLines) {
     if (!(W.*Line.Value).empty()) PrintLine(FileNumber, Join(Line.Key, " ", W.*Line.Value));
   }
-  for (const NumberLine& Line : NumberLines) PrintLine(FileNumber, Join(Line.Key, " ", W.*Line.Value));
+  for (const NumberLine& Line : NumberLines) {
+    if (W.*Line.Value != 0.0) PrintLine(FileNumber, Join(Line.Key, " ", W.*Line.Value));
+  }
+  for (Long Range = 0; Range < W.IntegralCount; ++Range) {
+    PrintLine(FileNumber, Join(IntegralKey, " ", W.IntegralHigh[Range], " ", W.IntegralLow[Range]));
+  }
   PrintLine(FileNumber, Join(PointsKey, " ", W.MeasuredCount));
   const std::span<const Long> Points = W.MeasuredPoint.Span();
   const Text Table = WriteJcampTable({Points.begin(), Points.begin() + W.MeasuredCount}, 0.0, 1.0);
@@ -53,6 +62,19 @@ void WriteSection(Integer FileNumber) {
     PrintLine(FileNumber, Rest.substr(0, Feed));
     Rest.remove_prefix(Feed + 1);
   }
+}
+
+void TakeIntegral(TextView Value) {
+  const std::size_t Blank = std::min(Value.find(' '), Value.size());
+  const Double High = StrictNumber(Value.substr(0, Blank));
+  const Double Low = StrictNumber(Value.substr(Blank));
+  if (!(High > Low) || W.IntegralCount >= MostIntegrals)
+    throw Failure("an integral of the measured spectrum is damaged");
+  W.IntegralHigh.ReDimPreserve(W.IntegralCount + 1);
+  W.IntegralLow.ReDimPreserve(W.IntegralCount + 1);
+  W.IntegralHigh[W.IntegralCount] = High;
+  W.IntegralLow[W.IntegralCount] = Low;
+  ++W.IntegralCount;
 }
 
 void TakeLine(TextView Line) {
@@ -65,6 +87,7 @@ void TakeLine(TextView Line) {
   for (const NumberLine& Each : NumberLines) {
     if (Key == Each.Key) W.*Each.Value = StrictNumber(Value);
   }
+  if (Key == IntegralKey) TakeIntegral(Value);
   // Other keys are those of later versions.
 }
 
@@ -84,7 +107,7 @@ void ReadPoints(Integer FileNumber, Long Told) {
   std::vector<Long> Points;
   Points.reserve(Table.Values.size());
   for (const Double Value : Table.Values) {
-    if (!(std::fabs(Value) <= 1 << 30)) throw Failure(failures::Overflow);
+    if (!(std::fabs(Value) < 1 << 30)) throw Failure(failures::Overflow);
     Points.push_back(ToLong(Value));
   }
   W.MeasuredPoint.Assign(Points);
@@ -95,7 +118,7 @@ bool IsSound() {
   constexpr Double Farthest = 1.0e12;
   return W.MeasuredMHz > 0 && W.MeasuredMHz < Farthest && W.MeasuredFirst > W.MeasuredLast &&
          std::fabs(W.MeasuredFirst) < Farthest && std::fabs(W.MeasuredLast) < Farthest && W.MeasuredFactor > 0 &&
-         W.MeasuredFactor < 1.0e30;
+         W.MeasuredFactor < 1.0e30 && W.IntegralTotal >= 0;
 }
 
 void ReadSection(Integer FileNumber) {

@@ -18,7 +18,7 @@ namespace {
 WorkspaceState& W = Workspace;
 
 // Points are whole numbers up to this; their differences fit a Long.
-constexpr Double LargestPoint = 1 << 30;
+constexpr Double LargestPoint = (1 << 30) - 1;
 // Where the file has no whole numbers of its own the largest intensity becomes this: finer than any receiver.
 constexpr Double OwnLargestPoint = 1 << 26;
 

@@ -1,6 +1,7 @@
 #include "shell/Frame.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "basic/Numbers.h"
 #include "shell/HelpTopics.h"
@@ -115,6 +116,11 @@ void UpdateCommands(int View) {
   Enable(Main.mnuViewSpectra, Has.Spectra || Has.Measured);
   Enable(Main.picToolbar[ToolSpectrum], Has.Spectra || Has.Measured);
   Enable(Main.mnuViewMeasured, Has.Measured);
+  const bool Spectrum = View == SpectrumViewMode && (Has.Spectra || Has.Measured);
+  Enable(Main.mnuViewLabels, Spectrum && Has.Spectra);
+  Enable(Main.mnuViewTree, Spectrum && Has.Spectra);
+  Enable(Main.mnuViewPane, Spectrum && Has.Molecule);
+  Enable(Main.mnuFileExport, ShownDataExist(Has, View));
   UpdateMouseTools(Has, View);
   SetPressed(Main.picToolbar[ToolShielding], ToFlag(View == ShieldingView));
   SetPressed(Main.picToolbar[ToolCoupling], ToFlag(View == CouplingView));
@@ -165,7 +171,37 @@ void PlaceSpectrum() {
   const Form& Window = Main.frmNMR;
   const int Free =
       Window.Height - Main.StatusBar.Height - Main.ToolbarHeight - Main.HScroll1.Height - Main.HScroll2.Height;
-  SetPlace(Main.Spectrum1, 0, Main.ToolbarHeight + Main.HScroll2.Height, Window.Width, std::max(Free, 1));
+  SetPlace(Main.Spectrum1, 0, Main.ToolbarHeight + Main.HScroll2.Height, Window.Width - PaneWidth(), std::max(Free, 1));
+}
+
+int PaneWidth() {
+  constexpr int Hundred = 100;
+  constexpr int LeastWindow = TwipsFromPixels(300);
+  const int Width = Main.frmNMR.Width;
+  const bool Shown = IsSet(Main.mnuViewPane.Checked) && IsSet(W.MoleculeLoaded) && W.ViewMode == SpectrumViewMode;
+  if (!Shown || Width < LeastWindow) return 0;
+  return TwipsFromPixels(static_cast<int>(std::int64_t{Width} * Main.PanePercent / Hundred / TwipsPerPixelX));
+}
+
+namespace {
+// The scales of the spectrum follow one resize behind.
+void LayOutAgain() {
+  Fire(Main.frmNMR.Resize);
+  Fire(Main.frmNMR.Resize);
+  RefreshView();
+}
+}  // namespace
+
+void ShowPane(Flag Shown) {
+  SetChecked(Main.mnuViewPane, Shown);
+  LayOutAgain();
+}
+
+void SetPanePercent(int Percent) {
+  constexpr int Least = 10;
+  constexpr int Most = 80;
+  Main.PanePercent = std::clamp(Percent, Least, Most);
+  LayOutAgain();
 }
 
 void LayOutWindow() {

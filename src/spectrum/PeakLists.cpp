@@ -34,14 +34,14 @@ Text BuildPeakCsv() {
 
 // A peak table by the JCAMP-DX standard for NMR, version 5: shift in ppm, intensity, width in Hz.
 Text BuildPeakJcamp() {
-  Text Dx = Join("##TITLE=", Workspace.DocumentTitle.empty() ? Text("untitled") : Workspace.DocumentTitle,
-                 "\n##JCAMP-DX=5.00\n##DATA TYPE=NMR PEAK TABLE\n##DATA CLASS=PEAK TABLE\n##ORIGIN=Zelvanor\n"
-                 "##OWNER=",
-                 Workspace.SpectDescription, "\n##.OBSERVE FREQUENCY=", Workspace.NMRFrequency,
-                 "\n##.OBSERVE NUCLEUS=^", ObservedNucleus(),
-                 "\n##XUNITS=PPM\n##YUNITS=ARBITRARY UNITS\n##NPOINTS=", Workspace.PeakCount,
-                 "\n$$ each row: shift in ppm, intensity, line width in Hz; its frequency in Hz ",
-                 "and degeneracy behind it\n##PEAK TABLE=(XYW..XYW)\n");
+  Text Dx =
+      Join("##TITLE=", Workspace.DocumentTitle.empty() ? Text("untitled") : Workspace.DocumentTitle,
+           "\n##JCAMP-DX=5.00\n##DATA TYPE=NMR PEAK TABLE\n##DATA CLASS=PEAK TABLE\n##ORIGIN=Zelvanor\n"
+           "##OWNER=",
+           Workspace.SpectDescription, "\n##.OBSERVE FREQUENCY=", Workspace.NMRFrequency, "\n##.OBSERVE NUCLEUS=^",
+           ObservedNucleus(), "\n##XUNITS=PPM\n##YUNITS=ARBITRARY UNITS\n##NPOINTS=", Workspace.PeakCount,
+           "\n$$ each row: shift in ppm, intensity, line width in Hz; its frequency in Hz ",
+           "and degeneracy behind it\n##PEAK TABLE=(XYW..XYW)\n");
   for (Long Peak = 0; Peak < Workspace.PeakCount; ++Peak) {
     Dx += Join(static_cast<Single>(ShiftOf(Peak)), ", ", Workspace.PeakIntensity[Peak], ", ",
                Workspace.PeakLineWidth[Peak], " $$ ", static_cast<Single>(FrequencyOf(Peak)), " ",

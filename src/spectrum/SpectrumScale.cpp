@@ -132,7 +132,7 @@ void FitHorizontalScale() {
 namespace {
 
 void ShowSurface() {
-  SetVisible(Main.MolRender1, False);
+  SetVisible(Main.MolRender1, ToFlag(PaneWidth() > 0));
   SetVisible(Main.ShieldTable, False);
   SetVisible(Main.Spectrum1, True);
   PlaceSpectrum();

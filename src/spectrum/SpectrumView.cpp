@@ -8,6 +8,7 @@
 namespace zelvanor {
 
 SpectrumViewState SpectrumView;
+SpectrumAdditions Additions;
 
 void InitSpectrumView() {
   SpectrumView = {};

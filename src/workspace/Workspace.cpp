@@ -57,7 +57,8 @@ void ClearMeasured() {
   W.MeasuredCount = 0;
   W.MeasuredPoint.ReDim(0);
   W.MeasuredFactor = 1;
-  W.MeasuredFirst = W.MeasuredLast = W.MeasuredMHz = 0;
+  W.MeasuredFirst = W.MeasuredLast = W.MeasuredMHz = W.IntegralTotal = 0;
+  W.IntegralCount = 0;
   for (Text* Words : {&W.MeasuredNucleus, &W.MeasuredSolvent, &W.MeasuredTitle}) Words->clear();
 }
 

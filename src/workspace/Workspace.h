@@ -84,6 +84,12 @@ struct WorkspaceState {
   Text MeasuredNucleus;  // as "1H"; empty where it is not known
   Text MeasuredSolvent;
   Text MeasuredTitle;
+  // Ranges of it that are integrated, index 0..IntegralCount, in ppm; the integrals together are IntegralTotal nuclei,
+  // or with 0 as many as the simulation has.
+  Long IntegralCount = 0;
+  Array<Double> IntegralHigh;
+  Array<Double> IntegralLow;
+  Double IntegralTotal = 0;
 
   // Which sites make a line of the spectrum, as the backend tells: line i has the entries PeakSiteEnd(i - 1) to
   // PeakSiteEnd(i) - 1, the largest share first. Sites count from 1, in the order of the backend's input.

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include "measured/MeasuredCommands.h"
 #include "platform/Form.h"
 #include "qt/Dispatch.h"
 #include "qt/controls/Boxes.h"
@@ -14,7 +15,8 @@ namespace zelvanor {
 void OpenDocument(const Text& Path) {
   if (Path.empty()) return;
   QueueFile(Path);
-  DispatchEvent(Main.mnuFileOpen, Main.mnuFileOpen.Click);
+  MenuItem& Command = LooksMeasured(Path) ? Main.mnuFileOpenMeasured : Main.mnuFileOpen;
+  DispatchEvent(Command, Command.Click);
   // The user may have cancelled before the dialog's turn came.
   QueueFile({});
 }
@@ -27,7 +29,8 @@ bool MayOpenDocuments() {
 QString FirstLocalFile(const QMimeData& Dragged) {
   for (const QUrl& Place : Dragged.urls()) {
     QString Path = Place.toLocalFile();
-    if (!Path.isEmpty() && QFileInfo(Path).isFile()) return Path;
+    // A folder may be that of a spectrometer.
+    if (!Path.isEmpty() && (QFileInfo(Path).isFile() || QFileInfo(Path).isDir())) return Path;
   }
   return {};
 }
