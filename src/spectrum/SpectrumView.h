@@ -4,7 +4,7 @@
 #include <functional>
 #include <vector>
 
-#include "basic/Types.h"
+#include "basic/Array.h"
 #include "platform/Picture.h"
 
 namespace zelvanor {
@@ -32,10 +32,12 @@ struct SpectrumViewState {
   Double ViewLow = 0;  // limits of the window, before panning
   Double ViewHigh = 0;
   Double CenterFrequency = 0;
-  Double MaxIntensity = 0;         // 1.2 times the tallest line in the window
-  Double VerticalScale = 0;        // pixels per unit of intensity
-  Double EnvelopeScale = 0;        // pixels per unit of envelope
-  Long HorizontalOffset = 0;       // Hz, panning: added to both limits of the window
+  Double MaxIntensity = 0;   // 1.2 times the tallest line in the window
+  Double VerticalScale = 0;  // pixels per unit of intensity
+  Double EnvelopeScale = 0;  // pixels per unit of envelope
+  // Panning. The bar and the drawing take it as Hz that are added to both limits of the window, the routines that fit
+  // the window to the scale as pixels.
+  Long HorizontalOffset = 0;
   Double HorizontalScale = 0;      // pixels per Hz
   Double SpectrometerMHz = 0;      // of the peak list at hand
   Long SpectrometerFrequency = 0;  // MHz, as last told
@@ -54,6 +56,7 @@ struct SpectrumViewState {
   Flag LineWidthBarLive = False;
   Long PickedPeak = 0;  // of the read-out; -1 for none
   std::array<Double, MaxEnvelopeSamples> EnvelopeSamples{};
+  Array<Single> PeakWork1, PeakWork2;  // factors of each peak's line shape, beside the peak list
 
   // Of the height, what lines and envelope have, and how many pixels their feet stand above the usual row: other
   // drawings may share the surface.
