@@ -1,5 +1,7 @@
 #include "program.h"
 
+#include <utility>
+
 #include "atomsets/AtomSets.h"
 #include "atomsets/frmEquiv.h"
 #include "atomsets/frmSelect.h"
@@ -205,6 +207,12 @@ void ConnectRooms() {
   };
   Rooms.ShowSpectrumView = [] {
     IgnoreFailure(TakeMeasuredIntoView);
+    // The pane beside it comes and goes without the window's changing its size.
+    static int LastPane = 0;
+    if (std::exchange(LastPane, PaneWidth()) != PaneWidth()) {
+      PlaceSpectrum();
+      IgnoreFailure(FollowSurface);
+    }
     ShowSpectrumView();
     if (PaneWidth() == 0) return;
     IgnoreFailure(TakeSystem);

@@ -48,7 +48,7 @@ Double ColumnOf(Double Ppm) {
   return Divide((Frequency - V.ViewLow) * int(V.ViewWidth), Range);
 }
 
-int Arrangement() { return HasMeasured() && IsSet(W.SpectraAvailable) ? int(MeasuredView.Arrangement) : 0; }
+int PresentArrangement() { return HasMeasured() && IsSet(W.SpectraAvailable) ? int(MeasuredView.Arrangement) : 0; }
 
 TraceFrame PlaceTrace() {
   TraceFrame Frame;
@@ -56,10 +56,10 @@ TraceFrame PlaceTrace() {
   Frame.First = ColumnOf(MeasuredPpmAt(0));
   Frame.Step = ColumnOf(MeasuredPpmAt(1)) - Frame.First;
   const int Room = V.ViewHeight - FootRow;
-  const bool Halved = Arrangement() != OverlayArrangement;
+  const bool Halved = PresentArrangement() != OverlayArrangement;
   Frame.Foot = Halved ? Room - Room / 2 : Room;
-  Frame.Bottom = Arrangement() == MirrorArrangement ? Room : Frame.Foot;
-  Frame.Top = Arrangement() == MirrorArrangement ? Frame.Foot : 0;
+  Frame.Bottom = PresentArrangement() == MirrorArrangement ? Room : Frame.Foot;
+  Frame.Top = PresentArrangement() == MirrorArrangement ? Frame.Foot : 0;
   return Frame;
 }
 
@@ -77,7 +77,7 @@ std::pair<std::size_t, std::size_t> FindShown(std::size_t Count, const TraceFram
 // Pixels for a point of 1.
 Double ScaleTrace(std::span<const Long> Shown, const TraceFrame& Frame) {
   if (Shown.empty()) return 0;
-  const Double Share = Arrangement() == OverlayArrangement ? 1.0 : 0.5;
+  const Double Share = PresentArrangement() == OverlayArrangement ? 1.0 : 0.5;
   const Double Own = MeasuredView.Scale;
   if (IsSet(MeasuredView.EqualArea) && IsSet(W.SpectraAvailable)) {
     const Double Measured = std::accumulate(Shown.begin(), Shown.end(), 0.0) * Frame.Step;
@@ -98,7 +98,7 @@ void DrawMeasured(DrawingContext& Context) {
   const auto [First, End] = FindShown(Points.size(), Frame);
   if (First >= End) return;
   Frame.Scale = ScaleTrace(Points.subspan(First, End - First), Frame);
-  if (Arrangement() == MirrorArrangement) Frame.Scale = -Frame.Scale;
+  if (PresentArrangement() == MirrorArrangement) Frame.Scale = -Frame.Scale;
   SelectPen(Context, MeasuredColour());
   DrawTrace(Context, Points, Frame);
   DrawIntegrals(Context, MeasuredColour(), V.ViewHeight, V.ViewWidth, ColumnOf);
@@ -120,7 +120,7 @@ void DrawLegend(DrawingContext& Context) {
   int Row = V.ViewHeight / MarkerShare + 4;
   for (const Entry& Each : Entries) {
     constexpr int Stroke = 16;
-    const int X = std::max(V.ViewWidth - TextPixels(Each.Words) - 2 * Stroke, 0);
+    const int X = std::max(int(V.ViewWidth) - TextPixels(Each.Words) - 2 * Stroke, 0);
     SelectPen(Context, Each.Pen);
     MoveTo(Context, X, Row + RowHeight / 2);
     LineTo(Context, X + Stroke, Row + RowHeight / 2);
@@ -140,7 +140,7 @@ void DrawLabels(DrawingContext& Context, const std::vector<Multiplet>& Multiplet
     if (Column < 0 || Column >= V.ViewWidth) continue;
     const Text Words = Join(MultipletAtoms(Each), "  ", MultipletWords(Each));
     const int Width = TextPixels(Words);
-    const int X = std::clamp(static_cast<int>(Column) - Width / 2, 0, std::max(V.ViewWidth - Width, 0));
+    const int X = std::clamp(static_cast<int>(Column) - Width / 2, 0, std::max(int(V.ViewWidth) - Width, 0));
     for (std::size_t Row = 0; Row < MostRows; ++Row) {
       if (FreeFrom[Row] > X) continue;
       FreeFrom[Row] = X + Width + RowHeight;
@@ -254,8 +254,8 @@ void DrawTrace(DrawingContext& Context, std::span<const Long> Points, const Trac
 
 void ShareSurface() {
   const int Room = V.ViewHeight - FootRow;
-  V.HeightShare = Arrangement() == OverlayArrangement ? 1.0 : 0.5;
-  V.FootLift = Arrangement() == MirrorArrangement ? Room / 2 : 0;
+  V.HeightShare = PresentArrangement() == OverlayArrangement ? 1.0 : 0.5;
+  V.FootLift = PresentArrangement() == MirrorArrangement ? Room / 2 : 0;
 }
 
 void DrawAdditions(DrawingContext& Context) {

@@ -120,7 +120,7 @@ void UpdateCommands(int View) {
   Enable(Main.mnuViewLabels, Spectrum && Has.Spectra);
   Enable(Main.mnuViewTree, Spectrum && Has.Spectra);
   Enable(Main.mnuViewPane, Spectrum && Has.Molecule);
-  Enable(Main.mnuFileExport, ShownDataExist(Has, View));
+  Enable(Main.mnuFileExport, (View == MoleculeView && Has.Molecule) || Spectrum);
   UpdateMouseTools(Has, View);
   SetPressed(Main.picToolbar[ToolShielding], ToFlag(View == ShieldingView));
   SetPressed(Main.picToolbar[ToolCoupling], ToFlag(View == CouplingView));
@@ -183,25 +183,16 @@ int PaneWidth() {
   return TwipsFromPixels(static_cast<int>(std::int64_t{Width} * Main.PanePercent / Hundred / TwipsPerPixelX));
 }
 
-namespace {
-// The scales of the spectrum follow one resize behind.
-void LayOutAgain() {
-  Fire(Main.frmNMR.Resize);
-  Fire(Main.frmNMR.Resize);
-  RefreshView();
-}
-}  // namespace
-
 void ShowPane(Flag Shown) {
   SetChecked(Main.mnuViewPane, Shown);
-  LayOutAgain();
+  RefreshView();
 }
 
 void SetPanePercent(int Percent) {
   constexpr int Least = 10;
   constexpr int Most = 80;
   Main.PanePercent = std::clamp(Percent, Least, Most);
-  LayOutAgain();
+  RefreshView();
 }
 
 void LayOutWindow() {

@@ -123,6 +123,13 @@ void TakeViewSize() {
   V.ViewHeight = ToInteger(Double(Main.Spectrum1.Height) / TwipsPerPixelY);
 }
 
+void FollowSurface() {
+  if (ToInteger(Double(Main.Spectrum1.Width) / TwipsPerPixelX) == V.ViewWidth) return;
+  TakeViewSize();
+  V.HorizontalScale = Divide(int(V.ViewWidth), GetHighLow());
+  ComputeLineWidths(true);
+}
+
 void FitHorizontalScale() {
   const Double Range = GetHighLow();
   if (Range > LeastRange) V.HorizontalScale = int(V.ViewWidth) / Range;
