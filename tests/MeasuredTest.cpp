@@ -61,7 +61,11 @@ TEST_F(MeasuredTest, JcampTablesAreReadBack) {
   const JcampTable Back = ReadJcampTable(Table, {12.5, -0.25, 1, true, 0});
   EXPECT_TRUE(std::equal(Points.begin(), Points.end(), Back.Values.begin(), Back.Values.end()));
   EXPECT_TRUE(Back.Warnings.empty());
-  for (const Text& Line : SplitLines(Change(Table, "\n", "\r\n"))) EXPECT_LE(Line.size(), 80U);
+  for (std::size_t From = 1; From < Table.size();) {
+    const std::size_t Feed = Table.find("\n", From);
+    EXPECT_LE(Feed - From, 80U);
+    From = Feed + 1;
+  }
   for (std::size_t Cut = 1; Cut < 400; ++Cut) {
     FailureOf([&] { EXPECT_LE(ReadJcampTable(Table.substr(0, Cut), {}).Values.size(), Points.size()) << Cut; });
   }
@@ -147,9 +151,11 @@ TEST_F(MeasuredTest, AnFidBecomesASpectrum) {
   for (int Sample = 0; Sample < 4096; ++Sample) {
     const Double Time = (Sample - Fid.GroupDelay) / Fid.SweepHz;
     std::complex<Double> Value = 0;
-    if (Time >= 0) {
+    // The first sample stands for half an interval.
+    const Double Weight = Time > 0 ? 1.0 : Time == 0 ? 0.5 : 0.0;
+    if (Weight > 0) {
       for (const Double Hz : {2000.0, -1000.0}) {
-        Value += std::polar(std::exp(-10.0 * Time), 2.0 * std::numbers::pi * Hz * Time + 0.7);
+        Value += std::polar(Weight * std::exp(-10.0 * Time), 2.0 * std::numbers::pi * Hz * Time + 0.7);
       }
     }
     Fid.Real.push_back(Value.real());

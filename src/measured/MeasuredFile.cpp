@@ -116,7 +116,7 @@ MeasuredSpectrum ReadTwoColumns(TextView Content) {
     Farthest = std::max(Farthest, std::fabs(Points[Point].first - Made.First - static_cast<Double>(Point) * Step));
     Made.Real.push_back(Points[Point].second);
   }
-  if (Farthest > std::max(2.0 * std::fabs(Step), 0.002)) throw Failure("the points do not lie at equal distances");
+  if (Farthest > std::max(0.6 * std::fabs(Step), 0.0011)) throw Failure("the points do not lie at equal distances");
   return Made;
 }
 

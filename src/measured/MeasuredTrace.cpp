@@ -31,19 +31,23 @@ Double LargestOf(const std::vector<Double>& Values) {
   return Largest;
 }
 
-// Whether the values are whole numbers of this unit.
-bool AreMultiples(const std::vector<Double>& Values, Double Unit) {
+// Whether the values are whole numbers of this unit, as far as Doubles can tell.
+bool AreMultiples(const std::vector<Double>& Values, Double Unit, Double Largest) {
+  constexpr Double Rounding = 1.0e-10;
   return std::all_of(Values.begin(), Values.end(), [&](Double Value) {
-    const Double Whole = Value / Unit;
-    return std::fabs(Whole) <= LargestPoint && std::fabs(Whole - std::round(Whole)) < 1.0e-3;
+    const Double Whole = std::round(Value / Unit);
+    return std::fabs(Whole) <= LargestPoint && std::fabs(Value - Whole * Unit) <= Rounding * Largest;
   });
 }
 
+// The unit that the file tells, a decimal one where all values are written with few digits, or one that is fine enough.
 Double ChooseFactor(const MeasuredSpectrum& From) {
-  const Double Own = std::fabs(AsWritten(From.Factor));
-  if (Own > 0 && AreMultiples(From.Real, Own)) return Own;
   const Double Largest = LargestOf(From.Real);
-  return Largest > 0 ? AsWritten(Largest / OwnLargestPoint) : 1.0;
+  if (!(Largest > 0)) return 1.0;
+  for (const Double Unit : {std::fabs(AsWritten(From.Factor)), 1.0, 0.1, 0.01, 1.0e-3, 1.0e-4, 1.0e-5, 1.0e-6}) {
+    if (Unit > 0 && AreMultiples(From.Real, Unit, Largest)) return Unit;
+  }
+  return AsWritten(Largest / OwnLargestPoint);
 }
 
 // A line of the document can hold it.
@@ -145,6 +149,10 @@ void AddMeasuredVariables() {
   AddVariable("MeasuredNucleus", W.MeasuredNucleus);
   AddVariable("MeasuredSolvent", W.MeasuredSolvent);
   AddVariable("MeasuredTitle", W.MeasuredTitle);
+  AddVariable("IntegralCount", W.IntegralCount);
+  AddArray("IntegralHigh", W.IntegralHigh, [] { return int(W.IntegralCount); });
+  AddArray("IntegralLow", W.IntegralLow, [] { return int(W.IntegralCount); });
+  AddVariable("IntegralTotal", W.IntegralTotal);
 }
 
 }  // namespace zelvanor

@@ -92,7 +92,6 @@ struct SignalPoint {
   Double Place;
   Double Real;
   Double Imaginary;
-  bool FollowsLast;  // stands beside the point before it
 };
 
 std::vector<SignalPoint> FindSignals(const MeasuredSpectrum& Of) {
@@ -112,33 +111,30 @@ std::vector<SignalPoint> FindSignals(const MeasuredSpectrum& Of) {
   for (std::size_t Point = 0; Point < Count; ++Point) {
     if (!Taken[Point]) continue;
     Signals.push_back({static_cast<Double>(Point) / static_cast<Double>(Count), Of.Real[Point] / Largest,
-                       Of.Imaginary[Point] / Largest, Point > 0 && Taken[Point - 1]});
+                       Of.Imaginary[Point] / Largest});
   }
   return Signals;
 }
 
+// An absorption line falls off with the square of the distance, a dispersion line with the distance itself: the sum of
+// magnitudes has a sharp least value where all lines are in phase. What lies below zero tells the sign.
 Double CostOf(const std::vector<SignalPoint>& Signals, const Processing& By) {
   Double Below = 0;
-  Double All = 0;
+  Double Squares = 0;
   Double Sum = 0;
-  Double SumLogs = 0;
-  Double Last = 0;
+  Double Magnitudes = 0;
   for (const SignalPoint& Point : Signals) {
     const Double Phase = PhaseAt(By, Point.Place);
     const Double Value = Point.Real * std::cos(Phase) - Point.Imaginary * std::sin(Phase);
-    All += Point.Real * Point.Real + Point.Imaginary * Point.Imaginary;
+    const Double Square = Point.Real * Point.Real + Point.Imaginary * Point.Imaginary;
+    Squares += Square;
+    Magnitudes += std::sqrt(Square);
+    Sum += std::fabs(Value);
     if (Value < 0) Below += Value * Value;
-    const Double Slope = Point.FollowsLast ? std::fabs(Value - Last) : 0.0;
-    if (Slope > 0) {
-      Sum += Slope;
-      SumLogs += Slope * std::log(Slope);
-    }
-    Last = Value;
   }
-  if (!(Sum > 0) || !(All > 0)) return 0;
-  // The entropy of the slopes as shares of their sum.
-  constexpr Double WeightOfBelow = 20.0;
-  return std::log(Sum) - SumLogs / Sum + WeightOfBelow * Below / All;
+  if (!(Squares > 0)) return 0;
+  constexpr Double WeightOfBelow = 2.0;
+  return Sum / Magnitudes + WeightOfBelow * Below / Squares;
 }
 
 // Goes down from the present phases with ever shorter steps.

@@ -20,9 +20,7 @@ inline constexpr int HighestBaselineOrder = 9;
 // it is, with an imaginary part where it had none.
 MeasuredSpectrum TransformToSpectrum(const MeasuredSpectrum& From, const Processing& By);
 
-// The phases at which the spectrum has the sharpest lines and the least below zero: the entropy of the first
-// derivative (L. Chen, Z. Weng, L. Goh, M. Garland, Journal of Magnetic Resonance 158 (2002) 164), and the share of
-// what lies below zero.
+// The phases at which the lines have the least area by magnitude and the least of it below zero.
 void FindPhases(const MeasuredSpectrum& Of, Processing& To);
 
 // Carries out phase, baseline and move on a transformed spectrum, which afterwards has no imaginary part.

@@ -1,5 +1,7 @@
 #include "spectrum/EnvelopeCurve.h"
 
+#include <algorithm>
+
 #include "spectrum/Envelope.h"
 #include "spectrum/SpectrumView.h"
 #include "workspace/Workspace.h"
@@ -16,10 +18,11 @@ std::vector<Double> BuildEnvelope(Double Start, Double Step, std::size_t Count, 
   for (std::size_t Peak = 0; Peak < Peaks; ++Peak) Work2[Peak] = static_cast<Single>(Factor * Intensity[Peak]);
   const EnvelopePeaks All{Workspace.PeakFrequency.Span().first(Peaks), Work1, Work2};
   std::vector<Double> Samples(Count);
-  if (Gaussian) {
-    SumGaussians(All, Start, Step, Samples);
-  } else {
-    SumLorentzians(All, Start, Step, Samples);
+  // The sums are made for the columns of a view: a longer curve is made in pieces.
+  for (std::size_t First = 0; First < Count; First += MaxEnvelopeSamples) {
+    const std::size_t Length = std::min<std::size_t>(Count - First, MaxEnvelopeSamples);
+    (Gaussian ? SumGaussians : SumLorentzians)(All, Start + static_cast<Double>(First) * Step, Step,
+                                               std::span(Samples).subspan(First, Length));
   }
   return Samples;
 }
