@@ -127,6 +127,9 @@ TEST_F(SetupTest, TakesTheMoleculeSelection) {
            }
            EXPECT_EQ(Taken, Each.Expected) << Mode.Word;
            EXPECT_EQ(List("frmSelect.List2").Items.size(), Each.Expected.size());
+           if (Taken.empty()) return;
+           SetSelected(List("frmSelect.List2"), 0, true);
+           EXPECT_TRUE(List("frmSelect.List2").Selected[0]);
          }});
       const Texts Asked = {Join("question Would you like to replace the previous ", Mode.Word,
                                 " atom selection by the current selection?")};
