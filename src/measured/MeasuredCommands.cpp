@@ -144,7 +144,7 @@ void RemoveMeasured() {
 
 bool LooksMeasured(const Text& Path) {
   std::error_code Ignored;
-  if (std::filesystem::is_directory(Path, Ignored)) return true;
+  if (std::filesystem::is_directory(Path, Ignored)) return IsSpectrometerFolder(Path);
   const Text Ending = EndingOf(Path);
   const TextView Name = FileTitleOf(Path);
   const auto IsOneOf = [](TextView Word, std::initializer_list<const char*> Words) {

@@ -152,6 +152,16 @@ void Check(const MeasuredSpectrum& Read) {
 
 }  // namespace
 
+bool IsSpectrometerFolder(const Text& Folder) {
+  const auto Holds = [](const Text& Each) {
+    return HoldsSpectrum(Each) || HoldsFid(Each) ||
+           HoldsSpectrum(Join(Each, PathSeparator, "pdata", PathSeparator, "1"));
+  };
+  if (Holds(Folder)) return true;
+  const std::vector<Text> Inside = FoldersIn(Folder);
+  return std::any_of(Inside.begin(), Inside.end(), Holds);
+}
+
 MeasuredSpectrum ReadMeasuredFile(const Text& Path) {
   std::error_code Ignored;
   MeasuredSpectrum Read = fs::is_directory(Path, Ignored) ? ReadFolder(Path) : ReadByContent(Path);

@@ -34,6 +34,8 @@ struct MeasuredSpectrum {
   std::vector<Text> Warnings;  // what the user has to know about it
 };
 
+// Whether a folder is one that a spectrometer writes: it holds a spectrum or an FID, or a folder in it does.
+bool IsSpectrometerFolder(const Text& Folder);
 // Reads a file, or a folder of the kind that spectrometers write; throws a Failure that tells why it can't be taken.
 MeasuredSpectrum ReadMeasuredFile(const Text& Path);
 

@@ -7,6 +7,7 @@
 #include "measured/MeasuredCommands.h"
 #include "platform/Form.h"
 #include "qt/Dispatch.h"
+#include "qt/TextConversion.h"
 #include "qt/controls/Boxes.h"
 #include "shell/MainForm.h"
 
@@ -29,8 +30,8 @@ bool MayOpenDocuments() {
 QString FirstLocalFile(const QMimeData& Dragged) {
   for (const QUrl& Place : Dragged.urls()) {
     QString Path = Place.toLocalFile();
-    // A folder may be that of a spectrometer.
-    if (!Path.isEmpty() && (QFileInfo(Path).isFile() || QFileInfo(Path).isDir())) return Path;
+    const QFileInfo Found(Path);
+    if (!Path.isEmpty() && (Found.isFile() || (Found.isDir() && LooksMeasured(PathFromQt(Path))))) return Path;
   }
   return {};
 }

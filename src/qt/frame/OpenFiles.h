@@ -15,7 +15,7 @@ void OpenDocument(const Text& Path);
 // False while a command works, a dialog is open or the Open command is off.
 bool MayOpenDocuments();
 
-// The first local file or folder among what is dragged; empty for none.
+// The first local file, or folder of a spectrometer, among what is dragged; empty for none.
 QString FirstLocalFile(const QMimeData& Dragged);
 
 }  // namespace zelvanor
