@@ -12,6 +12,7 @@
 #include "files/FileCommands.h"
 #include "history/History.h"
 #include "history/Recovery.h"
+#include "measured/MeasuredCommands.h"
 #include "pictures/ViewPictures.h"
 #include "platform/Grid.h"
 #include "program.h"
@@ -149,6 +150,15 @@ void Wait(const Words& All) {
   } while (Now() < End);
 }
 
+void Measured(const Words& All) {
+  if (!ModalForms().empty()) return PrintOut("refused measured");
+  if (All[1].Value == "none" && !All[1].WasQuoted) {
+    RemoveMeasured();
+  } else {
+    OpenMeasured(All[1].Value);
+  }
+}
+
 void Echo(const Words& All) {
   Text Line;
   for (std::size_t Word = 1; Word < All.size(); ++Word) Line += (Word > 1 ? " " : "") + All[Word].Value;
@@ -205,7 +215,9 @@ std::map<Text, CommandRow>& Commands() {
       {"dump", {Dump, 1, true}},
       {"view", {[](const Words& All) { WriteView(All[1].Value); }, 1, true}},
       {"chart", {[](const Words& All) { pictures::WriteChartPicture(All[1].Value); }, 1, true}},
-      {"save", {[](const Words& All) { SavePeaks(All[1].Value); }, 1, true}},
+      {"save", {SaveSpectrum, 1, true}},
+      {"measured",
+       {[](const Words& All) { RunRecorded("changing the measured spectrum", [&] { Measured(All); }); }, 1, true}},
       {"undo", {[](const Words&) { GoStep(GoBack, "undone ", "nothing to undo"); }, 0, true}},
       {"redo", {[](const Words&) { GoStep(GoForward, "redone ", "nothing to redo"); }, 0, true}},
       {"cancel", {[](const Words&) { Progress.Runs ? AskCancel() : AskCancelLater(); }, 0, true}},

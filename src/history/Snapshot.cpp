@@ -37,6 +37,10 @@ void ForLargeArrays(Visitor Visit, States&... All) {
   Visit(All.PeakIntensity...);
   Visit(All.PeakDegeneracy...);
   Visit(All.PeakLineWidth...);
+  Visit(All.MeasuredPoint...);
+  Visit(All.PeakSiteEnd...);
+  Visit(All.PeakSite...);
+  Visit(All.PeakSiteShare...);
   Visit(All.NMRAtomSpinHalf...);
   Visit(All.NMRPairSpinHalf...);
   Visit(All.HostTextLine...);

@@ -15,7 +15,8 @@ void ShowStep(MenuItem& Item, const char* Caption, const Text& Name) {
 // Stays where it is while there is something to show.
 void ChooseView() {
   WorkspaceState& W = Workspace;
-  const Flag Shown[] = {W.MoleculeLoaded, W.ShieldingAvailable, W.CouplingAvailable, W.SpectraAvailable};
+  const Flag Shown[] = {W.MoleculeLoaded, W.ShieldingAvailable, W.CouplingAvailable,
+                        ToFlag(IsSet(W.SpectraAvailable) || W.MeasuredCount > 0)};
   if (W.ViewMode >= MoleculeView && W.ViewMode <= SpectrumViewMode && IsSet(Shown[W.ViewMode - 1])) return;
   W.ViewMode = MoleculeView;
   for (int View = SpectrumViewMode; View >= MoleculeView; --View) {

@@ -18,6 +18,7 @@
 #include "qt/controls/KeyFilter.h"
 #include "qt/frame/MenuBar.h"
 #include "qt/frame/OpenFiles.h"
+#include "qt/frame/PaneDivider.h"
 #include "qt/frame/Remembered.h"
 #include "qt/frame/ToolStrip.h"
 #include "qt/help/HelpWindow.h"
@@ -51,12 +52,16 @@ class WorkArea : public QWidget {
     Hint = MakeWorkHint(this);
     Strip = MakeToolStrip(this);
     for (Control* Item : WorkControls) MakeWidget(*Item, this);
+    Divider = MakePaneDivider(this);
     // The scales of the spectrum follow one resize behind.
     Settled.setObjectName("settled");
     Settled.setSingleShot(true);
     Settled.setInterval(SettleMilliseconds);
     QObject::connect(&Settled, &QTimer::timeout, this, [] { Dispatch([] { Fire(Main.frmNMR.Resize); }); });
-    AfterDispatch = [this] { ShowWorkHint(Hint); };
+    AfterDispatch = [this] {
+      ShowWorkHint(Hint);
+      PlacePaneDivider(Divider);
+    };
   }
 
   ~WorkArea() override { AfterDispatch = {}; }
@@ -76,6 +81,7 @@ class WorkArea : public QWidget {
  private:
   QLabel* Hint = nullptr;
   QWidget* Strip = nullptr;
+  QWidget* Divider = nullptr;
   QTimer Settled{this};
 };
 
