@@ -1,10 +1,12 @@
 #include "backend/Results.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "basic/Numbers.h"
 #include "platform/TextFiles.h"
 #include "settings/SettingsState.h"
+#include "shell/Frame.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
@@ -69,6 +71,7 @@ void AllocateParamResults(Integer Count) {
   W.NMRAtom.ReDimPreserve(Count);
   W.NMRAtomicNumber.ReDimPreserve(Count);
   W.Shielding.ReDim(Count);
+  W.ShieldingError.ReDim(Count);
   W.ChemicalShift.ReDim(Count);
   W.Coupling.ReDim(Count, Count);
 }
@@ -79,6 +82,21 @@ void ReadShieldings() {
   W.NMRFrequency = ToLong(PrefixNumber(NextLine(Warning)));
   NextLine(Warning);
   ScanLine(NextLine(Warning), W.NumNMRAtoms, [](int Atom, Double Value) { W.Shielding[Atom] = ToSingle(Value); });
+}
+
+// The error bars of the shieldings, a line each; a backend that knows none writes no such file. What is no number above
+// 0 counts as unknown.
+void ReadShieldingErrors() {
+  const Text& Path = Settings.ParamErrorFile;
+  if (!IsSet(FileExists(Path))) return;
+  const Integer File = FreeFile();
+  IgnoreFailure([&] {
+    OpenForInput(Path, File);
+    for (int Atom = 0; Atom < W.NumNMRAtoms && !AtEnd(File); ++Atom) {
+      W.ShieldingError[Atom] = ToSingle(std::max(PrefixNumber(LineInput(File)), 0.0));
+    }
+  });
+  CloseFileQuietly(File);
 }
 
 void ReadTensors() {
@@ -200,10 +218,13 @@ std::vector<int> FindMembers(int Set) {
 }
 
 void AverageShieldings(const std::vector<int>& Members, int Size) {
-  Double Sum = 0;
-  for (const int Atom : Members) Sum += W.Shielding[Atom];
-  const Single Mean = ToSingle(Sum / Size);
-  for (const int Atom : Members) W.Shielding[Atom] = Mean;
+  for (Array<Single>* Values : {&W.Shielding, &W.ShieldingError}) {
+    if (Members.back() > Values->UpperBound()) continue;
+    Double Sum = 0;
+    for (const int Atom : Members) Sum += (*Values)[Atom];
+    const Single Mean = ToSingle(Sum / Size);
+    for (const int Atom : Members) (*Values)[Atom] = Mean;
+  }
 }
 
 void AverageOuterCouplings(const std::vector<int>& Members, int Size) {
@@ -254,6 +275,7 @@ void AverageEquivalentResults() {
 Flag ReadParamResults(const Text& Path) {
   return ReadResultFile(Path, [] {
     ReadParamLines();
+    ReadShieldingErrors();
     if (IsSet(W.NMRAtomsValid)) AverageEquivalentResults();
   });
 }

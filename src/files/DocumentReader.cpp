@@ -115,6 +115,8 @@ bool ReadSections(const Text& Path) {
       Read = ReadShieldingCoupling(Path, LineWork.FileNumber);
     } else if (Line.starts_with(document::SpectraBegin)) {
       Read = ReadSpectra(Path, LineWork.FileNumber);
+    } else if (Line.starts_with(document::ErrorsBegin)) {
+      Read = ReadShieldingErrors(Path, LineWork.FileNumber);
     }
     if (!IsSet(Read)) return false;
   }

@@ -28,6 +28,7 @@ void AllocateResults() {
   // First, since its bound is the one that overflows: nothing large is allocated for a count that is refused.
   W.ShieldTensor.ReDim(TensorValues * Integer(Count));
   W.Shielding.ReDim(Count);
+  W.ShieldingError.ReDim(Count);
   W.ChemicalShift.ReDim(Count);
   W.Coupling.ReDim(Count, Count);
 }
@@ -189,6 +190,21 @@ bool ReadSpectraLines(Integer FileNumber) {
 }
 
 }  // namespace
+
+Flag ReadShieldingErrors(const Text& Path, Integer FileNumber) {
+  try {
+    for (;;) {
+      const TextView Line = LineInput(FileNumber);
+      if (Line.starts_with(document::ErrorsEnd)) return True;
+      const int Count = CheckListLine(Line, Path);
+      for (int Atom = 0; Atom < Count; ++Atom)
+        W.ShieldingError[Atom] = std::max(ReadListValue(LineWork.Tokens[Atom + 1]), Single{0});
+    }
+  } catch (const Failure& Problem) {
+    WarnOfFailure(Problem);
+    return False;
+  }
+}
 
 Flag ReadShieldingCoupling(const Text& Path, Integer FileNumber) {
   Flag Result = False;

@@ -73,6 +73,18 @@ Flag WriteMolecule() {
   return Written;
 }
 
+// Values that were typed or come from another program have none.
+bool HasShieldingErrors() {
+  if (!IsSet(W.ShieldingAvailable) || W.ShieldingError.UpperBound() < W.NumNMRAtoms) return false;
+  const std::span<const Single> Errors = FirstOf(W.ShieldingError.Span(), W.NumNMRAtoms);
+  return std::ranges::any_of(Errors, [](Single Value) { return Value > 0; });
+}
+
+Flag WriteShieldingErrors(Integer FileNumber) {
+  PrintLine(FileNumber, ValueList(FirstOf(W.ShieldingError.Span(), W.NumNMRAtoms)));
+  return True;
+}
+
 bool WriteOpenDocument(const Text& Path) {
   const Integer File = LineWork.FileNumber;
   if (IsSet(W.MoleculeLoaded) && !WriteBetween(document::BeginHostBlock, document::EndHostBlock, WriteMolecule)) {
@@ -84,7 +96,9 @@ bool WriteOpenDocument(const Text& Path) {
                       [&] { return WriteNMRAtomicNumbers(Path, File); }) &&
          WriteBetween(document::ResultsBegin, document::ResultsEnd,
                       [&] { return WriteShieldingCoupling(Path, File); }) &&
-         WriteBetween(document::SpectraBegin, document::SpectraEnd, [&] { return WriteSpectra(Path, File); });
+         WriteBetween(document::SpectraBegin, document::SpectraEnd, [&] { return WriteSpectra(Path, File); }) &&
+         (!HasShieldingErrors() ||
+          WriteBetween(document::ErrorsBegin, document::ErrorsEnd, [&] { return WriteShieldingErrors(File); }));
 }
 
 // Runs the body of a section routine: its failures become a warning and the result 0.
@@ -102,7 +116,7 @@ Flag ReportFailure(Routine Body) {
 // A folder that takes no second file is no reason not to save; a disk that is full is.
 bool KeepFormerWherePossible(const Text& Path) {
   try {
-    return KeepFormerContent(Path, document::SpectraEnd);
+    return KeepFormerContent(Path, document::LastLines);
   } catch (const Failure& Problem) {
     if (Problem.What == failures::DiskFull) throw;
     return false;

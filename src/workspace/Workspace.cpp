@@ -45,10 +45,15 @@ void ClearWorkspace() {
   W.LabelledAtom.ReDim(0);
   W.NMRAtomicNumber.ReDim(0);
   W.Shielding.ReDim(0);
+  W.ShieldingError.ReDim(0);
   W.ChemicalShift.ReDim(0);
   W.Coupling.ReDim(0, 0);
   for (int Set = 0; Set < NumSavedSets; ++Set) W.EquivalentSetSize[Set] = 0;
   W.NMRAtomsValid = W.ShieldingAvailable = W.CouplingAvailable = False;
+}
+
+void ForgetShieldingError(int Place) {
+  if (Place <= Workspace.ShieldingError.UpperBound()) Workspace.ShieldingError[Place] = 0;
 }
 
 void AllocatePeaks(int NumPeaks) {
