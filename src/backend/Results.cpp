@@ -1,12 +1,11 @@
 #include "backend/Results.h"
 
-#include <algorithm>
 #include <vector>
 
+#include "backend/ErrorBars.h"
 #include "basic/Numbers.h"
 #include "platform/TextFiles.h"
 #include "settings/SettingsState.h"
-#include "shell/Frame.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
@@ -82,21 +81,6 @@ void ReadShieldings() {
   W.NMRFrequency = ToLong(PrefixNumber(NextLine(Warning)));
   NextLine(Warning);
   ScanLine(NextLine(Warning), W.NumNMRAtoms, [](int Atom, Double Value) { W.Shielding[Atom] = ToSingle(Value); });
-}
-
-// The error bars of the shieldings, a line each; a backend that knows none writes no such file. What is no number above
-// 0 counts as unknown.
-void ReadShieldingErrors() {
-  const Text& Path = Settings.ParamErrorFile;
-  if (!IsSet(FileExists(Path))) return;
-  const Integer File = FreeFile();
-  IgnoreFailure([&] {
-    OpenForInput(Path, File);
-    for (int Atom = 0; Atom < W.NumNMRAtoms && !AtEnd(File); ++Atom) {
-      W.ShieldingError[Atom] = ToSingle(std::max(PrefixNumber(LineInput(File)), 0.0));
-    }
-  });
-  CloseFileQuietly(File);
 }
 
 void ReadTensors() {

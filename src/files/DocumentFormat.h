@@ -1,8 +1,5 @@
 #pragma once
 
-#include <array>
-#include <string_view>
-
 namespace zelvanor::document {
 
 // The keyword lines of a document; reader, writer and the inputs of the backend take them from here. Keywords are
@@ -39,12 +36,5 @@ inline constexpr const char* SpectraType = "SPECTRATYPE";
 inline constexpr const char* SpectraReference = "REFERENCESHIELDING";
 inline constexpr const char* SpectraHalf = "NMRATOMSWITHSPINHALF";
 inline constexpr const char* SpectraEnd = "SpectraEnd";
-
-// Sections that not every document has, behind all others.
-inline constexpr const char* ErrorsBegin = "ShieldingErrorBegin";
-inline constexpr const char* ErrorsEnd = "ShieldingErrorEnd";
-
-// A whole document ends in one of these lines.
-inline constexpr std::array<std::string_view, 2> LastLines = {SpectraEnd, ErrorsEnd};
 
 }  // namespace zelvanor::document

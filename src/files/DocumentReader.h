@@ -16,7 +16,6 @@ Flag ReadOptions(const Text& Path, Integer FileNumber);
 Flag ReadNMRAtomicNumbers(const Text& Path, Integer FileNumber);
 Flag ReadShieldingCoupling(const Text& Path, Integer FileNumber);
 Flag ReadSpectra(const Text& Path, Integer FileNumber);
-Flag ReadShieldingErrors(const Text& Path, Integer FileNumber);
 
 // The warning for a line that an option or a list of values can't be read from.
 void WarnOfLine(TextView Line, const Text& Path);

@@ -191,21 +191,6 @@ bool ReadSpectraLines(Integer FileNumber) {
 
 }  // namespace
 
-Flag ReadShieldingErrors(const Text& Path, Integer FileNumber) {
-  try {
-    for (;;) {
-      const TextView Line = LineInput(FileNumber);
-      if (Line.starts_with(document::ErrorsEnd)) return True;
-      const int Count = CheckListLine(Line, Path);
-      for (int Atom = 0; Atom < Count; ++Atom)
-        W.ShieldingError[Atom] = std::max(ReadListValue(LineWork.Tokens[Atom + 1]), Single{0});
-    }
-  } catch (const Failure& Problem) {
-    WarnOfFailure(Problem);
-    return False;
-  }
-}
-
 Flag ReadShieldingCoupling(const Text& Path, Integer FileNumber) {
   Flag Result = False;
   try {

@@ -4,6 +4,7 @@
 #include <span>
 
 #include "files/DocumentFormat.h"
+#include "files/ExtraSections.h"
 #include "files/HostText.h"
 #include "files/OptionLines.h"
 #include "platform/EndSignals.h"
@@ -73,15 +74,13 @@ Flag WriteMolecule() {
   return Written;
 }
 
-// Values that were typed or come from another program have none.
-bool HasShieldingErrors() {
-  if (!IsSet(W.ShieldingAvailable) || W.ShieldingError.UpperBound() < W.NumNMRAtoms) return false;
-  const std::span<const Single> Errors = FirstOf(W.ShieldingError.Span(), W.NumNMRAtoms);
-  return std::ranges::any_of(Errors, [](Single Value) { return Value > 0; });
-}
-
-Flag WriteShieldingErrors(Integer FileNumber) {
-  PrintLine(FileNumber, ValueList(FirstOf(W.ShieldingError.Span(), W.NumNMRAtoms)));
+Flag WriteExtraSections() {
+  for (const ExtraSection& Section : ExtraSections()) {
+    if (!Section.HasContent()) continue;
+    PrintLine(LineWork.FileNumber, Section.Begin);
+    Section.Write(LineWork.FileNumber);
+    PrintLine(LineWork.FileNumber, Section.End);
+  }
   return True;
 }
 
@@ -97,8 +96,7 @@ bool WriteOpenDocument(const Text& Path) {
          WriteBetween(document::ResultsBegin, document::ResultsEnd,
                       [&] { return WriteShieldingCoupling(Path, File); }) &&
          WriteBetween(document::SpectraBegin, document::SpectraEnd, [&] { return WriteSpectra(Path, File); }) &&
-         (!HasShieldingErrors() ||
-          WriteBetween(document::ErrorsBegin, document::ErrorsEnd, [&] { return WriteShieldingErrors(File); }));
+         IsSet(WriteExtraSections());
 }
 
 // Runs the body of a section routine: its failures become a warning and the result 0.
@@ -116,7 +114,9 @@ Flag ReportFailure(Routine Body) {
 // A folder that takes no second file is no reason not to save; a disk that is full is.
 bool KeepFormerWherePossible(const Text& Path) {
   try {
-    return KeepFormerContent(Path, document::LastLines);
+    std::vector<TextView> LastLines = {document::SpectraEnd};
+    for (const ExtraSection& Section : ExtraSections()) LastLines.emplace_back(Section.End);
+    return KeepFormerContent(Path, LastLines);
   } catch (const Failure& Problem) {
     if (Problem.What == failures::DiskFull) throw;
     return false;
