@@ -7,6 +7,7 @@
 #include "atomsets/frmSelect.h"
 #include "atomsets/frmSelect2.h"
 #include "backend/Compute.h"
+#include "backend/ErrorBars.h"
 #include "backend/LogCommands.h"
 #include "backend/PeakMap.h"
 #include "basic/NumberText.h"
@@ -424,6 +425,7 @@ void BuildProgram() {
   AddMeasuredVariables();
   AddMeasuredViewVariables();
   AddPeakMapSection();
+  AddErrorBarSection();
   AddMeasuredSection();
   AddVariable("StartedAlone", StartedAlone);
 }

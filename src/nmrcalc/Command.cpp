@@ -33,6 +33,7 @@ struct StageFiles {
   const char* Input;
   const char* Output;
 };
+constexpr const char* ErrorBarFile = "nmrparam.err";
 constexpr StageFiles Stages[] = {{"nmrparam.in", "nmrparam.out"}, {"nmrspect.in", "nmrspect.out"}};
 
 std::string JoinArguments(const std::vector<std::string>& Arguments, std::size_t First, std::size_t End) {
@@ -93,7 +94,14 @@ int FindLogLevel(const CommandLine& Command) {
 
 std::string RunStage(const CommandLine& Command, Log& Report) {
   const std::string Input = PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Input);
-  if (Command.Stage == 1) return EstimateParameters(Input, Command.ParameterDirectory, Report);
+  if (Command.Stage == 1) {
+    const std::string ErrorBars = PathIn(Command.WorkDirectory, ErrorBarFile);
+    std::error_code Error;
+    std::filesystem::remove(ErrorBars, Error);  // those of an earlier run say nothing of this one
+    const ParamTexts Texts = EstimateParameters(Input, Command.ParameterDirectory, Report);
+    if (!Texts.Errors.empty()) WriteOutput(ErrorBars, Texts.Errors);
+    return Texts.Results;
+  }
   const SpectrumInput System = ReadSpectrumInput(Input);
   AddToLog(Report, 0,
            std::string("Stage 2: ") + (System.WeakCoupling ? "first-order" : "exact") + " simulation of " +
