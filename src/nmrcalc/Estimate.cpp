@@ -18,12 +18,6 @@ constexpr const char* Description =
     "NMR parameters estimated by additive increments; not a result of KRDO/1 or KRDO/2 or of any other quantum "
     "chemical method";
 
-struct ParamResults {
-  std::vector<double> Shieldings{};        // ppm, one for each NMR atom
-  std::vector<ShieldingTensor> Tensors{};  // as the shieldings, or empty
-  std::vector<double> Couplings{};         // Hz, NMR atoms x NMR atoms
-};
-
 std::string AtomLabel(const Molecule& System, std::size_t Index) {
   const Atom& Item = System.Atoms[Index];
   return SymbolOf(Item.AtomicNumber) + " " + std::to_string(Item.InMolecule) + " of molecule " +
@@ -64,52 +58,26 @@ void ComputeCouplings(const ParamInput& Input, const std::string& TablePath, Par
   }
 }
 
-void AppendRow(std::string& Text, const double* First, std::size_t Count, int Decimals) {
-  for (std::size_t K = 0; K < Count; ++K) {
-    if (K > 0) Text += ' ';
-    Text += FixedNumber(First[K], Decimals);
-  }
-  Text += '\n';
-}
-
-std::string FormatResults(const ParamInput& Input, const ParamResults& Results) {
-  const std::size_t NumAtoms = Input.NMRAtoms.size();
-  std::string Text = std::string(Description) + "\n" + std::to_string(NumAtoms) + "\n";
-  for (std::size_t K = 0; K < NumAtoms; ++K) {
-    Text += (K > 0 ? " " : "") + std::to_string(Input.System.Atoms[Input.NMRAtoms[K]].AtomicNumber);
-  }
-  Text += "\nFIELD\n" + std::to_string(Input.Frequency) + "\nSHIELDING\n";
-  AppendRow(Text, Results.Shieldings.data(), NumAtoms, 4);
-  if (Input.WantsTensor) {
-    Text += "TENSOR\n";
-    for (const ShieldingTensor& Tensor : Results.Tensors) {
-      AppendRow(Text, Tensor.Components.data(), 9, 6);
-      const double Second[] = {Tensor.Eigenvalues[0], Tensor.Eigenvalues[1], Tensor.Eigenvalues[2], Tensor.Isotropic,
-                               Tensor.Anisotropy};
-      AppendRow(Text, Second, 5, 6);
-    }
-  }
-  Text += "COUPLING\n";
-  for (std::size_t Row = 0; Row < NumAtoms; ++Row) {
-    AppendRow(Text, Results.Couplings.data() + Row * NumAtoms, NumAtoms, 4);
-  }
-  return Text;
-}
-
 }  // namespace
+
+ParamResults Estimate(const ParamInput& Input, const std::string& ParameterDirectory, bool Shieldings, bool Couplings,
+                      Log& Report) {
+  const std::string Directory = ParameterDirectory + (ParameterDirectory.ends_with('/') ? "" : "/");
+  ParamResults Results = EmptyResults(Input);
+  Results.Description = Description;
+  AddToLog(Report, 0, std::string("Stage 1: ") + Description);
+  AddToLog(
+      Report, 0,
+      std::to_string(Input.NMRAtoms.size()) + " NMR atoms of " + std::to_string(Input.System.Atoms.size()) + " atoms");
+  if (Shieldings) ComputeShieldings(Input, Directory + ShiftFile, Results, Report);
+  if (Couplings) ComputeCouplings(Input, Directory + CouplingFile, Results, Report);
+  return Results;
+}
 
 std::string EstimateParameters(const std::string& InputPath, const std::string& ParameterDirectory, Log& Report) {
   const ParamInput Input = ReadParamInput(InputPath);
-  const std::string Directory = ParameterDirectory + (ParameterDirectory.ends_with('/') ? "" : "/");
-  const std::size_t NumAtoms = Input.NMRAtoms.size();
-  AddToLog(Report, 0, std::string("Stage 1: ") + Description);
-  AddToLog(Report, 0,
-           std::to_string(NumAtoms) + " NMR atoms of " + std::to_string(Input.System.Atoms.size()) + " atoms");
-  ParamResults Results{.Shieldings = std::vector<double>(NumAtoms),
-                       .Couplings = std::vector<double>(NumAtoms * NumAtoms)};
-  if (Input.WantsShielding || Input.WantsTensor) ComputeShieldings(Input, Directory + ShiftFile, Results, Report);
-  if (Input.WantsCoupling) ComputeCouplings(Input, Directory + CouplingFile, Results, Report);
-  return FormatResults(Input, Results);
+  return FormatResults(Input, Estimate(Input, ParameterDirectory, Input.WantsShielding || Input.WantsTensor,
+                                       Input.WantsCoupling, Report));
 }
 
 }  // namespace nmrcalc

@@ -3,10 +3,16 @@
 #include <string>
 
 #include "nmrcalc/Log.h"
+#include "nmrcalc/engines/ParamResults.h"
 
 namespace nmrcalc {
 
 // Stage 1: shieldings and couplings by increments.
+
+// The built-in engine: what is asked for, from the tables of the parameter directory. Throws Failure with file, line
+// and reason.
+ParamResults Estimate(const ParamInput& Input, const std::string& ParameterDirectory, bool Shieldings, bool Couplings,
+                      Log& Report);
 
 // Reads the input file and the tables nmr_shft.abp and nmr_cupl.abp of the parameter directory; the text of
 // nmrparam.out. Only what the options ask for is computed, the rest of the numbers are 0.
