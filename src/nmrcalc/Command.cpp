@@ -13,6 +13,8 @@
 #include "basic/Failure.h"
 #include "nmrcalc/Estimate.h"
 #include "nmrcalc/Memory.h"
+#include "nmrcalc/Progress.h"
+#include "nmrcalc/engines/Engine.h"
 #include "nmrcalc/input/InputText.h"
 #include "nmrcalc/spins/LinearAlgebra.h"
 #include "nmrcalc/spins/Spectrum.h"
@@ -93,7 +95,7 @@ int FindLogLevel(const CommandLine& Command) {
 
 std::string RunStage(const CommandLine& Command, Log& Report) {
   const std::string Input = PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Input);
-  if (Command.Stage == 1) return EstimateParameters(Input, Command.ParameterDirectory, Report);
+  if (Command.Stage == 1) return RunEngines(Input, Command.ParameterDirectory, Command.WorkDirectory, Report);
   const SpectrumInput System = ReadSpectrumInput(Input);
   AddToLog(Report, 0,
            std::string("Stage 2: ") + (System.WeakCoupling ? "first-order" : "exact") + " simulation of " +
@@ -166,7 +168,9 @@ int RunCommand(const CommandLine& Command) {
   KeepFreedMemory();
   Log Report{.Path = Command.LogPath, .Level = Command.LogPath.empty() ? 0 : FindLogLevel(Command)};
   bool Failed = false;
+  StartProgress(Command.WorkDirectory, Command.Stage);
   std::string Output = RunStageSafely(Command, Report, Failed);
+  EndProgress();
   try {
     WriteOutput(PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Output), Output);
   } catch (const zelvanor::Failure& Problem) {
