@@ -78,7 +78,8 @@ std::string ChooseLauncher(const EngineSettings& Settings, const std::string& Pr
 std::vector<std::string> LaunchWords(const EngineSettings& Settings, const std::string& InputName) {
   const std::string Program = ChooseProgram(Settings);
   std::vector<std::string> Words;
-  for (const std::string_view Token : SplitTokens(ChooseLauncher(Settings, Program))) {
+  const std::string Launcher = ChooseLauncher(Settings, Program);
+  for (const std::string_view Token : SplitTokens(Launcher)) {
     std::string Word(Token);
     if (const std::size_t Place = Word.find("%n"); Place != std::string::npos) {
       Word.replace(Place, 2, std::to_string(CountProcesses(Settings)));
@@ -157,9 +158,10 @@ std::string WholeInput(const NwchemJob& Job, const EngineSettings& Settings, con
 }
 
 std::string LastLines(const std::string& Output) {
-  const auto Lines = SplitTokens(Output.substr(Output.size() - std::min<std::size_t>(Output.size(), 300)));
+  constexpr std::size_t Most = 300;
+  const std::string_view End = std::string_view(Output).substr(Output.size() - std::min(Output.size(), Most));
   std::string Text;
-  for (const std::string_view Token : Lines) {
+  for (const std::string_view Token : SplitTokens(End)) {
     if (Token.find_first_not_of('-') == std::string_view::npos) continue;
     Text += (Text.empty() ? "" : " ") + std::string(Token);
   }

@@ -173,6 +173,7 @@ pid_t StartProgram(const ProgramRun& Run, int& Problem) {
   setsid();
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   std::signal(SIGHUP, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
   const EndSignals Signals;
   KeeperReport Report;
   const pid_t Program = StartProgram(Run, Report.StartProblem);
@@ -184,11 +185,12 @@ pid_t StartProgram(const ProgramRun& Run, int& Problem) {
     Reap(Program, Report, Ended);
   }
   EndDescendants(Program, Report, Ended, Report.Stopped);
+  // A parent that is gone reads nothing and clears nothing up.
+  const bool Alone = write(ToParent, &Report, sizeof Report) != sizeof Report;
   for (const std::string& Directory : Run.Remove) {
     std::error_code Error;
-    std::filesystem::remove_all(Directory, Error);
+    if (Alone) std::filesystem::remove_all(Directory, Error);
   }
-  [[maybe_unused]] const ssize_t Written = write(ToParent, &Report, sizeof Report);
   _exit(0);
 }
 

@@ -18,8 +18,8 @@ struct ProgramRun {
   std::string Directory{};           // where it runs
   std::string OutputPath{};          // takes its standard output and error
   std::vector<std::pair<std::string, std::string>> Environment{};  // set unless they are set already
-  std::vector<std::string> Remove{};                               // directories that go when the program has ended
-  double TimeLimit = 0.0;                                          // seconds; 0: none
+  std::vector<std::string> Remove{};  // directories that go if this process is gone before the program
+  double TimeLimit = 0.0;             // seconds; 0: none
 };
 
 enum class RunEnd { Ended, NotStarted, TimedOut, Cancelled };
