@@ -228,6 +228,7 @@ std::string StartOnce(const NwchemJob& Job, const EngineSettings& Settings, cons
       .Directory = Scratch,
       .OutputPath = Scratch + "/zelvanor.out",
       .Environment = {{"OMP_NUM_THREADS", "1"}, {"OPENBLAS_NUM_THREADS", "1"}, {"ARMCI_USE_WIN_ALLOCATE", "0"}},
+      .Remove = {Scratch},
       .TimeLimit = 60.0 * Settings.TimeLimit};
   // The output outlives the run, everything else goes with it.
   const std::string Kept = Permanent.empty() ? Scratch : Permanent;
