@@ -302,7 +302,7 @@ TEST_F(SetupTest, ResizesTheNMRAtoms) {
     }
     if (Each.VirtualAtoms > 0) {
       EXPECT_EQ(W.MoleculeAtomCount[W.NumMolecules], Each.VirtualAtoms);
-      EXPECT_EQ(AtomEntryText(Each.Count), Join("M ", W.NumMolecules + 1, " A ", Long{Each.VirtualAtoms}, " F F"));
+      EXPECT_EQ(UpperCaseAtomEntry(Each.Count), Join("M ", W.NumMolecules + 1, " A ", Long{Each.VirtualAtoms}, " F F"));
     }
     EXPECT_EQ(W.ShieldingAvailable, ToFlag(Each.Count > 0));
   }
