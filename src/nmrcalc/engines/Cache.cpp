@@ -10,8 +10,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <vector>
+
+#include "nmrcalc/engines/EngineFiles.h"
 
 namespace nmrcalc {
 
@@ -22,13 +23,6 @@ namespace fs = std::filesystem;
 std::string PathOf(const std::string& Input, const char* Ending) {
   const std::string Directory = CacheDirectory();
   return Directory.empty() ? "" : Directory + "/" + HashOf(Input) + Ending;
-}
-
-std::string ReadWhole(const std::string& Path) {
-  std::ifstream File(Path, std::ios::binary);
-  std::ostringstream Text;
-  Text << File.rdbuf();
-  return File ? Text.str() : "";
 }
 
 bool WriteWhole(const std::string& Path, const std::string& Text) {
@@ -107,12 +101,12 @@ std::string HashOf(const std::string& Text) {
 
 std::string FindInCache(const std::string& Input) {
   const std::string Path = PathOf(Input, ".out");
-  if (Path.empty() || ReadWhole(PathOf(Input, ".in")) != Input) return "";
+  if (Path.empty() || ReadWholeFile(PathOf(Input, ".in")) != Input) return "";
   std::error_code Error;
   for (const char* Ending : {".in", ".out"}) {  // in use: the oldest go first
     fs::last_write_time(PathOf(Input, Ending), fs::file_time_type::clock::now(), Error);
   }
-  return ReadWhole(Path);
+  return ReadWholeFile(Path);
 }
 
 void KeepInCache(const std::string& Input, const std::string& Output, double Limit) {

@@ -1,12 +1,9 @@
 #include <sys/statvfs.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 #include "basic/Failure.h"
@@ -15,6 +12,7 @@
 #include "nmrcalc/Progress.h"
 #include "nmrcalc/engines/Cache.h"
 #include "nmrcalc/engines/Engine.h"
+#include "nmrcalc/engines/EngineFiles.h"
 #include "nmrcalc/engines/NwchemInput.h"
 #include "nmrcalc/engines/NwchemOutput.h"
 #include "nmrcalc/engines/Supervise.h"
@@ -114,34 +112,6 @@ int MemoryOfProcess(const EngineSettings& Settings) {
   return std::max(LeastMemory, static_cast<int>(std::min(MostMemory, Whole / CountProcesses(Settings))));
 }
 
-std::string ReadWhole(const std::string& Path) {
-  std::ifstream File(Path, std::ios::binary);
-  std::ostringstream Text;
-  Text << File.rdbuf();
-  return Text.str();
-}
-
-void WriteWhole(const std::string& Path, const std::string& Text) {
-  std::ofstream File(Path, std::ios::binary | std::ios::trunc);
-  File << Text;
-  File.close();
-  if (!File) {
-    throw zelvanor::Failure("Could not write " + Path + ": " + zelvanor::FailureTextFromErrno(errno) +
-                            "; choose another scratch directory in Setup, Backend");
-  }
-}
-
-std::string MakeScratch(const EngineSettings& Settings) {
-  std::error_code Error;
-  const std::string Base = Settings.Scratch.empty() ? fs::temp_directory_path(Error).string() : Settings.Scratch;
-  std::string Pattern = (fs::path(Base) / "zelvanor-XXXXXX").string();
-  if (mkdtemp(Pattern.data()) == nullptr) {
-    throw zelvanor::Failure("The scratch directory " + Base + " cannot be used: " +
-                            zelvanor::FailureTextFromErrno(errno) + "; choose another one in Setup, Backend");
-  }
-  return Pattern;
-}
-
 bool IsFull(const std::string& Directory) {
   struct statvfs Disk {};
   if (statvfs(Directory.c_str(), &Disk) != 0) return false;
@@ -157,17 +127,6 @@ std::string WholeInput(const NwchemJob& Job, const EngineSettings& Settings, con
   return Text;
 }
 
-std::string LastLines(const std::string& Output) {
-  constexpr std::size_t Most = 300;
-  const std::string_view End = std::string_view(Output).substr(Output.size() - std::min(Output.size(), Most));
-  std::string Text;
-  for (const std::string_view Token : SplitTokens(End)) {
-    if (Token.find_first_not_of('-') == std::string_view::npos) continue;
-    Text += (Text.empty() ? "" : " ") + std::string(Token);
-  }
-  return Text;
-}
-
 // Why a run that ended gave no result; empty when it gave all of it.
 std::string JudgeOutput(const NwchemJob& Job, const RunOutcome& Outcome, const NwchemOutput& Result,
                         const std::string& Output, const std::string& Scratch) {
@@ -175,7 +134,7 @@ std::string JudgeOutput(const NwchemJob& Job, const RunOutcome& Outcome, const N
   if (Result.Finished && All && Result.Problem.empty()) return "";
   if (Result.Version.empty()) {
     return "The launcher line did not start NWChem; check it in Setup, Backend. It said: " +
-           (Output.empty() ? "nothing" : LastLines(Output));
+           (Output.empty() ? "nothing" : LastWords(Output));
   }
   if (!Result.Problem.empty()) return Result.Problem;
   if (IsFull(Scratch)) {
@@ -188,7 +147,7 @@ std::string JudgeOutput(const NwchemJob& Job, const RunOutcome& Outcome, const N
   }
   if (!Result.Finished) {
     return "NWChem ended before it was done (exit status " + std::to_string(Outcome.ExitCode) +
-           "); Compute goes on from the last wave function. It said: " + LastLines(Output);
+           "); Compute goes on from the last wave function. It said: " + LastWords(Output);
   }
   return "The output of NWChem " + Result.Version +
          " could not be understood; 7.0 is what this program was made for (Debian package nwchem-mpich)";
@@ -215,14 +174,14 @@ void ReportSteps(const NwchemJob& Job, const std::string& OutputPath, std::size_
   const auto Size = fs::file_size(OutputPath, Error);
   if (Error || Size == KnownSize) return;
   KnownSize = Size;
-  const NwchemProgress Progress = FindNwchemProgress(ReadWhole(OutputPath), Job.NumTensors, Job.NumGroups);
+  const NwchemProgress Progress = FindNwchemProgress(ReadWholeFile(OutputPath), Job.NumTensors, Job.NumGroups);
   ReportProgress(std::lround(Progress.Share * Steps), Steps, Progress.Step);
 }
 
 // One start of the engine, from what an earlier one has left when Restart says so.
 std::string StartOnce(const NwchemJob& Job, const EngineSettings& Settings, const std::string& Permanent, bool Restart,
                       NwchemOutput& Result, std::string& Problem, Log& Report) {
-  const std::string Scratch = MakeScratch(Settings);
+  const std::string Scratch = MakeScratchDirectory(Settings.Scratch);
   ProgramRun Run{
       .Words = LaunchWords(Settings, Scratch + "/zelvanor.nw"),
       .Directory = Scratch,
@@ -236,7 +195,7 @@ std::string StartOnce(const NwchemJob& Job, const EngineSettings& Settings, cons
   RunOutcome Outcome;
   std::string Output;
   try {
-    WriteWhole(Scratch + "/zelvanor.nw", Input);
+    WriteScratchFile(Scratch + "/zelvanor.nw", Input);
     AddToLog(Report, 0,
              "NWChem starts" + std::string(Restart ? ", from the wave function of an earlier run" : "") + ":");
     for (const std::string& Word : Run.Words) Report.Text += Report.Path.empty() ? "" : " " + Word;
@@ -244,7 +203,7 @@ std::string StartOnce(const NwchemJob& Job, const EngineSettings& Settings, cons
     WriteLog(Report);
     std::size_t KnownSize = 0;
     Outcome = RunSupervised(Run, [&](double) { ReportSteps(Job, Run.OutputPath, KnownSize); });
-    Output = ReadWhole(Run.OutputPath);
+    Output = ReadWholeFile(Run.OutputPath);
     AddToLog(Report, 0, Output);
     Result = ReadNwchemOutput(Output);
     ThrowUnlessEnded(Outcome, Settings, Run.Words[0]);

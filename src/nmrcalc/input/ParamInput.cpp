@@ -201,7 +201,7 @@ void ReadSystem(TextCursor& Place, ParamInput& Input, AtomIndex& Index) {
 
 }  // namespace
 
-ParamInput ReadParamInput(const std::string& Path) {
+ParamInput ReadParamInput(const std::string& Path, bool NeedsNMRAtoms) {
   TextCursor Place{.File = ReadTextFile(Path)};
   ParamInput Input;
   for (;; ++Place.Line) {
@@ -211,7 +211,7 @@ ParamInput ReadParamInput(const std::string& Path) {
   }
   const std::size_t SelectionLine = ++Place.Line;
   const auto Selection = ReadSelection(Place, "NMRSelection");
-  if (Selection.empty()) FailAtLine(Place.File, SelectionLine, "there is no NMR atom");
+  if (Selection.empty() && NeedsNMRAtoms) FailAtLine(Place.File, SelectionLine, "there is no NMR atom");
   if (Selection.size() > LargestSelection) {
     FailAtLine(Place.File, SelectionLine, "there are more than " + std::to_string(LargestSelection) + " NMR atoms");
   }

@@ -36,6 +36,6 @@ struct ParamInput {
 };
 
 // Reads the file. Blanks around "=" and unknown options do no harm. Throws Failure with file, line and reason.
-ParamInput ReadParamInput(const std::string& Path);
+ParamInput ReadParamInput(const std::string& Path, bool NeedsNMRAtoms = true);
 
 }  // namespace nmrcalc
