@@ -1,5 +1,8 @@
 #include "backend/Compute.h"
 
+#include <cstdio>
+#include <vector>
+
 #include "backend/ParamInput.h"
 #include "backend/Results.h"
 #include "backend/SpectInput.h"
@@ -9,6 +12,7 @@
 #include "spectrum/SpectrumDrawing.h"
 #include "spectrum/SpectrumScale.h"
 #include "workspace/Helpers.h"
+#include "workspace/References.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -44,10 +48,29 @@ bool RunBackend(TextView Stage, const char* Purpose) {
   return true;
 }
 
+// References of the level that computed the shieldings; without a file of them the user's own are in force.
+void TakeReferences() {
+  std::vector<Text> Lines;
+  try {
+    const Integer File = FreeFile();
+    OpenForInput(Settings.ParamReferenceFile, File);
+    while (!AtEnd(File)) Lines.emplace_back(LineInput(File));
+    CloseFile(File);
+  } catch (const Failure&) {
+    return UseOwnReferences();
+  }
+  if (!ReadReferenceLines(Lines)) UseOwnReferences();
+}
+
 bool RunStage1(const char* Purpose) {
   ShowStatus(Join("Computing the NMR ", ComputedItem(), "..."));
-  return IsSet(EmptyResultFile(Settings.ParamOutputFile)) && IsSet(WriteParamInput(Settings.ParamInputFile)) &&
-         RunBackend("1", Purpose) && IsSet(ReadParamResults(Settings.ParamOutputFile));
+  std::remove(Settings.ParamReferenceFile.c_str());
+  if (!IsSet(EmptyResultFile(Settings.ParamOutputFile)) || !IsSet(WriteParamInput(Settings.ParamInputFile)) ||
+      !RunBackend("1", Purpose) || !IsSet(ReadParamResults(Settings.ParamOutputFile))) {
+    return false;
+  }
+  TakeReferences();
+  return true;
 }
 
 // At most one question about the size of the spin system. False: the user does not want to go on.

@@ -9,6 +9,7 @@
 #include "files/OptionLines.h"
 #include "platform/TextFiles.h"
 #include "workspace/Helpers.h"
+#include "workspace/References.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -103,6 +104,18 @@ bool ReadMolecule(const Text& Path) {
 }
 
 // The sections behind the selections, in any order, to the end of the file.
+// Bad lines leave the user's own references in force.
+void ReadLevelReferences(const Text& Path) {
+  constexpr std::size_t MostLines = 32;
+  std::vector<Text> Lines;
+  while (Lines.size() < MostLines && !AtEnd(LineWork.FileNumber)) {
+    const TextView Line = LineInput(LineWork.FileNumber);
+    if (Line.starts_with(document::ReferencesEnd)) break;
+    Lines.emplace_back(Line);
+  }
+  if (!ReadReferenceLines(Lines)) ShowWarning(Join("Error reading the reference shieldings from file ", Path, "."));
+}
+
 bool ReadSections(const Text& Path) {
   while (!AtEnd(LineWork.FileNumber)) {
     const TextView Line = LineInput(LineWork.FileNumber);
@@ -115,6 +128,8 @@ bool ReadSections(const Text& Path) {
       Read = ReadShieldingCoupling(Path, LineWork.FileNumber);
     } else if (Line.starts_with(document::SpectraBegin)) {
       Read = ReadSpectra(Path, LineWork.FileNumber);
+    } else if (Line.starts_with(document::ReferencesBegin)) {
+      ReadLevelReferences(Path);
     }
     if (!IsSet(Read)) return false;
   }
@@ -122,6 +137,7 @@ bool ReadSections(const Text& Path) {
 }
 
 bool ReadOpenDocument(const Text& Path) {
+  UseOwnReferences();
   if (!ReadMolecule(Path)) return false;
   if (!IsSet(ReadSelections(Path, LineWork.FileNumber))) return false;
   if (W.NumAtoms != 0 && W.NumNMRAtoms != 0) W.NMRAtomsValid = True;

@@ -10,6 +10,7 @@
 #include "platform/TextFiles.h"
 #include "shell/Frame.h"
 #include "workspace/Helpers.h"
+#include "workspace/References.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -67,6 +68,11 @@ bool WriteBetween(const char* Begin, const char* End, Routine WritePiece) {
 }
 
 // The stored lines give no message of their own when they can't be written; the document does.
+Flag WriteLevelReferences() {
+  for (const Text& Line : ReferenceLines()) PrintLine(LineWork.FileNumber, Line);
+  return True;
+}
+
 Flag WriteMolecule() {
   const Flag Written = WriteSystem(LineWork.FileNumber);
   if (!IsSet(Written) && W.ZMatrixPath.empty()) throw Failure(failures::DeviceError);
@@ -84,7 +90,9 @@ bool WriteOpenDocument(const Text& Path) {
                       [&] { return WriteNMRAtomicNumbers(Path, File); }) &&
          WriteBetween(document::ResultsBegin, document::ResultsEnd,
                       [&] { return WriteShieldingCoupling(Path, File); }) &&
-         WriteBetween(document::SpectraBegin, document::SpectraEnd, [&] { return WriteSpectra(Path, File); });
+         WriteBetween(document::SpectraBegin, document::SpectraEnd, [&] { return WriteSpectra(Path, File); }) &&
+         (W.ReferenceLevel.empty() ||
+          WriteBetween(document::ReferencesBegin, document::ReferencesEnd, WriteLevelReferences));
 }
 
 // Runs the body of a section routine: its failures become a warning and the result 0.

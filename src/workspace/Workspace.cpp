@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "basic/Numbers.h"
+#include "workspace/References.h"
 
 namespace zelvanor {
 
@@ -49,6 +50,7 @@ void ClearWorkspace() {
   W.Coupling.ReDim(0, 0);
   for (int Set = 0; Set < NumSavedSets; ++Set) W.EquivalentSetSize[Set] = 0;
   W.NMRAtomsValid = W.ShieldingAvailable = W.CouplingAvailable = False;
+  UseOwnReferences();
 }
 
 void AllocatePeaks(int NumPeaks) {
