@@ -21,6 +21,7 @@
 #include "settings/Settings.h"
 #include "settings/frmPreference.h"
 #include "setup/ReferenceShieldings.h"
+#include "setup/frmBackend.h"
 #include "setup/frmParamOptions.h"
 #include "setup/frmRefer.h"
 #include "setup/frmReplace.h"
@@ -91,6 +92,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
     {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
     {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
+    {&MainForm::mnuSetupBackend, mnuSetupBackend_Click},
     {&MainForm::mnuComputeNMR, mnuComputeNMR_Click},
     {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
     {&MainForm::mnuComputeAll, mnuComputeAll_Click},
@@ -274,6 +276,7 @@ void BuildProgram() {
   BuildSCFForm();
   BuildSpectOptionsForm();
   BuildReferenceForm();
+  BuildBackendForm();
   BuildValuesForm();
   BuildGraphForm();
   BuildReplaceForm();

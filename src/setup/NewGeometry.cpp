@@ -47,7 +47,8 @@ Text NewAtomLine(TextView Line, const Place& New) {
   Text Result;
   for (std::size_t Word = 0; Word < Words.size(); ++Word) {
     const bool Coordinate = Word >= FirstCoordinate && Word < FirstCoordinate + 3;
-    Result += Join(Word > 0 ? " " : "", Coordinate ? FormatNumber(New[Word - FirstCoordinate], "0.00000") : Words[Word]);
+    Result +=
+        Join(Word > 0 ? " " : "", Coordinate ? FormatNumber(New[Word - FirstCoordinate], "0.00000") : Words[Word]);
   }
   return Result;
 }

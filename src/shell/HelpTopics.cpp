@@ -23,6 +23,7 @@ constexpr std::array Topics = {
     HelpTopic{"frmSelect", 28},
     HelpTopic{"frmSelect2", 29},
     HelpTopic{"frmEquiv", 30},
+    HelpTopic{"frmBackend", 40},
     HelpTopic{"frmAbout", MainWindowHelp},
 };
 
