@@ -650,28 +650,6 @@ TEST_F(BackendTest, SizeQuestions) {
   }
 }
 
-TEST_F(BackendTest, WaitsForTheEndOfTheProcess) {
-  Text Calls;
-  std::deque<ProcessStatus> Statuses = {{true, 259}, {true, 259}, {true, 1}};
-  Platform.OpenProcess = [&](Long Process) {
-    Calls += 'O';
-    return Process;
-  };
-  Platform.DoEvents = [&] { Calls += 'D'; };
-  Platform.GetExitCodeProcess = [&](Long Handle) {
-    EXPECT_EQ(Handle, 77);
-    Calls += 'G';
-    const ProcessStatus Next = Statuses.front();
-    Statuses.pop_front();
-    return Next;
-  };
-  WaitForBackend(77);
-  EXPECT_EQ(Calls, "ODGDGDG");
-  Statuses = {{false, 0}};
-  WaitForBackend(77);
-  EXPECT_TRUE(Statuses.empty());
-}
-
 // A failure on the way never leaves the window busy.
 TEST_F(BackendTest, NoFailureLeavesTheCommand) {
   UseHydrogens(2);

@@ -60,14 +60,6 @@ TEST_F(FileCommandsTest, DetectsTheKindOfAFile) {
   EXPECT_EQ(Shown().Boxes, Texts{"warning File not found."});
 }
 
-TEST_F(FileCommandsTest, SuggestedNames) {
-  const std::pair<const char*, const char*> Rows[] = {
-      {"/home/a/water.mvs", "/home/a/water.NMR"},         {"/home/a.b/water.mvs", "/home/a.b/water.NMR"},
-      {"/home/a/two.dots.zmt", "/home/a/two.NMR"},        {"water.mvs", "water.NMR"},
-      {"C:\\work.x\\water.mvs", "C:\\work.x\\water.NMR"}, {"/w.mvs", "/w.NMR"}};
-  for (const auto& [Path, Name] : Rows) EXPECT_EQ(SuggestDocumentName(Path), Name) << Path;
-}
-
 struct QueryRow {
   const char* What;
   Flag Dirty;
@@ -230,17 +222,6 @@ TEST_F(FileCommandsTest, OpenThatGoesNoFartherChangesNothing) {
   EXPECT_EQ(Dialog.DefaultExtension, "NMR");
   EXPECT_EQ(Dialog.FilterIndex, 1);
   EXPECT_FALSE(Dialog.Save);
-}
-
-TEST_F(FileCommandsTest, AnyFileReadsTheEarlierOneAgain) {
-  const Text Path = WriteFile("water.nmr", WaterDocument);
-  Shown().Files = {Path, "*.*"};
-  mnuFileOpen_Click();
-  Workspace.NumAtoms = 1;
-  mnuFileOpen_Click();
-  EXPECT_EQ(Shown().Boxes, Texts{});
-  EXPECT_EQ(Workspace.DocumentPath, Path);
-  EXPECT_EQ(Workspace.NumAtoms, 3);
 }
 
 TEST_F(FileCommandsTest, SaveAsSuggestsAndAsks) {

@@ -120,112 +120,6 @@ class FormWidgets : public testing::Test {
   ~FormWidgets() override { Dialog()->hide(); }
 };
 
-TEST_F(FormWidgets, FocusGoesWhereTheProgramPutsIt) {
-  for (const auto& [Target, Name] : {std::pair<Control*, const char*>{&Trial().Text1, "Text1"},
-                                     {&Trial().List2, "List2"},
-                                     {&Trial().Check1, "Check1"}}) {
-    SetFocus(*Target);
-    EXPECT_EQ(Dialog()->focusWidget(), Part<QWidget>(Name)) << Name;
-  }
-}
-
-TEST_F(FormWidgets, ButtonsSetTheirControls) {
-  TrialForm& F = Trial();
-  SetValue(F.Check1, 0);
-  SetValue(F.Option1, True);
-  TakeSeen();
-  QTest::mouseClick(Part<QAbstractButton>("Command1"), Qt::LeftButton);
-  EXPECT_EQ(TakeSeen(), Texts{"ok"});
-  QTest::keyClick(Part<QAbstractButton>("Check1"), Qt::Key_Space);
-  EXPECT_EQ(F.Check1.Value, 1);
-  EXPECT_EQ(TakeSeen(), Texts{"check"});
-  Part<QAbstractButton>("Option1(1)")->click();
-  EXPECT_EQ(TakeSeen(), Texts{"option 1"});
-  EXPECT_FALSE(IsSet(F.Option1.Value));
-  EXPECT_TRUE(IsSet(F.Option2.Value));
-  EXPECT_FALSE(Part<QAbstractButton>("Option1(0)")->isChecked());
-  Part<QAbstractButton>("Other")->click();
-  EXPECT_TRUE(Part<QAbstractButton>("Option1(1)")->isChecked()) << "another group";
-  // And the other way.
-  SetValue(F.Check1, 0);
-  SetValue(F.Option2, False);
-  EXPECT_FALSE(Part<QAbstractButton>("Check1")->isChecked());
-  EXPECT_FALSE(Part<QAbstractButton>("Option1(1)")->isChecked()) << "none of the group may be set";
-  SetValue(F.Option1, True);
-  EXPECT_TRUE(Part<QAbstractButton>("Option1(0)")->isChecked());
-  SetEnabled(F.Command1, False);
-  EXPECT_FALSE(Part<QAbstractButton>("Command1")->isEnabled());
-  SetEnabled(F.Command1, True);
-  SetVisible(F.Check1, False);
-  EXPECT_FALSE(Part<QWidget>("Check1")->isVisible());
-  SetVisible(F.Check1, True);
-  EXPECT_TRUE(Part<QWidget>("Check1")->isVisible());
-}
-
-TEST_F(FormWidgets, FieldsTypeKeyByKey) {
-  TrialForm& F = Trial();
-  auto* Line = Part<QLineEdit>("Text1");
-  SetText(F.Text1, "");
-  TakeSeen();
-  QTest::keyClicks(Line, "ab");
-  EXPECT_EQ(F.Text1.Value, "ab");
-  EXPECT_EQ(TakeSeen(), (Texts{"text", "text"}));
-  // Digits pass, a comma becomes a point, everything else is taken away; backspace is a key like others.
-  std::vector<int> Keys;
-  F.Text1.KeyPress = [&Keys](int& Key) {
-    Keys.push_back(Key);
-    if (Key == ',') {
-      Key = '.';
-    } else if (Key != 8 && (Key < '0' || Key > '9')) {
-      Key = 0;
-    }
-  };
-  SetText(F.Text1, "");
-  QTest::keyClicks(Line, "1x,59");
-  QTest::keyClick(Line, Qt::Key_Backspace);
-  F.Text1.KeyPress = {};
-  EXPECT_EQ(F.Text1.Value, "1.5");
-  EXPECT_EQ(Line->text(), "1.5");
-  EXPECT_EQ(Keys, (std::vector<int>{'1', 'x', ',', '5', '9', 8}));
-  // What the program makes of it within Change shows.
-  const Event Former = std::exchange(F.Text1.Change, [&F] {
-    if (F.Text1.Value.size() > 3) SetText(F.Text1, "9");
-  });
-  QTest::keyClicks(Line, "7");
-  F.Text1.Change = Former;
-  EXPECT_EQ(Line->text(), "9");
-  EXPECT_EQ(F.Text1.Value, "9");
-}
-
-TEST_F(FormWidgets, LabelsLeadToTheirFields) {
-  EXPECT_EQ(Part<QLabel>("Label1")->buddy(), Part<QWidget>("Text1"));
-  EXPECT_EQ(Part<QWidget>("Text1")->accessibleName(), "Set & count:");
-  Part<QPushButton>("Command1")->setFocus();
-  QTest::keyClick(Dialog()->windowHandle(), Qt::Key_S, Qt::AltModifier);
-  EXPECT_TRUE(Part<QWidget>("Text1")->hasFocus());
-}
-
-TEST_F(FormWidgets, ListsSelect) {
-  TrialForm& F = Trial();
-  auto* View = Part<QListView>("List1");
-  QTest::mouseClick(View->viewport(), Qt::LeftButton, {}, View->visualRect(View->model()->index(1, 0)).center());
-  EXPECT_EQ(F.List1.ListIndex, 1);
-  EXPECT_EQ(TakeSeen(), Texts{"list"});
-  QTest::mouseDClick(View->viewport(), Qt::LeftButton, {}, View->visualRect(View->model()->index(1, 0)).center());
-  EXPECT_EQ(TakeSeen(), Texts{"double"});
-  SetListIndex(F.List1, 2);
-  EXPECT_EQ(View->currentIndex().row(), 2);
-  SetListIndex(F.List1, -1);
-  EXPECT_FALSE(View->selectionModel()->hasSelection());
-  TakeSeen();
-  Part<QComboBox>("Combo1")->setFocus();
-  QTest::keyClick(Part<QComboBox>("Combo1"), Qt::Key_Down);
-  EXPECT_EQ(F.Combo1.ListIndex, 0);
-  EXPECT_EQ(TakeSeen(), Texts{"combo"});
-  SetListIndex(F.Combo1, 2);
-  EXPECT_EQ(Part<QComboBox>("Combo1")->currentText(), "three");
-}
-
 TEST_F(FormWidgets, LongListsSelectInOneGo) {
   constexpr int NumRows = 5440;
   TrialForm& F = Trial();
@@ -246,20 +140,6 @@ TEST_F(FormWidgets, LongListsSelectInOneGo) {
   EXPECT_TRUE(TakeSeen().empty()) << "the program's own selection is no click";
   SetItems(F.List2, {});
   EXPECT_EQ(View->model()->rowCount(), 0);
-}
-
-TEST_F(FormWidgets, BarsSpinsAndSurfacesGiveEvents) {
-  TrialForm& F = Trial();
-  SetRange(F.Bar1, 10, 0);
-  TakeSeen();
-  Part<QScrollBar>("Bar1")->setValue(3);
-  EXPECT_EQ(F.Bar1.Value, 7);
-  const auto Arrows = Part<QWidget>("Spin1")->findChildren<QAbstractButton*>();
-  ASSERT_EQ(Arrows.size(), 2);
-  QTest::mouseClick(Arrows[0], Qt::LeftButton);
-  QTest::mouseClick(Arrows[1], Qt::LeftButton);
-  QTest::mouseClick(Part<QWidget>("Surface1"), Qt::LeftButton);
-  EXPECT_EQ(TakeSeen(), (Texts{"bar", "up", "down", "mouse"}));
 }
 
 // Runs a step inside the event loop of the next modal window.

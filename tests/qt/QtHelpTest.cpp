@@ -48,18 +48,6 @@ class QtHelpTest : public testing::Test {
   }
 };
 
-// The widths of the pictures on the page; 0 is one that has not been found.
-std::vector<int> PictureWidths() {
-  std::vector<int> Widths;
-  for (QTextBlock Block = Page()->document()->begin(); Block.isValid(); Block = Block.next()) {
-    for (auto Piece = Block.begin(); !Piece.atEnd(); ++Piece) {
-      const QTextImageFormat Image = Piece.fragment().charFormat().toImageFormat();
-      if (Image.isValid()) Widths.push_back(static_cast<int>(Image.width()));
-    }
-  }
-  return Widths;
-}
-
 QStringList TreeTitles() {
   QStringList Titles;
   for (QTreeWidgetItemIterator Item(Help()->findChild<QTreeWidget*>()); *Item != nullptr; ++Item) {
@@ -69,14 +57,6 @@ QStringList TreeTitles() {
 }
 
 }  // namespace
-
-TEST_F(QtHelpTest, WithoutAManualTheStatusLineSaysSo) {
-  for (const Text File : {"/no/such/nmr.hlp", "/dev/null"}) {
-    ShowHelpWindow(File, HelpCommand::Contents, 1);
-    EXPECT_NE(Main.StatusBar.Value.find(File), Text::npos) << Main.StatusBar.Value;
-    EXPECT_TRUE(Help() == nullptr || !Help()->isVisible());
-  }
-}
 
 TEST_F(QtHelpTest, F1OpensThePageOfTheView) {
   struct Row {
@@ -199,23 +179,6 @@ TEST_F(QtHelpTest, FindsInThePageAndGrows) {
   EXPECT_TRUE(Help()->isVisible());
   QTest::keyClick(Page(), Qt::Key_Escape);
   EXPECT_FALSE(Help()->isVisible());
-}
-
-TEST_F(QtHelpTest, EveryPictureIsShown) {
-  delete Help();  // the first page of a fresh window has its pictures too
-  std::size_t NumPictures = 0;
-  for (const HelpEntry& Entry : ReadHelpContents(Manual)) {
-    if (Entry.Page.empty()) continue;
-    ShowHelpWindow(Manual, HelpCommand::Contents, 0);
-    for (const int Width : PictureWidths()) EXPECT_GT(Width, 0);
-    Page()->setSource(QUrl(PathToQt(Entry.Page)));
-    for (const int Width : PictureWidths()) {
-      ++NumPictures;
-      EXPECT_GT(Width, 0) << Entry.Page;
-      EXPECT_LE(Width, Page()->viewport()->width()) << Entry.Page;
-    }
-  }
-  EXPECT_GE(NumPictures, 15U);
 }
 
 }  // namespace zelvanor::tests
