@@ -1,4 +1,5 @@
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -130,7 +131,7 @@ struct FakeEngine {
     std::filesystem::create_directories(Folder.Path + "/scratch");
     Folder.Write("nmrback.ini", "[backend]\nShieldingEngine = nwchem\nProcesses = 1\nCacheSize = 0\nScratch = " +
                                     Folder.Path + "/scratch\n" + Settings + "Program = " + Path + "\n");
-    RunCommand({.ParameterDirectory = NMRCALC_DATA, .WorkDirectory = Folder.Path, .Stage = 1});
+    RunCommand({.ParameterDirectory = NMRCALC_DATA, .WorkDirectory = Folder.Path, .Stage = 1, .LogPath = ""});
     EXPECT_TRUE(std::filesystem::is_empty(Folder.Path + "/scratch")) << Script;
     return Folder.Read("nmrparam.out");
   }

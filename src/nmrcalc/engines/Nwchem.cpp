@@ -273,9 +273,9 @@ void ComputeShieldings(const EngineTask& Task, const QuantumRegion& Region, cons
     const auto Reference = Variant.References.find(Element);
     if (Task.Settings.Scaling && Scale != Variant.Scales.end() && Reference != Variant.References.end()) {
       Shielding = Reference->second - (Scale->second.Intercept - Scale->second.Slope * Tensor.Isotropic);
-      if (const auto Error = Variant.Errors.find(Element); Error != Variant.Errors.end()) {
-        Results.Errors[K] = Error->second;
-      }
+    }
+    if (const auto Error = Variant.Errors.find(Element); Task.Settings.Scaling && Error != Variant.Errors.end()) {
+      Results.Errors[K] = Error->second;
     }
     if (Input.WantsShielding) Results.Shieldings[K] = Shielding;
   }
