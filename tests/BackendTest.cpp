@@ -69,37 +69,13 @@ TEST_F(BackendTest, ParamInput) {
   W.ModifySlaterExponents = True;
   W.NMRFrequency = 500;
   W.CalculateCoupling = -1.0F;
-  Texts Expected = {"SemiEmpiricalMethod = krdo2",
-                    "TotalCharge = -1",
-                    "SpinMultiplicity = 1",
-                    "SCFConvergenceLimit = 0.0001",
-                    "SCFIterationLimit = 50",
-                    "SCFAccelerateConvergence = No",
-                    "LogPrintLevel = 0",
-                    "ModifySlaterExponents = Yes",
-                    "ComputeThreeCenterTerms = No",
-                    "IncludeDOrbitalsForSecondRow = No",
-                    "NMRFrequency = 500",
-                    "CalculateShielding = No",
-                    "CalculateShieldTensor = No",
-                    "CalculateCoupling = Yes",
-                    "NMRSelectionBegin",
-                    "3",
-                    "mol 2 atom 2",
-                    "mol 1 atom 1",
-                    "mol 2 atom 1",
-                    "NMRSelectionEnd",
-                    "AtomsBegin",
-                    "3",
-                    "forcefield krdo",
-                    "mol 1",
-                    "atom 1 H H H - 0 0 0 0 0",
-                    "endmol 1",
-                    "mol 2",
-                    "atom 1 C C C - 0 0 0 0 0",
-                    "atom 2 H H H - 0 0 0 0 0",
-                    "endmol 2",
-                    "AtomsEnd"};
+  Texts Expected = Pieces(
+      "SemiEmpiricalMethod = krdo2|TotalCharge = -1|SpinMultiplicity = 1|SCFConvergenceLimit = "
+      "0.0001|SCFIterationLimit = 50|SCFAccelerateConvergence = No|LogPrintLevel = 0|ModifySlaterExponents = "
+      "Yes|ComputeThreeCenterTerms = No|IncludeDOrbitalsForSecondRow = No|NMRFrequency = 500|CalculateShielding = "
+      "No|CalculateShieldTensor = No|CalculateCoupling = Yes|NMRSelectionBegin|3|mol 2 atom 2|mol 1 atom 1|mol 2 atom "
+      "1|NMRSelectionEnd|AtomsBegin|3|forcefield krdo|mol 1|atom 1 H H H - 0 0 0 0 0|endmol 1|mol 2|atom 1 C C C - 0 0 "
+      "0 0 0|atom 2 H H H - 0 0 0 0 0|endmol 2|AtomsEnd");
   for (int Time = 0; Time < 2; ++Time) {
     ASSERT_EQ(WriteParamInput(Settings.ParamInputFile), -1);
     EXPECT_EQ(SplitLines(ReadBytes(Settings.ParamInputFile)), Expected) << Time;
@@ -257,21 +233,9 @@ TEST_F(BackendTest, ObservedAndCountedSpins) {
   }
 }
 
-const Texts ParamResults = {"stage 1",
-                            "2",
-                            "1 6",
-                            "FIELD",
-                            "200",
-                            "SHIELDING",
-                            "30.5 130",
-                            "tensor follows",
-                            "1 2 3 4 5 6 7 8 9",
-                            "10 11 12 13 14",
-                            "-1 0 0 0 -1 0 0 0 -1",
-                            "0 0 0 -1 0",
-                            "COUPLING",
-                            "0 1.5",
-                            "-1.5 0"};
+const Texts ParamResults = Pieces(
+    "stage 1|2|1 6|FIELD|200|SHIELDING|30.5 130|tensor follows|1 2 3 4 5 6 7 8 9|10 11 12 13 14|-1 0 0 0 -1 0 0 0 -1|0 "
+    "0 0 -1 0|COUPLING|0 1.5|-1.5 0");
 
 TEST_F(BackendTest, ParamResultsAndTheirCuts) {
   const Text Of = " from file " + Settings.ParamOutputFile + ".";

@@ -329,5 +329,25 @@ TEST_F(DocumentTest, EveryCutIsTold) {
   }
 }
 
+TEST_F(DocumentTest, FailedSavesAreTold) {
+  ASSERT_EQ(ReadContent(Full), -1);
+  const Text Folder = MakeFolder("folder.nmr");
+  const Text Lost = TempPath("no-folder/a.nmr");
+  Workspace.DocumentDirty = True;
+  for (const Text& Path : {Folder, Lost, Text("/dev/full")}) EXPECT_EQ(WriteDocument(Path), 0);
+  EXPECT_EQ(Shown().Boxes, (Texts{"warning Zelvanor cannot open file " + Folder + ".",
+                                  "warning Zelvanor cannot open file " + Lost + ".",
+                                  "warning Error saving the current information to file /dev/full."}));
+  EXPECT_EQ(Workspace.DocumentDirty, -1);
+
+  // A molecule so large that the disk is full before its last line.
+  Workspace.HostTextLineCount = 1000;
+  Workspace.HostTextLine.ReDim(1000);
+  for (int Line = 0; Line < 1000; ++Line) Workspace.HostTextLine[Line] = Text(200, 'x');
+  EXPECT_EQ(WriteDocument("/dev/full"), 0);
+  ASSERT_EQ(Shown().Boxes.size(), 4U) << "a save that fails is never silent";
+  EXPECT_EQ(Shown().Boxes[3], "warning Error saving the current information to file /dev/full.");
+}
+
 }  // namespace
 }  // namespace zelvanor::test

@@ -222,5 +222,16 @@ TEST_F(FirstStartTest, AProgramThatMovedIsFollowed) {
   }
 }
 
+TEST_F(FirstStartTest, SettingsThatAreThereStay) {
+  for (const char* Place : {".config/zelvanor/nmr.ini", ".local/share/zelvanor/nmr.ini"}) {
+    fs::remove_all(TempPath("home"));
+    fs::create_directories(fs::path(Home(Place)).parent_path());
+    WriteFile(Text("home/") + Place, "mine");
+    EXPECT_EQ(PrepareUserFiles(), "") << Place;
+    EXPECT_EQ(ReadBytes(Home(".local/share/zelvanor/nmr.ini")), "mine") << Place;
+    EXPECT_TRUE(Exists(Home(".config/zelvanor/win.ini"))) << Place;
+  }
+}
+
 }  // namespace
 }  // namespace zelvanor::test

@@ -9,18 +9,10 @@ namespace {
 class HostTextTest : public ProgramTest {};
 
 // Two molecules: carbon monoxide with a lone pair atom, and a hydrogen.
-const Texts TwoMolecules = {"; made by hand",
-                            "forcefield amber",
-                            "sys 0",
-                            "view 1 0 0  0 1 0",
-                            "mol 1 one",
-                            "atom 7 C1 C CA s 0.25 1.5 -2 3E-2 2 2 d 3 s",
-                            "atom 8 Oxygen O O2 - -0.25 1 2 3 1 1 d",
-                            "atom 9 - Lp ** - 0 0 0 0 1 1 s",
-                            "endmol 1",
-                            "mol 2",
-                            "atom 1 H1 h HC verylongflags 1 0 0 0 0",
-                            "endmol 2"};
+const Texts TwoMolecules = Pieces(
+    "; made by hand|forcefield amber|sys 0|view 1 0 0  0 1 0|mol 1 one|atom 7 C1 C CA s 0.25 1.5 -2 3E-2 2 2 d 3 "
+    "s|atom 8 Oxygen O O2 - -0.25 1 2 3 1 1 d|atom 9 - Lp ** - 0 0 0 0 1 1 s|endmol 1|mol 2|atom 1 H1 h HC "
+    "verylongflags 1 0 0 0 0|endmol 2");
 
 void Store(const Texts& Lines) {
   Workspace.HostTextLineCount = static_cast<Long>(Lines.size());

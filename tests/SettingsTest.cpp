@@ -261,43 +261,15 @@ TEST_F(SettingsTest, EachValueAndItsLimits) {
   EXPECT_TRUE(Shown().Boxes[1].starts_with("error Error in ini file: "));
 }
 
-const Texts DefaultNmrLines = {"[nmr]",
-                               "AtomRenderType=1",
-                               "BondRenderType=1",
-                               "BackColor=RGB(255, 255, 255)",
-                               "LabelColor=RGB(255, 255, 0)",
-                               "BondColor=RGB(192, 192, 192)",
-                               "SelectionColor=RGB(0, 255, 128)",
-                               "SpectrumLineColor=RGB(0,255,0)",
-                               "SpectrumEnvelopColor=RGB(255,255,255)",
-                               "SpectrumSelectionColor=RGB(255,0,255)",
-                               "SemiEmpiricalMethod=KRDO2",
-                               "TotalCharge=0",
-                               "SpinMultiplicity=1",
-                               "SCFConvergenceLimit=0.01",
-                               "SCFIterationLimit=50",
-                               "SCFAccelerateConvergence=No",
-                               "LogPrintLevel=0",
-                               "MinimalIntensity=0.100000001490116",
-                               "AbsLineWidth=No",
-                               "MinAbsLineWidth=0",
-                               "MaxAbsLineWidth=10",
-                               "ModifySlaterExponents=Yes",
-                               "ComputeThreeCenterTerms=No",
-                               "IncludeDOrbitalsForSecondRow=No",
-                               "CalculateShielding=Yes",
-                               "CalculateShieldingTensor=Yes",
-                               "CalculateCoupling=Yes",
-                               "NMRFrequency=100",
-                               "SpectraType=Proton",
-                               "WeakCouplingApproximation=No",
-                               "[ReferenceShieldings]",
-                               "H=0",
-                               "C=0",
-                               "N=0",
-                               "O=0",
-                               "F=0",
-                               "P=0"};
+const Texts DefaultNmrLines = Pieces(
+    "[nmr]|AtomRenderType=1|BondRenderType=1|BackColor=RGB(255, 255, 255)|LabelColor=RGB(255, 255, "
+    "0)|BondColor=RGB(192, 192, 192)|SelectionColor=RGB(0, 255, "
+    "128)|SpectrumLineColor=RGB(0,255,0)|SpectrumEnvelopColor=RGB(255,255,255)|SpectrumSelectionColor=RGB(255,0,255)|"
+    "SemiEmpiricalMethod=KRDO2|TotalCharge=0|SpinMultiplicity=1|SCFConvergenceLimit=0.01|SCFIterationLimit=50|"
+    "SCFAccelerateConvergence=No|LogPrintLevel=0|MinimalIntensity=0.100000001490116|AbsLineWidth=No|MinAbsLineWidth=0|"
+    "MaxAbsLineWidth=10|ModifySlaterExponents=Yes|ComputeThreeCenterTerms=No|IncludeDOrbitalsForSecondRow=No|"
+    "CalculateShielding=Yes|CalculateShieldingTensor=Yes|CalculateCoupling=Yes|NMRFrequency=100|SpectraType=Proton|"
+    "WeakCouplingApproximation=No|[ReferenceShieldings]|H=0|C=0|N=0|O=0|F=0|P=0");
 
 Texts FilledLines(const Text& Content) {
   Texts Lines;

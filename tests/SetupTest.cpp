@@ -1,3 +1,5 @@
+#include <set>
+
 #include "Support.h"
 #include "atomsets/AtomSets.h"
 #include "platform/Form.h"
@@ -125,6 +127,9 @@ TEST_F(SetupTest, TakesTheMoleculeSelection) {
            }
            EXPECT_EQ(Taken, Each.Expected) << Mode.Word;
            EXPECT_EQ(List("frmSelect.List2").Items.size(), Each.Expected.size());
+           if (Taken.empty()) return;
+           SetSelected(List("frmSelect.List2"), 0, true);
+           EXPECT_TRUE(List("frmSelect.List2").Selected[0]);
          }});
       const Texts Asked = {Join("question Would you like to replace the previous ", Mode.Word,
                                 " atom selection by the current selection?")};
@@ -194,6 +199,44 @@ TEST_F(SetupTest, StacksModalForms) {
   EXPECT_TRUE(EndsProgram([&] { ShowModal(Inner); }));
   EXPECT_TRUE(ModalForms().empty());
   Inner.Activate = Outer.Activate = Outer.Load = {};
+}
+
+void Collect(const Arrangement& Part, std::multiset<const Control*>& Placed) {
+  if (Part.Item != nullptr) Placed.insert(Part.Item);
+  for (const Arrangement& Each : Part.Parts) Collect(Each, Placed);
+}
+
+TEST_F(SetupTest, ArrangesEveryDialog) {
+  int NumDialogs = 0;
+  for (const Form* Window : AllForms()) {
+    if (Window == &Main.frmNMR || Window->Name.starts_with("frmTest")) continue;
+    ++NumDialogs;
+    std::multiset<const Control*> Placed;
+    Collect(Window->Layout, Placed);
+    int Defaults = 0;
+    int Cancels = 0;
+    int Buttons = 0;
+    const Control* Before = nullptr;
+    for (const Control* Item : Window->Controls) {
+      const Text Name = ControlName(*Item);
+      EXPECT_EQ(Placed.count(Item), 1U) << Name;
+      const bool Labelled = Before != nullptr && Before->Kind == ControlKind::Label;
+      EXPECT_TRUE(!Item->Caption.empty() || !Item->AccessibleName.empty() || Labelled || Name == "frmSelect.Label1" ||
+                  Name == "frmSelect.Label2")
+          << Name << " does not say what it is";
+      if (Item->Kind == ControlKind::CommandButton) {
+        ++Buttons;
+        Defaults += static_cast<const CommandButton*>(Item)->IsDefault ? 1 : 0;
+        Cancels += static_cast<const CommandButton*>(Item)->IsCancel ? 1 : 0;
+      }
+      Before = Item;
+    }
+    EXPECT_EQ(Placed.size(), Window->Controls.size()) << Window->Name;
+    // The plot has no buttons: closing its window hides it.
+    EXPECT_EQ(Defaults, Buttons > 0 ? 1 : 0) << Window->Name;
+    EXPECT_EQ(Cancels, Buttons > 0 ? 1 : 0) << Window->Name;
+  }
+  EXPECT_GE(NumDialogs, 8);
 }
 
 }  // namespace

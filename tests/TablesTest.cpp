@@ -167,25 +167,6 @@ TEST_F(TablesTest, NegativeBarsHangFromZero) {
   }
 }
 
-TEST_F(TablesTest, LargestCouplingTableIsSmall) {
-  constexpr int NumAtoms = 2340;
-  W.NumNMRAtoms = NumAtoms;
-  W.NMRAtom.ReDim(NumAtoms);
-  W.NMRAtomicNumber.ReDim(NumAtoms);
-  for (int Atom = 0; Atom < NumAtoms; ++Atom) W.NMRAtom[Atom] = Atom + 1;
-  ExtendForResults();
-  W.Coupling.ReDim(NumAtoms, NumAtoms);
-  W.Coupling(NumAtoms - 1, NumAtoms - 1) = 1.25F;
-  Show(CouplingView);
-  EXPECT_EQ(RowsOf(Table), 2341);
-  EXPECT_EQ(CellText(Table, NumAtoms, NumAtoms), "1.250");
-  EXPECT_EQ(CellText(Table, 1, NumAtoms), "0.000");
-  const GridCells& Cells = Table.Cells;
-  const std::size_t Bytes =
-      Cells.Kinds.capacity() + 4 * Cells.Contents.capacity() + sizeof(Text) * Cells.Texts.capacity();
-  EXPECT_LT(Bytes, 40U << 20);
-}
-
 TEST(Grid, CellsSurviveANewSize) {
   GridControl Grid(nullptr, "Test");
   SetGridSize(Grid, 3, 3);
@@ -223,6 +204,75 @@ TEST(Grid, MovesOfTheProgramLeaveTheSelection) {
   PickRange(Grid, 0, 0, 4, 1);
   EXPECT_EQ(Grid.Row, 1);
   EXPECT_EQ(Grid.SelStartCol, 0);
+}
+
+void Type(TextView Keys) {
+  for (const char Key : Keys) PressGridKey(Table, Key);
+}
+
+TEST_F(TablesTest, OpenValueIsStoredWhereItWasTyped) {
+  Show(CouplingView);
+  PickCell(Table, 4, 4);
+  Type("8");
+  // The other table has no such row.
+  Show(ShieldingView);
+  EXPECT_EQ(W.Coupling(3, 3), 8);
+  EXPECT_EQ(RowsOf(Table), 4);
+  EXPECT_EQ(TableEditing.EditView, -1);
+  EXPECT_EQ(W.DocumentDirty, True);
+  EXPECT_EQ(Table.Row, 3);
+}
+
+TEST_F(TablesTest, ClipboardHasHeadersAroundTheSelection) {
+  Show(ShieldingView);
+  PickRange(Table, 3, 3, 2, 2);
+  EXPECT_EQ(CopyTableSelection(), True);
+  EXPECT_EQ(Clipboard, "Index\t2(H)\t3(C)\r\nShift\t18.654\t80.0\r\nTau\t-8.654\t-70.0");
+  Clipboard = "former";
+  SetGridSelection(Table, 1, 1, 2, 1);
+  CopyTableSelection();
+  EXPECT_EQ(Clipboard, "former");
+  CopyValuesSelection();
+
+  ShowShieldTensor();
+  PickRange(ValuesGrid(), 5, 5, 6, 5);
+  CopyValuesSelection();
+  EXPECT_EQ(Clipboard, "\t2(H)\r\n\tSigma(y)\r\nEigenvalues\t24.0\r\nIsotropic\t");
+  SetGridSelection(ValuesGrid(), 1, 1, 2, 1);
+  CopyValuesSelection();
+  EXPECT_EQ(Clipboard, "");
+  Platform.SetClipboard = [](const Text&) { throw Failure("Device I/O error"); };
+  Shown().Boxes.clear();
+  SetGridSelection(Table, 1, 1, 1, 1);
+  CopyTableSelection();
+  CopyValuesSelection();
+  EXPECT_EQ(Shown().Boxes, (Texts{"error Error occured while copying to clipboard:\r\nDevice I/O error.",
+                                  "error Error occured while copying to clipboard:\r\nDevice I/O error"}));
+}
+
+TEST_F(TablesTest, PlottedSelections) {
+  Show(ShieldingView);
+  struct Row {
+    int Range[4];  // rows, columns
+    int Result;
+    const char* Title;
+  };
+  for (const Row& R : {Row{{1, 1, 1, 2}, 0, "Shielding"}, Row{{3, 3, 2, 4}, 0, "Tau"},
+                       Row{{2, 3, 1, 4}, 0, "Shift and Tau"}, Row{{1, 1, 0, 2}, 1, "Shift and Tau"},
+                       Row{{1, 3, 2, 2}, 1, "Shift and Tau"}, Row{{1, 3, 1, 4}, 0, "Shielding and Shift"}}) {
+    SCOPED_TRACE(R.Range[0] * 1000 + R.Range[1] * 100 + R.Range[2] * 10 + R.Range[3]);
+    SetGridSelection(Table, R.Range[0], R.Range[1], R.Range[2], R.Range[3]);
+    EXPECT_EQ(PlotTableSelection(), R.Result);
+    EXPECT_EQ(MemberText(Graph(), ChartTitle), R.Title);
+  }
+  EXPECT_EQ(MemberNumber(Graph(), ChartNumPoints), 4);
+  EXPECT_EQ(MemberNumber(Graph(), ChartNumSets), 3);
+  EXPECT_EQ(Graph().Points.size(), 12U);
+  EXPECT_EQ(PointValue(Graph(), 2, 1), -8.654);
+  EXPECT_EQ(Graph().SetNames, (Texts{"Shielding", "Shift", "Tau"}));
+  EXPECT_EQ(Table.Row, 3);
+  EXPECT_EQ(Table.Col, 4);
+  EXPECT_EQ(Table.SelStartRow, 1);
 }
 
 }  // namespace

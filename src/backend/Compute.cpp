@@ -1,9 +1,10 @@
 #include "backend/Compute.h"
 
 #include <cstdio>
-#include <vector>
 
+#include "backend/LevelReferences.h"
 #include "backend/ParamInput.h"
+#include "backend/PeakMap.h"
 #include "backend/Results.h"
 #include "backend/SpectInput.h"
 #include "platform/TextFiles.h"
@@ -12,7 +13,6 @@
 #include "spectrum/SpectrumDrawing.h"
 #include "spectrum/SpectrumScale.h"
 #include "workspace/Helpers.h"
-#include "workspace/References.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -48,20 +48,6 @@ bool RunBackend(TextView Stage, const char* Purpose) {
   return true;
 }
 
-// References of the level that computed the shieldings; without a file of them the user's own are in force.
-void TakeReferences() {
-  std::vector<Text> Lines;
-  try {
-    const Integer File = FreeFile();
-    OpenForInput(Settings.ParamReferenceFile, File);
-    while (!AtEnd(File)) Lines.emplace_back(LineInput(File));
-    CloseFile(File);
-  } catch (const Failure&) {
-    return UseOwnReferences();
-  }
-  if (!ReadReferenceLines(Lines)) UseOwnReferences();
-}
-
 bool RunStage1(const char* Purpose) {
   ShowStatus(Join("Computing the NMR ", ComputedItem(), "..."));
   std::remove(Settings.ParamReferenceFile.c_str());
@@ -69,7 +55,7 @@ bool RunStage1(const char* Purpose) {
       !RunBackend("1", Purpose) || !IsSet(ReadParamResults(Settings.ParamOutputFile))) {
     return false;
   }
-  TakeReferences();
+  TakeLevelReferences();
   return true;
 }
 
@@ -93,10 +79,12 @@ bool AcceptSize() {
 bool RunStage2(const char* Purpose) {
   if (!AcceptSize()) return false;
   ShowStatus("Computing the NMR spectrum...");
+  RemovePeakMap();
   if (!IsSet(EmptyResultFile(Settings.SpectOutputFile)) || !IsSet(WriteSpectInput(Settings.SpectInputFile)) ||
       !RunBackend("2", Purpose) || !IsSet(ReadSpectResults(Settings.SpectOutputFile))) {
     return false;
   }
+  ReadPeakMap();
   IgnoreFailure(Normalize);
   ShowStatus("Calculation has completed.");
   return true;

@@ -37,8 +37,4 @@ inline constexpr const char* SpectraReference = "REFERENCESHIELDING";
 inline constexpr const char* SpectraHalf = "NMRATOMSWITHSPINHALF";
 inline constexpr const char* SpectraEnd = "SpectraEnd";
 
-// Only where the references belong to a level of theory.
-inline constexpr const char* ReferencesBegin = "LevelReferencesBegin";
-inline constexpr const char* ReferencesEnd = "LevelReferencesEnd";
-
 }  // namespace zelvanor::document

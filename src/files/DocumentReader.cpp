@@ -5,11 +5,11 @@
 
 #include "basic/Numbers.h"
 #include "files/DocumentFormat.h"
+#include "files/ExtraSections.h"
 #include "files/HostText.h"
 #include "files/OptionLines.h"
 #include "platform/TextFiles.h"
 #include "workspace/Helpers.h"
-#include "workspace/References.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -103,19 +103,21 @@ bool ReadMolecule(const Text& Path) {
   return false;
 }
 
-// The sections behind the selections, in any order, to the end of the file.
-// Bad lines leave the user's own references in force.
-void ReadLevelReferences(const Text& Path) {
-  constexpr std::size_t MostLines = 32;
-  std::vector<Text> Lines;
-  while (Lines.size() < MostLines && !AtEnd(LineWork.FileNumber)) {
-    const TextView Line = LineInput(LineWork.FileNumber);
-    if (Line.starts_with(document::ReferencesEnd)) break;
-    Lines.emplace_back(Line);
+// The section that this line begins, when it is one that a room has added.
+Flag ReadExtraSection(TextView Line) {
+  for (const ExtraSection& Section : ExtraSections()) {
+    if (!Line.starts_with(Section.Begin)) continue;
+    try {
+      Section.Read(LineWork.FileNumber);
+    } catch (const Failure& Problem) {
+      WarnOfFailure(Problem);
+      return False;
+    }
   }
-  if (!ReadReferenceLines(Lines)) ShowWarning(Join("Error reading the reference shieldings from file ", Path, "."));
+  return True;
 }
 
+// The sections behind the selections, in any order, to the end of the file.
 bool ReadSections(const Text& Path) {
   while (!AtEnd(LineWork.FileNumber)) {
     const TextView Line = LineInput(LineWork.FileNumber);
@@ -128,8 +130,8 @@ bool ReadSections(const Text& Path) {
       Read = ReadShieldingCoupling(Path, LineWork.FileNumber);
     } else if (Line.starts_with(document::SpectraBegin)) {
       Read = ReadSpectra(Path, LineWork.FileNumber);
-    } else if (Line.starts_with(document::ReferencesBegin)) {
-      ReadLevelReferences(Path);
+    } else {
+      Read = ReadExtraSection(Line);
     }
     if (!IsSet(Read)) return false;
   }
@@ -137,7 +139,6 @@ bool ReadSections(const Text& Path) {
 }
 
 bool ReadOpenDocument(const Text& Path) {
-  UseOwnReferences();
   if (!ReadMolecule(Path)) return false;
   if (!IsSet(ReadSelections(Path, LineWork.FileNumber))) return false;
   if (W.NumAtoms != 0 && W.NumNMRAtoms != 0) W.NMRAtomsValid = True;

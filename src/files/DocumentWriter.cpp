@@ -4,13 +4,13 @@
 #include <span>
 
 #include "files/DocumentFormat.h"
+#include "files/ExtraSections.h"
 #include "files/HostText.h"
 #include "files/OptionLines.h"
 #include "platform/EndSignals.h"
 #include "platform/TextFiles.h"
 #include "shell/Frame.h"
 #include "workspace/Helpers.h"
-#include "workspace/References.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -68,15 +68,20 @@ bool WriteBetween(const char* Begin, const char* End, Routine WritePiece) {
 }
 
 // The stored lines give no message of their own when they can't be written; the document does.
-Flag WriteLevelReferences() {
-  for (const Text& Line : ReferenceLines()) PrintLine(LineWork.FileNumber, Line);
-  return True;
-}
-
 Flag WriteMolecule() {
   const Flag Written = WriteSystem(LineWork.FileNumber);
   if (!IsSet(Written) && W.ZMatrixPath.empty()) throw Failure(failures::DeviceError);
   return Written;
+}
+
+Flag WriteExtraSections() {
+  for (const ExtraSection& Section : ExtraSections()) {
+    if (!Section.HasContent()) continue;
+    PrintLine(LineWork.FileNumber, Section.Begin);
+    Section.Write(LineWork.FileNumber);
+    PrintLine(LineWork.FileNumber, Section.End);
+  }
+  return True;
 }
 
 bool WriteOpenDocument(const Text& Path) {
@@ -91,8 +96,7 @@ bool WriteOpenDocument(const Text& Path) {
          WriteBetween(document::ResultsBegin, document::ResultsEnd,
                       [&] { return WriteShieldingCoupling(Path, File); }) &&
          WriteBetween(document::SpectraBegin, document::SpectraEnd, [&] { return WriteSpectra(Path, File); }) &&
-         (W.ReferenceLevel.empty() ||
-          WriteBetween(document::ReferencesBegin, document::ReferencesEnd, WriteLevelReferences));
+         IsSet(WriteExtraSections());
 }
 
 // Runs the body of a section routine: its failures become a warning and the result 0.
@@ -110,7 +114,9 @@ Flag ReportFailure(Routine Body) {
 // A folder that takes no second file is no reason not to save; a disk that is full is.
 bool KeepFormerWherePossible(const Text& Path) {
   try {
-    return KeepFormerContent(Path, document::SpectraEnd);
+    std::vector<TextView> LastLines = {document::SpectraEnd};
+    for (const ExtraSection& Section : ExtraSections()) LastLines.emplace_back(Section.End);
+    return KeepFormerContent(Path, LastLines);
   } catch (const Failure& Problem) {
     if (Problem.What == failures::DiskFull) throw;
     return false;

@@ -25,6 +25,7 @@
 #include "setup/ReferenceShieldings.h"
 #include "shell/MainForm.h"
 #include "typing/AtomTyping.h"
+#include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor::fuzz {

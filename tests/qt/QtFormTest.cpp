@@ -2,21 +2,15 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QComboBox>
 #include <QDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
-#include <QPushButton>
-#include <QScrollBar>
 #include <QTest>
 #include <QTimer>
-#include <QWindow>
 
 #include "QtTestWindow.h"
 #include "platform/Form.h"
-#include "platform/Picture.h"
 #include "qt/Dispatch.h"
 #include "qt/controls/Boxes.h"
 #include "qt/controls/FormBuilder.h"
@@ -26,22 +20,10 @@ namespace zelvanor::tests {
 
 namespace {
 
-// A form with one control of each kind.
 struct TrialForm {
   Form frmTrial{"frmTrial"};
-  Label Label1{&frmTrial, "Label1"};
   TextField Text1{&frmTrial, "Text1"};
-  Label Label2{&frmTrial, "Label2"};
-  SpinButton Spin1{&frmTrial, "Spin1"};
-  CheckBox Check1{&frmTrial, "Check1"};
-  OptionButton Option1{&frmTrial, "Option1", 0};
-  OptionButton Option2{&frmTrial, "Option1", 1};
-  OptionButton Other{&frmTrial, "Other"};
-  ListBox List1{&frmTrial, "List1"};
   ListBox List2{&frmTrial, "List2", true};
-  ComboBox Combo1{&frmTrial, "Combo1"};
-  ScrollBar Bar1{&frmTrial, "Bar1"};
-  PictureSurface Surface1{&frmTrial, "Surface1"};
   CommandButton Command1{&frmTrial, "Command1"};
   CommandButton Command2{&frmTrial, "Command2"};
   std::vector<Text> Seen;
@@ -60,41 +42,12 @@ Event Note(const char* What) {
 QDialog* Dialog() {
   TrialForm& F = Trial();
   if (F.frmTrial.Layout.Is == Arrangement::Shape::Column) return DialogOf(F.frmTrial, &Window());
-  F.frmTrial.Caption = "Trial";
-  F.Label1.Caption = "&Set && count:";
-  F.Label2.Caption = "R&&D";
-  F.Command1.Caption = "&OK";
-  F.Command1.IsDefault = true;
-  F.Command2.Caption = "Cancel";
-  F.Command2.IsCancel = true;
-  F.Option1.Group = F.Option2.Group = "A";
-  F.Other.Group = "B";
-  SetItems(F.Combo1, {"one", "two", "three"});
-  SetItems(F.List1, {"H", "C", "N"});
-  F.Surface1.Width = F.Surface1.Height = TwipsFromPixels(60);
-  F.Text1.Change = Note("text");
-  F.Spin1.SpinUp = Note("up");
-  F.Spin1.SpinDown = Note("down");
-  F.Check1.Click = Note("check");
-  F.Option1.Click = Note("option 0");
-  F.Option2.Click = Note("option 1");
-  F.Other.Click = Note("other");
-  F.List1.Click = Note("list");
-  F.List1.DoubleClick = Note("double");
-  F.List2.Click = Note("many");
-  F.Combo1.Click = Note("combo");
-  F.Bar1.Change = Note("bar");
-  F.Surface1.MouseDown = [](int, int, Single, Single) { Trial().Seen.push_back("mouse"); };
-  F.Command1.Click = Note("ok");
-  F.Command2.Click = [] {
+  SetUpOkAndCancel(F.Command1, "&OK", Note("ok"), F.Command2, [] {
     Trial().Seen.push_back("cancel");
     HideForm(Trial().frmTrial);
-  };
-  F.frmTrial.Layout =
-      ColumnOf({RowOf({ItemOf(F.Label1), ItemOf(F.Text1)}), RowOf({ItemOf(F.Label2), ItemOf(F.Spin1)}),
-                ItemOf(F.Check1), GroupOf("Kind", {ItemOf(F.Option1), ItemOf(F.Option2), ItemOf(F.Other)}),
-                RowOf({ItemOf(F.List1), ItemOf(F.List2)}), ItemOf(F.Combo1), ItemOf(F.Bar1), ItemOf(F.Surface1),
-                RowOf({StretchOf(), ItemOf(F.Command1), ItemOf(F.Command2)})});
+  });
+  F.List2.Click = Note("many");
+  F.frmTrial.Layout = ColumnOf({ItemOf(F.Text1), ItemOf(F.List2), RowOf({ItemOf(F.Command1), ItemOf(F.Command2)})});
   return DialogOf(F.frmTrial, &Window());
 }
 
@@ -221,13 +174,6 @@ TEST(MessageBoxes, ShowPlainTextAndAnswer) {
     EXPECT_EQ(Text, "<b>a</b>\nb");
     EXPECT_EQ(Format, Qt::PlainText);
   }
-}
-
-TEST(FileDialogs, AnswerWithAQueuedFileOnce) {
-  QueueFile("/some/where.NMR");
-  EXPECT_EQ(AskForFile({}), std::optional<Text>("/some/where.NMR"));
-  Later([] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
-  EXPECT_EQ(AskForFile(FileDialog()), std::nullopt);
 }
 
 }  // namespace

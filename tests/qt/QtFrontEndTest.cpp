@@ -160,40 +160,6 @@ TEST(Busy, EventsServedWithinACommandStartNoOther) {
   EXPECT_EQ(Commands, 0);
 }
 
-TEST(Layout, FollowsTheWindow) {
-  for (Control* Each : {static_cast<Control*>(&Main.Spectrum1), static_cast<Control*>(&Main.HScroll1),
-                        static_cast<Control*>(&Main.HScroll2)}) {
-    SetVisible(*Each, True);
-  }
-  const Restored<Event> Keep(Main.frmNMR.Resize);
-  int Resizes = 0;
-  Main.frmNMR.Resize = [&, Former = Keep.Former] {
-    ++Resizes;
-    Former();
-  };
-  for (const QSize Size : {QSize(700, 500), QSize(1000, 400)}) {
-    Resizes = 0;
-    Window().resize(Size);
-    Wait(200);
-    EXPECT_GE(Resizes, 2) << "once at once, once more when it has settled";
-    const QSize Inner = Window().centralWidget()->size();
-    EXPECT_EQ(Main.frmNMR.Width, 15 * Inner.width());
-    EXPECT_EQ(Main.frmNMR.Height, 15 * Inner.height());
-    int Bottom = 30;  // of the toolbar
-    for (const char* Name : {"HScroll2", "Spectrum1", "HScroll1", "StatusBar"}) {
-      const QRect Place = Shown<QWidget>(Name)->geometry();
-      EXPECT_EQ(Place.top(), Bottom) << Name;
-      EXPECT_EQ(Place.width(), Inner.width()) << Name;
-      Bottom = Place.top() + Place.height();
-    }
-    EXPECT_EQ(Bottom, Inner.height());
-  }
-  for (Control* Each : {static_cast<Control*>(&Main.Spectrum1), static_cast<Control*>(&Main.HScroll1),
-                        static_cast<Control*>(&Main.HScroll2)}) {
-    SetVisible(*Each, False);
-  }
-}
-
 TEST(Dispatching, FailuresBecomeOneWarning) {
   ShownBoxes().clear();
   Dispatch([] { throw Failure("Disk full"); });

@@ -155,30 +155,4 @@ TEST_F(QtHelpTest, SearchFindsPagesAndMarksTheWords) {
   EXPECT_EQ(Hits->count(), 0);
 }
 
-TEST_F(QtHelpTest, FindsInThePageAndGrows) {
-  ShowHelpWindow(Manual, HelpCommand::Context, TensorHelp);
-  Wait(20);
-  QTest::keyClick(Help(), Qt::Key_F, Qt::ControlModifier);
-  auto* Field = qobject_cast<QLineEdit*>(Help()->focusWidget());
-  ASSERT_NE(Field, nullptr);
-  QTest::keyClicks(Field, "anisotropy");
-  QTest::keyClick(Field, Qt::Key_Return);
-  const int First = Page()->textCursor().selectionStart();
-  EXPECT_EQ(Page()->textCursor().selectedText().toLower(), "anisotropy");
-  // Round the end of the page and back to the first place.
-  for (int Step = 0; Step < 20 && (Step == 0 || Page()->textCursor().selectionStart() != First); ++Step) {
-    QTest::keyClick(Field, Qt::Key_Return);
-  }
-  EXPECT_EQ(Page()->textCursor().selectionStart(), First);
-  const int Size = Page()->font().pointSize();
-  QTest::keyClick(Help(), Qt::Key_Plus, Qt::ControlModifier);
-  EXPECT_EQ(Page()->font().pointSize(), Size + 1);
-  QTest::keyClick(Help(), Qt::Key_0, Qt::ControlModifier);
-  EXPECT_EQ(Page()->font().pointSize(), Size);
-  QTest::keyClick(Field, Qt::Key_Escape);
-  EXPECT_TRUE(Help()->isVisible());
-  QTest::keyClick(Page(), Qt::Key_Escape);
-  EXPECT_FALSE(Help()->isVisible());
-}
-
 }  // namespace zelvanor::tests
