@@ -7,6 +7,7 @@
 #include "atomsets/frmSelect.h"
 #include "atomsets/frmSelect2.h"
 #include "backend/Compute.h"
+#include "backend/ErrorBars.h"
 #include "backend/LevelReferences.h"
 #include "backend/LogCommands.h"
 #include "backend/PeakMap.h"
@@ -354,6 +355,7 @@ void BuildProgram() {
   AddMeasuredVariables();
   AddMeasuredViewVariables();
   AddPeakMapSection();
+  AddErrorBarSection();
   AddLevelReferencesSection();
   AddMeasuredSection();
   AddVariable("StartedAlone", StartedAlone);

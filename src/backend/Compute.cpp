@@ -50,6 +50,8 @@ bool RunBackend(TextView Stage, const char* Purpose) {
 
 bool RunStage1(const char* Purpose) {
   ShowStatus(Join("Computing the NMR ", ComputedItem(), "..."));
+  // Error bars of an earlier run, which a backend without them would leave in place.
+  if (IsSet(FileExists(Settings.ParamErrorFile)) && !IsSet(EmptyResultFile(Settings.ParamErrorFile))) return false;
   std::remove(Settings.ParamReferenceFile.c_str());
   if (!IsSet(EmptyResultFile(Settings.ParamOutputFile)) || !IsSet(WriteParamInput(Settings.ParamInputFile)) ||
       !RunBackend("1", Purpose) || !IsSet(ReadParamResults(Settings.ParamOutputFile))) {

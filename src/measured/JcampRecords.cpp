@@ -28,7 +28,10 @@ TextView TakeLine(TextView& Rest) {
   return Line;
 }
 
-bool IsLabel(TextView Line) { return Line.starts_with("##") && Line.find('=') != TextView::npos; }
+// Some files end a block or a table without the "=" that every label has.
+bool IsLabel(TextView Line) {
+  return Line.starts_with("##") && (Line.find('=') != TextView::npos || Line.starts_with("##END"));
+}
 
 }  // namespace
 
@@ -49,8 +52,9 @@ std::vector<JcampBlock> SplitJcamp(TextView Content) {
       }
       continue;
     }
-    const std::size_t Equals = Line.find('=');
-    JcampRecord Record{ComparedForm(Line.substr(2, Equals - 2)), Line.substr(Equals + 1), Number};
+    const std::size_t Equals = std::min(Line.find('='), Line.size());
+    JcampRecord Record{ComparedForm(Line.substr(2, Equals - 2)), Line.substr(std::min(Equals + 1, Line.size())),
+                       Number};
     Present = nullptr;
     if (Record.Label == "END") {
       if (!Open.empty()) Open.pop_back();

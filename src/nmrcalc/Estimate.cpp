@@ -1,5 +1,6 @@
 #include "nmrcalc/Estimate.h"
 
+#include <optional>
 #include <vector>
 
 #include "nmrcalc/couplings/Coupling.h"
@@ -13,10 +14,16 @@ namespace nmrcalc {
 namespace {
 
 constexpr const char* ShiftFile = "nmr_shft.abp";
+constexpr const char* ModelFile = "nmr_shft.net";
 constexpr const char* CouplingFile = "nmr_cupl.abp";
-constexpr const char* Description =
-    "NMR parameters estimated by additive increments; not a result of KRDO/1 or KRDO/2 or of any other quantum "
-    "chemical method";
+
+// What the numbers are, for the first line of the results.
+std::string Describe(const ShiftModel* Model) {
+  const std::string Shifts =
+      Model == nullptr ? "" : "shifts by the model " + Model->Version + ", expected errors " + Model->Summary + "; ";
+  return "NMR parameters estimated from measured ones: " + Shifts +
+         "couplings by path; not a result of KRDO/1 or KRDO/2 or of any other quantum chemical method";
+}
 
 std::string AtomLabel(const Molecule& System, std::size_t Index) {
   const Atom& Item = System.Atoms[Index];
@@ -24,21 +31,33 @@ std::string AtomLabel(const Molecule& System, std::size_t Index) {
          std::to_string(Item.Molecule);
 }
 
-void ComputeShieldings(const ParamInput& Input, const std::string& TablePath, ParamResults& Results, Log& Report) {
+// What the log tells of an atom's shift: always when there is little to go by, else at level 2.
+void LogShift(const ParamInput& Input, std::size_t Center, const ShiftEstimate& Estimate, Log& Report) {
+  const std::string Label = AtomLabel(Input.System, Center);
+  if (!Estimate.Known) {
+    AddToLog(Report, 0, "No estimate for " + Label + ": " + Estimate.Origin);
+    return;
+  }
+  const std::string Number = FixedNumber(Estimate.Shift, 2) + " +- " + FixedNumber(Estimate.Error, 2) + " ppm";
+  if (!Estimate.Seen) {
+    AddToLog(Report, 0, Label + ": surroundings that the model was not made from; " + Number);
+  } else if (LogWants(Report, 2)) {
+    AddToLog(Report, 2, Label + ": " + Number + (Estimate.Origin.empty() ? "" : " (" + Estimate.Origin + ")"));
+  }
+}
+
+void ComputeShieldings(const ParamInput& Input, const ShiftModel& Model, const std::string& TablePath,
+                       ParamResults& Results, Log& Report) {
   const TableFile Tables = ReadTables(TablePath, RequiredShiftTables());
+  const std::vector<ShiftEstimate> Shifts = EstimateShifts(Tables, Model, Input.System);
   for (std::size_t K = 0; K < Input.NMRAtoms.size(); ++K) {
     const std::size_t Center = Input.NMRAtoms[K];
-    const ShiftEstimate Estimate = EstimateShift(Tables, Input.System, Center);
+    const ShiftEstimate& Estimate = Shifts[Center];
     const double Shielding = ShieldingFromShift(Tables, Input.System.Atoms[Center].AtomicNumber, Estimate);
     if (Input.WantsShielding) Results.Shieldings[K] = Shielding;
     if (Input.WantsTensor) Results.Tensors.push_back(EstimateTensor(Tables, Input.System, Center, Shielding));
-    if (!Estimate.Known) {
-      AddToLog(Report, 0, "No estimate for " + AtomLabel(Input.System, Center) + ": " + Estimate.Origin);
-    } else if (LogWants(Report, 2)) {
-      AddToLog(
-          Report, 2,
-          AtomLabel(Input.System, Center) + ": " + FixedNumber(Estimate.Shift, 2) + " ppm (" + Estimate.Origin + ")");
-    }
+    Results.Errors.push_back(Estimate.Known ? Estimate.Error : 0.0);
+    LogShift(Input, Center, Estimate, Report);
   }
 }
 
@@ -64,20 +83,23 @@ ParamResults Estimate(const ParamInput& Input, const std::string& ParameterDirec
                       Log& Report) {
   const std::string Directory = ParameterDirectory + (ParameterDirectory.ends_with('/') ? "" : "/");
   ParamResults Results = EmptyResults(Input);
-  Results.Description = Description;
-  AddToLog(Report, 0, std::string("Stage 1: ") + Description);
+  const std::optional<ShiftModel> Model =
+      Shieldings ? std::optional<ShiftModel>(ReadShiftModel(Directory + ModelFile)) : std::nullopt;
+  Results.Description = Describe(Model ? &*Model : nullptr);
+  AddToLog(Report, 0, "Stage 1: " + Results.Description);
   AddToLog(
       Report, 0,
       std::to_string(Input.NMRAtoms.size()) + " NMR atoms of " + std::to_string(Input.System.Atoms.size()) + " atoms");
-  if (Shieldings) ComputeShieldings(Input, Directory + ShiftFile, Results, Report);
+  if (Model) ComputeShieldings(Input, *Model, Directory + ShiftFile, Results, Report);
   if (Couplings) ComputeCouplings(Input, Directory + CouplingFile, Results, Report);
   return Results;
 }
 
-std::string EstimateParameters(const std::string& InputPath, const std::string& ParameterDirectory, Log& Report) {
+ParamTexts EstimateParameters(const std::string& InputPath, const std::string& ParameterDirectory, Log& Report) {
   const ParamInput Input = ReadParamInput(InputPath);
-  return FormatResults(Input, Estimate(Input, ParameterDirectory, Input.WantsShielding || Input.WantsTensor,
-                                       Input.WantsCoupling, Report));
+  const ParamResults Results =
+      Estimate(Input, ParameterDirectory, Input.WantsShielding || Input.WantsTensor, Input.WantsCoupling, Report);
+  return {.Results = FormatResults(Input, Results), .Errors = FormatErrors(Results)};
 }
 
 }  // namespace nmrcalc

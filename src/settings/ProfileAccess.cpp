@@ -65,6 +65,7 @@ void NameWorkingFiles() {
   S.ParamOutputFile = Folder + "nmrparam.out";
   S.ParamReferenceFile = Folder + "nmrparam.ref";
   S.BackendFile = Folder + "nmrback.ini";
+  S.ParamErrorFile = Folder + "nmrparam.err";
   S.SpectOutputFile = Folder + "nmrspect.out";
   S.IniFile = Folder + "nmr.ini";
   S.CalcExeFile = S.NMRExePath + PathSeparator + "nmrcalc.exe";

@@ -24,6 +24,7 @@ struct SettingsState {
   Text ParamOutputFile;
   Text ParamReferenceFile;  // beside the output where an engine knows its references
   Text BackendFile;         // what computes stage 1; the backend reads it
+  Text ParamErrorFile;
   Text SpectOutputFile;
   Text IniFile;
   Text CalcExeFile;

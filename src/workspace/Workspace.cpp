@@ -46,6 +46,7 @@ void ClearWorkspace() {
   W.LabelledAtom.ReDim(0);
   W.NMRAtomicNumber.ReDim(0);
   W.Shielding.ReDim(0);
+  W.ShieldingError.ReDim(0);
   W.ChemicalShift.ReDim(0);
   W.Coupling.ReDim(0, 0);
   for (int Set = 0; Set < NumSavedSets; ++Set) W.EquivalentSetSize[Set] = 0;
@@ -62,6 +63,10 @@ void ClearMeasured() {
   W.MeasuredFirst = W.MeasuredLast = W.MeasuredMHz = W.IntegralTotal = 0;
   W.IntegralCount = 0;
   for (Text* Words : {&W.MeasuredNucleus, &W.MeasuredSolvent, &W.MeasuredTitle}) Words->clear();
+}
+
+void ForgetShieldingError(int Place) {
+  if (Place <= Workspace.ShieldingError.UpperBound()) Workspace.ShieldingError[Place] = 0;
 }
 
 void AllocatePeaks(int NumPeaks) {

@@ -58,10 +58,11 @@ struct WorkspaceState {
   Array2<Integer> EquivalentAtom{10, 20};  // [set, member]
 
   // Stage 1 results, index 0..NumNMRAtoms.
-  Array<Single> Shielding;      // ppm
-  Array<Single> ChemicalShift;  // ppm: reference shielding of the element less the shielding
-  Array<Single> ShieldTensor;   // 14 for each atom at 14 i: 9 components by rows, 3 eigenvalues, isotropic, anisotropy
-  Array2<Single> Coupling;      // Hz, [NMR atom, NMR atom]
+  Array<Single> Shielding;       // ppm
+  Array<Single> ShieldingError;  // ppm, half width that two of three values keep; 0: unknown
+  Array<Single> ChemicalShift;   // ppm: reference shielding of the element less the shielding
+  Array<Single> ShieldTensor;    // 14 for each atom at 14 i: 9 components by rows, 3 eigenvalues, isotropic, anisotropy
+  Array2<Single> Coupling;       // Hz, [NMR atom, NMR atom]
 
   // Stage 2 results: a list of peaks, index 0..PeakCount. PeakCount means something only with SpectraAvailable.
   Long PeakCount = 0;
@@ -175,6 +176,9 @@ void AllocateAtomTable(int NumAtoms);
 void AllocatePeaks(int NumPeaks);
 // Gives a document with fewer atoms than NMR atoms room for a placeholder molecule, keeping what is there.
 void ExtendForResults();
+
+// A value that was typed or replaced has no error bar.
+void ForgetShieldingError(int Place);
 
 // Whether an atom number stands in LabelledAtom.
 bool IsLabelled(int AtomNumber);

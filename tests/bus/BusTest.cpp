@@ -28,7 +28,6 @@ Failure FailureOf(const std::function<void()>& Call) {
 class BusTest : public testing::Test {
  protected:
   BusTest() {
-    UseHostBus([this](int Descriptor) { Watched = Descriptor; });
     Platform.Host.LinkTimeout = -1;
     Platform.DoEvents = [this] {
       ++NumServices;

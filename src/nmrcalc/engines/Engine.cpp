@@ -50,12 +50,6 @@ void WriteBeside(const std::string& Path, const std::string& Text) {
   if (File) std::filesystem::rename(Temporary, Path, Error);
 }
 
-std::string FormatErrors(const ParamResults& Results) {
-  std::string Text;
-  for (const double Value : Results.Errors) Text += FixedNumber(Value, 3) + "\n";
-  return Text;
-}
-
 std::string FormatReferences(const ParamResults& Results) {
   if (Results.References.empty()) return "";
   std::string Text = Results.Level + "\n";

@@ -45,4 +45,10 @@ std::string FormatResults(const ParamInput& Input, const ParamResults& Results) 
   return Text;
 }
 
+std::string FormatErrors(const ParamResults& Results) {
+  std::string Text;
+  for (const double Error : Results.Errors) Text += FixedNumber(Error, 4) + "\n";
+  return Text;
+}
+
 }  // namespace nmrcalc

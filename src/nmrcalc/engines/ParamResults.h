@@ -24,6 +24,9 @@ struct ParamResults {
 // Room for the NMR atoms, all zero.
 ParamResults EmptyResults(const ParamInput& Input);
 
+// The text of nmrparam.err: an error bar a line, empty when the engine knows none.
+std::string FormatErrors(const ParamResults& Results);
+
 // The text of nmrparam.out.
 std::string FormatResults(const ParamInput& Input, const ParamResults& Results);
 
