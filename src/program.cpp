@@ -8,6 +8,7 @@
 #include "atomsets/frmSelect2.h"
 #include "backend/Compute.h"
 #include "backend/ErrorBars.h"
+#include "backend/LevelReferences.h"
 #include "backend/LogCommands.h"
 #include "backend/PeakMap.h"
 #include "basic/NumberText.h"
@@ -35,6 +36,7 @@
 #include "settings/Settings.h"
 #include "settings/frmPreference.h"
 #include "setup/ReferenceShieldings.h"
+#include "setup/frmBackend.h"
 #include "setup/frmParamOptions.h"
 #include "setup/frmRefer.h"
 #include "setup/frmReplace.h"
@@ -119,6 +121,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
     {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
     {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
+    {&MainForm::mnuSetupBackend, mnuSetupBackend_Click},
     {&MainForm::mnuComputeNMR, mnuComputeNMR_Click},
     {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
     {&MainForm::mnuComputeAll, mnuComputeAll_Click},
@@ -401,6 +404,7 @@ void BuildProgram() {
   BuildSCFForm();
   BuildSpectOptionsForm();
   BuildReferenceForm();
+  BuildBackendForm();
   BuildValuesForm();
   BuildGraphForm();
   BuildReplaceForm();
@@ -426,6 +430,7 @@ void BuildProgram() {
   AddMeasuredViewVariables();
   AddPeakMapSection();
   AddErrorBarSection();
+  AddLevelReferencesSection();
   AddMeasuredSection();
   AddVariable("StartedAlone", StartedAlone);
 }

@@ -23,6 +23,7 @@ backend of the calculations, a stand-in for the modelling program
 # The libraries are found out from the programs; the drawings of the icons and the text need more than these.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, fonts-dejavu-core | fonts-liberation | fonts-freefont-ttf")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "nwchem-mpich, xtb")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, qt6-wayland, openbabel")
 execute_process(COMMAND dpkg --print-architecture OUTPUT_VARIABLE ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE
                 ERROR_QUIET RESULT_VARIABLE NO_DPKG)

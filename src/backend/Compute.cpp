@@ -1,5 +1,8 @@
 #include "backend/Compute.h"
 
+#include <cstdio>
+
+#include "backend/LevelReferences.h"
 #include "backend/ParamInput.h"
 #include "backend/PeakMap.h"
 #include "backend/Results.h"
@@ -56,8 +59,13 @@ bool RunStage1(const char* Purpose) {
   ShowStatus(Join("Computing the NMR ", ComputedItem(), "..."));
   // Error bars of an earlier run, which a backend without them would leave in place.
   if (IsSet(FileExists(Settings.ParamErrorFile)) && !IsSet(EmptyResultFile(Settings.ParamErrorFile))) return false;
-  return IsSet(EmptyResultFile(Settings.ParamOutputFile)) && IsSet(WriteParamInput(Settings.ParamInputFile)) &&
-         RunBackend("1", Purpose) && IsSet(ReadParamResults(Settings.ParamOutputFile));
+  std::remove(Settings.ParamReferenceFile.c_str());
+  if (!IsSet(EmptyResultFile(Settings.ParamOutputFile)) || !IsSet(WriteParamInput(Settings.ParamInputFile)) ||
+      !RunBackend("1", Purpose) || !IsSet(ReadParamResults(Settings.ParamOutputFile))) {
+    return false;
+  }
+  TakeLevelReferences();
+  return true;
 }
 
 // At most one question about the size of the spin system. False: the user does not want to go on.

@@ -13,6 +13,9 @@
 #include "basic/Failure.h"
 #include "nmrcalc/Estimate.h"
 #include "nmrcalc/Memory.h"
+#include "nmrcalc/Progress.h"
+#include "nmrcalc/engines/Engine.h"
+#include "nmrcalc/engines/Geometry.h"
 #include "nmrcalc/input/InputText.h"
 #include "nmrcalc/spins/LinearAlgebra.h"
 #include "nmrcalc/spins/Spectrum.h"
@@ -25,16 +28,20 @@ namespace {
 constexpr double UsableShare = 0.9;
 
 constexpr const char* Usage =
-    "usage: nmrcalc.exe PARAMETER-DIRECTORY WORK-DIRECTORY 1|2 [LOG-FILE]\n"
-    "  1  estimates shieldings and couplings: nmrparam.in to nmrparam.out\n"
-    "  2  simulates the spectrum: nmrspect.in to nmrspect.out";
+    "usage: nmrcalc.exe PARAMETER-DIRECTORY WORK-DIRECTORY 1|2|4 [LOG-FILE]\n"
+    "  1  shieldings and couplings: nmrparam.in to nmrparam.out\n"
+    "  2  simulates the spectrum: nmrspect.in to nmrspect.out\n"
+    "  4  optimises the geometry by xtb: nmrgeom.in to nmrgeom.out";
 
 struct StageFiles {
   const char* Input;
   const char* Output;
 };
-constexpr const char* ErrorBarFile = "nmrparam.err";
-constexpr StageFiles Stages[] = {{"nmrparam.in", "nmrparam.out"}, {"nmrspect.in", "nmrspect.out"}};
+// Stage 3 is the fit of a spectrum; it has no program here yet.
+constexpr StageFiles Stages[] = {
+    {"nmrparam.in", "nmrparam.out"}, {"nmrspect.in", "nmrspect.out"}, {"", ""}, {"nmrgeom.in", "nmrgeom.out"}};
+
+bool IsStage(const std::string& Word) { return Word == "1" || Word == "2" || Word == "4"; }
 
 std::string JoinArguments(const std::vector<std::string>& Arguments, std::size_t First, std::size_t End) {
   std::string Joined;
@@ -94,14 +101,8 @@ int FindLogLevel(const CommandLine& Command) {
 
 std::string RunStage(const CommandLine& Command, Log& Report) {
   const std::string Input = PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Input);
-  if (Command.Stage == 1) {
-    const std::string ErrorBars = PathIn(Command.WorkDirectory, ErrorBarFile);
-    std::error_code Error;
-    std::filesystem::remove(ErrorBars, Error);  // those of an earlier run say nothing of this one
-    const ParamTexts Texts = EstimateParameters(Input, Command.ParameterDirectory, Report);
-    if (!Texts.Errors.empty()) WriteOutput(ErrorBars, Texts.Errors);
-    return Texts.Results;
-  }
+  if (Command.Stage == 1) return RunEngines(Input, Command.ParameterDirectory, Command.WorkDirectory, Report);
+  if (Command.Stage == 4) return OptimiseGeometry(Input, Command.WorkDirectory, Report);
   const SpectrumInput System = ReadSpectrumInput(Input);
   AddToLog(Report, 0,
            std::string("Stage 2: ") + (System.WeakCoupling ? "first-order" : "exact") + " simulation of " +
@@ -150,11 +151,11 @@ void KeepFreedMemory() {
 
 CommandLine ParseCommandLine(const std::vector<std::string>& Arguments) {
   std::size_t StagePlace = 2;
-  while (StagePlace < Arguments.size() && Arguments[StagePlace] != "1" && Arguments[StagePlace] != "2") ++StagePlace;
+  while (StagePlace < Arguments.size() && !IsStage(Arguments[StagePlace])) ++StagePlace;
   if (StagePlace >= Arguments.size()) throw zelvanor::Failure(Usage);
   CommandLine Command{.ParameterDirectory = JoinArguments(Arguments, 0, 1),
                       .WorkDirectory = JoinArguments(Arguments, 1, StagePlace),
-                      .Stage = Arguments[StagePlace] == "1" ? 1 : 2,
+                      .Stage = Arguments[StagePlace][0] - '0',
                       .LogPath = JoinArguments(Arguments, StagePlace + 1, Arguments.size())};
   for (std::size_t Cut = 1; Cut < StagePlace; ++Cut) {
     std::error_code Error;
@@ -174,7 +175,9 @@ int RunCommand(const CommandLine& Command) {
   KeepFreedMemory();
   Log Report{.Path = Command.LogPath, .Level = Command.LogPath.empty() ? 0 : FindLogLevel(Command)};
   bool Failed = false;
+  StartProgress(Command.WorkDirectory, Command.Stage);
   std::string Output = RunStageSafely(Command, Report, Failed);
+  EndProgress();
   try {
     WriteOutput(PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Output), Output);
   } catch (const zelvanor::Failure& Problem) {

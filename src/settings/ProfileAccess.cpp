@@ -3,6 +3,7 @@
 #include "basic/Numbers.h"
 #include "platform/Paths.h"
 #include "workspace/Helpers.h"
+#include "workspace/References.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -62,6 +63,8 @@ void NameWorkingFiles() {
   S.ParamInputFile = Folder + "nmrparam.in";
   S.SpectInputFile = Folder + "nmrspect.in";
   S.ParamOutputFile = Folder + "nmrparam.out";
+  S.ParamReferenceFile = Folder + "nmrparam.ref";
+  S.BackendFile = Folder + "nmrback.ini";
   S.ParamErrorFile = Folder + "nmrparam.err";
   S.SpectOutputFile = Folder + "nmrspect.out";
   S.IniFile = Folder + "nmr.ini";
@@ -137,7 +140,7 @@ std::vector<ProfileEntry> ReferenceShieldingEntries() {
   std::vector<ProfileEntry> Entries;
   Entries.reserve(NumStoredReferences);
   for (int Entry = 0; Entry < NumStoredReferences; ++Entry) {
-    Entries.push_back({ReferenceSection, ReferenceKey(Entry), GeneralForm(Workspace.ReferenceShielding[Entry])});
+    Entries.push_back({ReferenceSection, ReferenceKey(Entry), GeneralForm(OwnReference(Entry))});
   }
   return Entries;
 }

@@ -7,6 +7,7 @@
 #include "settings/ColorSets.h"
 #include "settings/ProfileAccess.h"
 #include "workspace/Helpers.h"
+#include "workspace/References.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -374,7 +375,9 @@ void ReadSettings() {
     EndProgram();
   }
   W.ReferenceShielding.ReDim(NumReferenceEntries - 1);
+  W.ReferenceLevel.clear();
   ReadReferenceShieldings(W.ReferenceShielding, ReferenceSection);
+  KeepReferencesAsOwn();
 }
 
 void WriteSettings() {

@@ -22,6 +22,8 @@ struct SettingsState {
   Text ParamInputFile;
   Text SpectInputFile;
   Text ParamOutputFile;
+  Text ParamReferenceFile;  // beside the output where an engine knows its references
+  Text BackendFile;         // what computes stage 1; the backend reads it
   Text ParamErrorFile;
   Text SpectOutputFile;
   Text IniFile;

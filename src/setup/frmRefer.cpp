@@ -9,6 +9,7 @@
 #include "setup/ReferenceShieldings.h"
 #include "shell/Frame.h"
 #include "workspace/Helpers.h"
+#include "workspace/References.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -72,6 +73,7 @@ void Command1_Click() {
   for (int Entry = 0; Entry < W.NumReferenceElements; ++Entry) {
     W.ReferenceShielding[Entry] = ReferenceShieldingEdit[Entry];
   }
+  KeepReferencesAsOwn();
   if (IsSet(W.SpectResultsStale)) {
     W.SpectraAvailable = False;
     if (W.ViewMode == SpectrumViewMode) W.ViewMode = IsSet(W.MoleculeLoaded) ? MoleculeView : ShieldingView;

@@ -97,6 +97,7 @@ struct MainForm {
   MenuItem mnuSetupNMRParam{&frmNMR, "mnuSetupNMRParam"};
   MenuItem mnuSetupNMRSpect{&frmNMR, "mnuSetupNMRSpect"};
   MenuItem mnuSetupReferenceShielding{&frmNMR, "mnuSetupReferenceShielding"};
+  MenuItem mnuSetupBackend{&frmNMR, "mnuSetupBackend"};
   MenuItem mnuCompute{&frmNMR, "mnuCompute"};
   MenuItem mnuComputeNMR{&frmNMR, "mnuComputeNMR"};
   MenuItem mnuComputeSpectra{&frmNMR, "mnuComputeSpectra"};

@@ -108,6 +108,7 @@ constexpr std::array Rows = {
     Below(&M::mnuSetup, &M::mnuSetupNMRSpect, "&Spectrum...", "", "Setup options for computing NMR spectrum."),
     Below(&M::mnuSetup, &M::mnuSetupReferenceShielding, "&Reference Shielding...", "",
           "Specify the reference shielding constants."),
+    Below(&M::mnuSetup, &M::mnuSetupBackend, "&Backend...", "", "Choose what computes shieldings and couplings."),
 
     Top(&M::mnuCompute, "&Compute", "Compute NMR properties."),
     Disabled(Below(&M::mnuCompute, &M::mnuComputeNMR, "I  - Shielding && &Coupling", "",

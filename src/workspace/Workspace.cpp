@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "basic/Numbers.h"
+#include "workspace/References.h"
 
 namespace zelvanor {
 
@@ -50,6 +51,7 @@ void ClearWorkspace() {
   W.Coupling.ReDim(0, 0);
   for (int Set = 0; Set < NumSavedSets; ++Set) W.EquivalentSetSize[Set] = 0;
   W.NMRAtomsValid = W.ShieldingAvailable = W.CouplingAvailable = False;
+  UseOwnReferences();
   ClearMeasured();
 }
 

@@ -131,6 +131,7 @@ struct WorkspaceState {
   Array<Integer> ReferenceElement;
   Array<Text> ReferenceElementName;
   Array<Single> ReferenceShielding;
+  Text ReferenceLevel;  // level of theory that they belong to; empty: the user's own
 
   // Document state. At most one of the three paths names the origin of the system.
   Text DocumentTitle;

@@ -102,6 +102,7 @@ void AddOptions() {
   AddArray("ReferenceElement", W.ReferenceElement, CountReferences);
   AddArray("ReferenceElementName", W.ReferenceElementName, CountReferences);
   AddArray("ReferenceShielding", W.ReferenceShielding, CountReferences);
+  AddVariable("ReferenceLevel", W.ReferenceLevel);
 }
 
 void AddDocumentState() {

@@ -24,9 +24,10 @@ enum class Hybrid { Sp3, Sp2, Sp };
 
 struct Atom {
   int AtomicNumber = 0;
-  int Molecule = 0;    // from 1
-  int InMolecule = 0;  // from 1
-  Vector3 Place{};     // Angstrom
+  int Molecule = 0;     // from 1
+  int InMolecule = 0;   // from 1
+  double Charge = 0.0;  // partial charge, elementary charges
+  Vector3 Place{};      // Angstrom
   std::vector<Neighbour> Neighbours{};
   Hybrid State = Hybrid::Sp3;
   bool Aromatic = false;

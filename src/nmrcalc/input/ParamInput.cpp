@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "basic/Numbers.h"
 #include "basic/TextTools.h"
 #include "nmrcalc/Estimate.h"
 #include "nmrcalc/input/InputText.h"
@@ -32,7 +33,37 @@ bool ReadFlag(const TextCursor& Place, std::string_view Value) {
   return false;
 }
 
-// Options in any order and case. Those that steer a quantum-chemical calculation have no meaning here.
+// True when the option is one of those that steer a quantum-chemical calculation.
+bool ReadQuantumOption(const TextCursor& Place, const std::string& Key, std::string_view Value,
+                       QuantumOptions& Options) {
+  const auto Whole = [&](int Lowest, int Highest) {
+    return WholeNumberAt(Place.File, Place.Line, Value, Lowest, Highest, Key);
+  };
+  if (Key == "SEMIEMPIRICALMETHOD") {
+    Options.Method = Value;
+  } else if (Key == "TOTALCHARGE") {
+    Options.Charge = Whole(-32768, 32767);
+  } else if (Key == "SPINMULTIPLICITY") {
+    Options.Multiplicity = Whole(-32768, 32767);
+  } else if (Key == "SCFCONVERGENCELIMIT") {
+    Options.ConvergenceLimit = NumberAt(Place.File, Place.Line, Value, "SCFConvergenceLimit");
+  } else if (Key == "SCFITERATIONLIMIT") {
+    Options.IterationLimit = Whole(-32768, 32767);
+  } else if (Key == "SCFACCELERATECONVERGENCE") {
+    Options.Accelerate = ReadFlag(Place, Value);
+  } else if (Key == "MODIFYSLATEREXPONENTS") {
+    Options.SpecialExponents = ReadFlag(Place, Value);
+  } else if (Key == "COMPUTETHREECENTERTERMS") {
+    Options.ThreeCenterTerms = ReadFlag(Place, Value);
+  } else if (Key == "INCLUDEDORBITALSFORSECONDROW") {
+    Options.DOrbitals = ReadFlag(Place, Value);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+// Options in any order and case; those that are unknown have no meaning here.
 void ReadOption(const TextCursor& Place, std::string_view Text, ParamInput& Input) {
   const std::size_t Equals = Text.find('=');
   if (Equals == std::string_view::npos) {
@@ -51,6 +82,8 @@ void ReadOption(const TextCursor& Place, std::string_view Text, ParamInput& Inpu
     Input.WantsTensor = ReadFlag(Place, Value);
   } else if (Key == "CALCULATECOUPLING") {
     Input.WantsCoupling = ReadFlag(Place, Value);
+  } else {
+    ReadQuantumOption(Place, Key, Value, Input.Quantum);
   }
 }
 
@@ -110,6 +143,7 @@ void ReadAtom(const TextCursor& Place, int MoleculeNumber, int InMolecule, Molec
   if (Item.AtomicNumber < 0) {
     FailAtLine(Place.File, Place.Line, "unknown element \"" + std::string(Tokens[3].substr(0, 4)) + "\"");
   }
+  Item.Charge = zelvanor::PrefixNumber(Tokens[6]);
   for (std::size_t Axis = 0; Axis < 3; ++Axis) {
     Item.Place[Axis] = NumberAt(Place.File, Place.Line, Tokens[7 + Axis], "a coordinate");
   }
@@ -167,7 +201,7 @@ void ReadSystem(TextCursor& Place, ParamInput& Input, AtomIndex& Index) {
 
 }  // namespace
 
-ParamInput ReadParamInput(const std::string& Path) {
+ParamInput ReadParamInput(const std::string& Path, bool NeedsNMRAtoms) {
   TextCursor Place{.File = ReadTextFile(Path)};
   ParamInput Input;
   for (;; ++Place.Line) {
@@ -177,13 +211,14 @@ ParamInput ReadParamInput(const std::string& Path) {
   }
   const std::size_t SelectionLine = ++Place.Line;
   const auto Selection = ReadSelection(Place, "NMRSelection");
-  if (Selection.empty()) FailAtLine(Place.File, SelectionLine, "there is no NMR atom");
+  if (Selection.empty() && NeedsNMRAtoms) FailAtLine(Place.File, SelectionLine, "there is no NMR atom");
   if (Selection.size() > LargestSelection) {
     FailAtLine(Place.File, SelectionLine, "there are more than " + std::to_string(LargestSelection) + " NMR atoms");
   }
+  std::vector<SelectedAtom> Quantum;
   if (TrimmedLine(Place, "AtomsBegin") == "QuantumSelectionBegin") {
     ++Place.Line;
-    ReadSelection(Place, "QuantumSelection");
+    Quantum = ReadSelection(Place, "QuantumSelection");
   }
   if (TrimmedLine(Place, "AtomsBegin") != "AtomsBegin") {
     FailAtLine(Place.File, Place.Line, "the line should read AtomsBegin");
@@ -191,11 +226,15 @@ ParamInput ReadParamInput(const std::string& Path) {
   ++Place.Line;
   AtomIndex Index;
   ReadSystem(Place, Input, Index);
-  for (const SelectedAtom& Item : Selection) {
-    const auto Found = Index.find({Item.Molecule, Item.Atom});
-    if (Found == Index.end()) FailAtLine(Place.File, Item.Line, "there is no such atom in the system");
-    Input.NMRAtoms.push_back(Found->second);
-  }
+  const auto Find = [&](const std::vector<SelectedAtom>& Items, std::vector<std::size_t>& Atoms) {
+    for (const SelectedAtom& Item : Items) {
+      const auto Found = Index.find({Item.Molecule, Item.Atom});
+      if (Found == Index.end()) FailAtLine(Place.File, Item.Line, "there is no such atom in the system");
+      Atoms.push_back(Found->second);
+    }
+  };
+  Find(Selection, Input.NMRAtoms);
+  Find(Quantum, Input.QuantumAtoms);
   PerceiveStructure(Input.System);
   return Input;
 }
