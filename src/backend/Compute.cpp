@@ -68,7 +68,6 @@ bool AcceptSize() {
 }
 
 bool RunStage2(const char* Purpose) {
-  if (!AcceptSize()) return false;
   ShowStatus("Computing the NMR spectrum...");
   if (!IsSet(EmptyResultFile(Settings.SpectOutputFile)) || !IsSet(WriteSpectInput(Settings.SpectInputFile)) ||
       !RunBackend("2", Purpose) || !IsSet(ReadSpectResults(Settings.SpectOutputFile))) {
@@ -178,7 +177,7 @@ void mnuComputeNMR_Click() {
 
 void mnuComputeSpectra_Click() {
   EnterBusy();
-  SetFlagsAfterStage2(RunStage2("> "));
+  SetFlagsAfterStage2(AcceptSize() && RunStage2("> "));
   LeaveBusy();
   IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
   RefreshView();
@@ -191,12 +190,26 @@ void mnuComputeAll_Click() {
   int DoneStages = 0;
   if (RunStage1("> for computing the NMR shielding and/or coupling constants. ")) {
     DoneStages = 1;
-    if (RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
+    if (AcceptSize() && RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
   }
   SetFlagsAfterBoth(DoneStages);
   LeaveBusy();
   IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
   RefreshView();
+}
+
+int ComputeStages(int Stages, const std::function<void()>& Between) {
+  EnterBusy();
+  int DoneStages = 0;
+  if (RunStage1("> for computing the NMR shielding and/or coupling constants. ")) {
+    DoneStages = 1;
+    IgnoreFailure(Between);
+    if (Stages > 1 && RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
+  }
+  SetFlagsAfterBoth(DoneStages);
+  LeaveBusy();
+  if (DoneStages == 2) IgnoreFailure(TransferVBX);
+  return DoneStages;
 }
 
 }  // namespace zelvanor

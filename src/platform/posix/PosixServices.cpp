@@ -68,6 +68,7 @@ void UsePosixServices() {
   Platform.PrepareUserFiles = PrepareUserFiles;
   Platform.WinIniPath = FindWinIni;
   Platform.Shell = StartProcess;
+  Platform.StartProgram = StartProgram;
   Platform.OpenProcess = OpenStartedProcess;
   Platform.GetExitCodeProcess = QueryProcess;
   Platform.Host.Open = [](const Text&) { throw Failure("No application answers", NoApplicationAnswers); };

@@ -29,8 +29,9 @@ std::atomic<pid_t> LatestGroup = 0;
 
 }  // namespace
 
-Long StartProcess(const Text& CommandLine) {
-  std::vector<Text> Words = SplitAtBlanks(CommandLine);
+Long StartProcess(const Text& CommandLine) { return StartProgram(SplitAtBlanks(CommandLine)); }
+
+Long StartProgram(std::vector<Text> Words) {
   if (Words.empty()) throw Failure(failures::FileNotFound);
   std::vector<char*> Arguments;
   Arguments.reserve(Words.size() + 1);

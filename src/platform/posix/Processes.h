@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "platform/Services.h"
 
 namespace zelvanor {
@@ -8,6 +10,9 @@ namespace zelvanor {
 // blanks and nothing is quoted, no shell stands between. Its input is empty and its output dropped. Returns the process
 // id; throws a Failure when the program can't be started.
 Long StartProcess(const Text& CommandLine);
+
+// The same from the words themselves, which may hold blanks.
+Long StartProgram(std::vector<Text> Words);
 
 // A handle is the process id itself; 0 when no such process was started here or it has been waited for already.
 Long OpenStartedProcess(Long ProcessId);
