@@ -59,9 +59,13 @@ int ConvertAll(const Options& Given, RecordSource& Source) {
   while (NextRecord(Source, Next)) {
     const Outcome Made = Convert(Given, Source.Kind, Next);
     const Text Number = std::to_string(Next.Number);
-    if (!Made.Problem.empty()) Status = ComplainOf(Given.Input, Next, Made.Problem);
-    if (Made.Problem.empty())
-      PutOut(Given, "; Record " + Number + " " + Next.Title + "\n" + Made.Output + "; End " + Number + "\n");
+    if (!Made.Problem.empty()) {
+      Status = ComplainOf(Given.Input, Next, Made.Problem);
+      continue;
+    }
+    PutOut(Given, "; Record " + Number + " " + Next.Title + "\n");
+    PutOut(Given, Made.Output);
+    PutOut(Given, "; End " + Number + "\n");
   }
   return Source.Given == 0 ? Complain(Given.Input + ": there is no molecule in it", RecordFailed) : Status;
 }

@@ -99,7 +99,7 @@ bool IsMoleculeFile(TextView Path) {
 
 Text FindConverter() {
   for (const Text& Folder : {Platform.ProgramDirectory(), Settings.NMRExePath}) {
-    const Text Path = Folder + PathSeparator + ProgramName;
+    Text Path = Folder + PathSeparator + ProgramName;
     if (IsSet(FileExists(Path))) return Path;
   }
   return {};

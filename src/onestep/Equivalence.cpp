@@ -45,6 +45,7 @@ using Links = std::vector<std::vector<int>>;
 
 std::vector<int> Refine(const Links& All) {
   std::vector<std::array<int, 3>> Start;
+  Start.reserve(All.size());
   for (int Atom = 0; Atom < W.NumAtoms; ++Atom) {
     Start.push_back({int(W.AtomicNumber[Atom]), W.AtomicNumber[Atom] == 1 && IsLabelled(Atom + 1) ? 1 : 0,
                      static_cast<int>(All[static_cast<std::size_t>(Atom)].size())});

@@ -1,6 +1,7 @@
 #include "onestep/PredictSpectrum.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <set>
 #include <vector>
@@ -34,7 +35,7 @@ Long FrequencyFor(const Nucleus& Observed) {
   if (W.NMRFrequency > 0 && W.NMRFrequency != Chosen.Set && Present != Nuclei.end()) {
     Chosen.Protons = W.NMRFrequency * 100.0 / Present->Percent;
   }
-  return std::max<Long>(1, static_cast<Long>(Chosen.Protons * Observed.Percent / 100.0 + 0.5));
+  return std::max<Long>(1, static_cast<Long>(std::lround(Chosen.Protons * Observed.Percent / 100.0)));
 }
 
 std::set<int> SelectedMolecules() {

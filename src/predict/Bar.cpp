@@ -1,5 +1,6 @@
 #include "predict/Bar.h"
 
+#include <cmath>
 #include <cstdio>
 
 namespace zelvanor::predict {
@@ -18,7 +19,7 @@ void ShowBar(const Bar& This, Long Done, const Text& Name) {
   }
   Line += "  " + Name.substr(0, 24);
   if (This.Total > 0 && Done > 0) {
-    const auto Left = static_cast<long>(Used / Done * (This.Total - Done) + 0.5);
+    const auto Left = std::lround(Used / Done * (This.Total - Done));
     char Time[32];
     std::snprintf(Time, sizeof Time, "  %ld:%02ld left", Left / 60, Left % 60);
     Line += Time;

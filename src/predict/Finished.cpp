@@ -65,7 +65,7 @@ Text HashesOf(const FinishedList& List, const Options& Given, const Molecule& On
 
 Text CutCell(Text& Line) {
   const std::size_t End = std::min(Line.find('\t'), Line.size());
-  const Text Cell = Line.substr(0, End);
+  Text Cell = Line.substr(0, End);
   Line.erase(0, End + 1);
   return Cell;
 }

@@ -80,9 +80,9 @@ const std::vector<FormatRow>& FormatRows() {
        [](const Text& Path) {
          if (!IsSet(WriteDocument(Path))) throw Failure("the document can't be written");
        }},
-      {"svg", true, pictures::WriteViewPicture},
-      {"png", true, pictures::WriteViewPicture},
-      {"pdf", true, pictures::WriteViewPicture},
+      {"svg", true, [](const Text& Path) { pictures::WriteViewPicture(Path); }},
+      {"png", true, [](const Text& Path) { pictures::WriteViewPicture(Path); }},
+      {"pdf", true, [](const Text& Path) { pictures::WriteViewPicture(Path); }},
       {"csv", true, [](const Text& Path) { WriteWholeFile(Path, BuildPeakCsv()); }},
       {"jdx", true, [](const Text& Path) { WriteWholeFile(Path, BuildPeakJcamp()); }},
       {"html", false, nullptr},
