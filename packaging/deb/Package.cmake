@@ -17,7 +17,7 @@ published increments, and simulates the spectrum of the spin system exactly. It
 shows spectrum, tables, plots and the molecule in three dimensions.
 .
 The package has the window (zelvanor), the same program for scripts without a
-display (zelvanor-batch), the reader of molecule files (zelvanor-convert), the
+display (zelvanor-batch), the prediction of many spectra (zelvanor-predict), the reader of molecule files (zelvanor-convert), the
 backend of the calculations, a stand-in for the modelling program
 (morvantis-sim), the manual and examples.")
 # The libraries are found out from the programs; the drawings of the icons and the text need more than these.

@@ -86,7 +86,6 @@ bool AcceptSize() {
 }
 
 bool RunStage2(const char* Purpose) {
-  if (!AcceptSize()) return false;
   ShowStatus("Computing the NMR spectrum...");
   RemovePeakMap();
   if (!IsSet(EmptyResultFile(Settings.SpectOutputFile)) || !IsSet(WriteSpectInput(Settings.SpectInputFile)) ||
@@ -223,7 +222,7 @@ void mnuComputeNMR_Click() {
 }
 
 void mnuComputeSpectra_Click() {
-  const bool Done = RunBusy([] { SetFlagsAfterStage2(RunStage2("> ")); });
+  const bool Done = RunBusy([] { SetFlagsAfterStage2(AcceptSize() && RunStage2("> ")); });
   if (Done) IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
   RefreshView();
 }
@@ -235,12 +234,27 @@ void mnuComputeAll_Click() {
     int DoneStages = 0;
     if (RunStage1("> for computing the NMR shielding and/or coupling constants. ")) {
       DoneStages = 1;
-      if (RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
+      if (AcceptSize() && RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
     }
     SetFlagsAfterBoth(DoneStages);
   });
   if (Done) IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
   RefreshView();
+}
+
+int ComputeStages(int Stages, const std::function<void()>& Between) {
+  int DoneStages = 0;
+  const bool Done = RunBusy([&] {
+    if (RunStage1("> for computing the NMR shielding and/or coupling constants. ")) {
+      DoneStages = 1;
+      IgnoreFailure(Between);
+      if (Stages > 1 && RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
+    }
+    SetFlagsAfterBoth(DoneStages);
+  });
+  if (!Done) return 0;
+  if (DoneStages == 2) IgnoreFailure(TransferVBX);
+  return DoneStages;
 }
 
 }  // namespace zelvanor

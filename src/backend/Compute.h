@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "basic/Types.h"
 
 namespace zelvanor {
@@ -9,6 +11,10 @@ namespace zelvanor {
 void mnuComputeNMR_Click();
 void mnuComputeSpectra_Click();
 void mnuComputeAll_Click();
+
+// Runs the first stage, and the second where Stages is 2, without a question; Between runs when the results of the
+// first are there. The number of stages that are done; what went wrong has been shown.
+int ComputeStages(int Stages, const std::function<void()>& Between);
 
 // Makes the file exist and be empty, so that no earlier result is taken for a new one. Reports its failure.
 Flag EmptyResultFile(const Text& Path);

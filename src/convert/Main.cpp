@@ -26,7 +26,7 @@ int ComplainOf(const Text& Input, const Record& Given, const Text& Reason) {
 
 // Whole or not at all: written beside its place and renamed.
 void PutOut(const Options& Given, const Text& Content) {
-  if (Given.Output.empty()) {
+  if (Given.Output.empty() || Given.Does != Work::One) {
     std::fwrite(Content.data(), 1, Content.size(), stdout);
     if (std::fflush(stdout) != 0) throw Failure("standard output can't be written");
     return;
@@ -59,9 +59,13 @@ int ConvertAll(const Options& Given, RecordSource& Source) {
   while (NextRecord(Source, Next)) {
     const Outcome Made = Convert(Given, Source.Kind, Next);
     const Text Number = std::to_string(Next.Number);
-    if (!Made.Problem.empty()) Status = ComplainOf(Given.Input, Next, Made.Problem);
-    if (Made.Problem.empty())
-      PutOut(Given, "; Record " + Number + " " + Next.Title + "\n" + Made.Output + "; End " + Number + "\n");
+    if (!Made.Problem.empty()) {
+      Status = ComplainOf(Given.Input, Next, Made.Problem);
+      continue;
+    }
+    PutOut(Given, "; Record " + Number + " " + Next.Title + "\n");
+    PutOut(Given, Made.Output);
+    PutOut(Given, "; End " + Number + "\n");
   }
   return Source.Given == 0 ? Complain(Given.Input + ": there is no molecule in it", RecordFailed) : Status;
 }
@@ -109,8 +113,17 @@ int ConvertFile(const Options& Given) {
   } catch (const Failure& Problem) {
     return Complain(Given.Input + ": " + Problem.What, Problem.Number == UnknownKind ? UnknownKind : CannotRun);
   }
-  if (Given.Does == Work::List) return ListAll(Given, Source);
-  if (Given.Does == Work::All) return ConvertAll(Given, Source);
+  if (Given.Does != Work::One) {
+    const Text Beside = Given.Output + ".part" + std::to_string(getpid());
+    if (!Given.Output.empty() && std::freopen(Beside.c_str(), "we", stdout) == nullptr) {
+      throw Failure(Given.Output + " can't be written");
+    }
+    const int Status = Given.Does == Work::List ? ListAll(Given, Source) : ConvertAll(Given, Source);
+    if (std::fflush(stdout) == 0 && (Given.Output.empty() || std::rename(Beside.c_str(), Given.Output.c_str()) == 0)) {
+      return Status;
+    }
+    throw Failure("the output can't be written");
+  }
   Record Next;
   while (NextRecord(Source, Next)) {
     if (Next.Number == Given.Record) return ConvertOne(Given, Source.Kind, Next);
@@ -130,6 +143,7 @@ int Run(const std::vector<Text>& Words) {
       std::fputs(Given.Help ? Usage : "zelvanor-convert " ZELVANOR_VERSION "\n", stdout);
       return 0;
     }
+    if (!Given.Messages.empty() && std::freopen(Given.Messages.c_str(), "w", stderr) == nullptr) return CannotRun;
     SilenceToolkit();
     if (Given.Smiles.empty()) return ConvertFile(Given);
     return ConvertOne(Given, FileKind::Smiles, {.Number = 1, .Content = Given.Smiles});

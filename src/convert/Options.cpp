@@ -18,6 +18,7 @@ found from the distances. "-" reads SMILES from standard input, one a line, a na
       --list         a line for each record: number, name and formula, separated by tabs
       --flat         a drawing: flat coordinates, no hydrogens that are implied
   -o, --out FILE     writes FILE, whole or not at all
+      --messages FILE  what goes wrong goes there instead of standard error
       --time N       limit in seconds for a record (30); 0 none
   -h, --help         this text
       --version
@@ -49,6 +50,7 @@ constexpr OptionRow Rows[] = {
     {"-s", "--smiles", true, [](Options& All, const Text& Value) { All.Smiles = Value; }},
     {"-r", "--record", true, [](Options& All, const Text& Value) { All.Record = NumberFrom("--record", Value, 1); }},
     {"-o", "--out", true, [](Options& All, const Text& Value) { All.Output = Value; }},
+    {"", "--messages", true, [](Options& All, const Text& Value) { All.Messages = Value; }},
     {"", "--time", true, [](Options& All, const Text& Value) { All.Seconds = NumberFrom("--time", Value, 0); }},
     {"", "--stream", false, [](Options& All, const Text&) { All.Does = Work::All; }},
     {"", "--list", false, [](Options& All, const Text&) { All.Does = Work::List; }},
@@ -61,15 +63,18 @@ constexpr OptionRow Rows[] = {
 
 Options ReadOptions(const std::vector<Text>& Words) {
   Options All;
+  bool Ended = false;
   for (std::size_t Place = 0; Place < Words.size(); ++Place) {
     const Text& Word = Words[Place];
     const auto* Row = std::find_if(std::begin(Rows), std::end(Rows), [&](const OptionRow& R) {
       return Word == R.Name || (*R.Short != 0 && Word == R.Short);
     });
-    if (Row != std::end(Rows)) {
+    if (!Ended && Word == "--") {
+      Ended = true;
+    } else if (!Ended && Row != std::end(Rows)) {
       if (Row->TakesValue && Place + 1 == Words.size()) throw Failure("nothing behind " + Word);
       Row->Take(All, Row->TakesValue ? Words[++Place] : Text());
-    } else if (Word.size() > 1 && Word.starts_with("-")) {
+    } else if (!Ended && Word.size() > 1 && Word.starts_with("-")) {
       throw Failure("unknown option " + Word);
     } else if (!All.Input.empty()) {
       throw Failure("more than one file: " + Word);

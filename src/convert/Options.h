@@ -11,9 +11,10 @@ extern const char* const Usage;
 enum class Work { One, All, List };
 
 struct Options {
-  Text Input;   // a file, or "-"
-  Text Smiles;  // instead of Input
-  Text Output;  // empty for standard output
+  Text Input;     // a file, or "-"
+  Text Smiles;    // instead of Input
+  Text Output;    // empty for standard output
+  Text Messages;  // empty for standard error
   Work Does = Work::One;
   Long Record = 1;
   Long Seconds = 30;  // for a record; 0 for no limit

@@ -182,6 +182,7 @@ std::vector<std::vector<int>> FindParts(const Structure& Whole) {
   std::map<int, std::vector<int>> Parts;
   for (int Atom = 0; Atom < Whole.Count(); ++Atom) Parts[HeadOf(Atom)].push_back(Atom);
   std::vector<std::vector<int>> Result;
+  Result.reserve(Parts.size());
   for (auto& [First, Atoms] : Parts) Result.push_back(std::move(Atoms));
   return Result;
 }

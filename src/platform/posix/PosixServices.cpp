@@ -68,6 +68,7 @@ void UsePosixServices() {
   Platform.PrepareUserFiles = PrepareUserFiles;
   Platform.WinIniPath = FindWinIni;
   Platform.Shell = StartProcess;
+  Platform.StartProgram = StartProgram;
   Platform.OpenProcess = OpenStartedProcess;
   Platform.GetExitCodeProcess = QueryProcess;
   Platform.StopProcess = StopProcess;

@@ -87,8 +87,9 @@ void DismissKeeper(pid_t Process) {
 
 }  // namespace
 
-Long StartProcess(const Text& CommandLine) {
-  std::vector<Text> Words = SplitAtBlanks(CommandLine);
+Long StartProcess(const Text& CommandLine) { return StartProgram(SplitAtBlanks(CommandLine)); }
+
+Long StartProgram(std::vector<Text> Words) {
   if (Words.empty()) throw Failure(failures::FileNotFound);
   std::vector<char*> Arguments;
   Arguments.reserve(Words.size() + 1);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "platform/Services.h"
 
 namespace zelvanor {
@@ -9,6 +11,9 @@ namespace zelvanor {
 // program die, in whatever way, the process goes with all of its group. Returns the process id; throws a Failure when
 // the program can't be started.
 Long StartProcess(const Text& CommandLine);
+
+// The same from the words themselves, which may hold blanks.
+Long StartProgram(std::vector<Text> Words);
 
 // A handle is the process id itself; 0 when no such process was started here or it has been waited for already.
 Long OpenStartedProcess(Long ProcessId);

@@ -1,0 +1,160 @@
+#include "files/Converter.h"
+
+#include <algorithm>
+
+#include "basic/Numbers.h"
+#include "files/HostText.h"
+#include "platform/Paths.h"
+#include "platform/TextFiles.h"
+#include "settings/SettingsState.h"
+#include "workspace/Helpers.h"
+#include "workspace/Workspace.h"
+
+namespace zelvanor {
+
+namespace {
+
+WorkspaceState& W = Workspace;
+
+constexpr const char* ProgramName = "zelvanor-convert";
+constexpr const char* Endings[] = {".MOL", ".SDF", ".SD", ".MOL2", ".PDB", ".ENT", ".XYZ", ".SMI", ".CML", ".CIF"};
+
+struct IsotopeRow {
+  int Element;
+  int Mass;
+};
+// The isotopes that a label stands for.
+constexpr IsotopeRow LabelIsotopes[] = {{1, 2}, {6, 13}, {7, 15}, {8, 17}};
+
+Text WorkFile(const char* Name) { return Settings.NMRIniPath + PathSeparator + Name; }
+
+Text FirstLine(const Text& Path) {
+  Text Said;
+  try {
+    Said = ReadWholeFile(Path);
+  } catch (const Failure&) {
+    return {};
+  }
+  Said = Said.substr(0, Said.find_first_of("\r\n"));
+  const Text Own = Text(ProgramName) + ": ";
+  return Said.starts_with(Own) ? Said.substr(Own.size()) : Said;
+}
+
+// The text behind "; KEY: " of a comment line.
+bool IsNote(TextView Line, TextView Key, TextView& Value) {
+  if (!Line.starts_with("; ") || Line.substr(2, Key.size()) != Key || Line.substr(2 + Key.size(), 2) != ": ") {
+    return false;
+  }
+  Value = Line.substr(Key.size() + 4);
+  return true;
+}
+
+void LabelIsotope(TextView Value, std::vector<int>& Labels) {
+  const Long Number = PrefixIndex(Value);
+  const Long Mass = PrefixIndex(Value.substr(std::min(Value.find(' '), Value.size())));
+  if (Number < 1 || Number > W.NumAtoms) return;
+  const int Element = W.AtomicNumber[Number - 1];
+  for (const IsotopeRow& Row : LabelIsotopes) {
+    if (Row.Element == Element && Row.Mass == Mass) Labels.push_back(Number);
+  }
+}
+
+void TakeNotes() {
+  std::vector<int> Labels;
+  for (Long Line = 0; Line < W.HostTextLineCount; ++Line) {
+    const TextView Stored = W.HostTextLine[Line].Trimmed();
+    TextView Value;
+    if (IsNote(Stored, "TotalCharge", Value)) W.TotalCharge = ToInteger(PrefixNumber(Value));
+    if (IsNote(Stored, "Isotope", Value)) LabelIsotope(Value, Labels);
+  }
+  W.NumLabelledAtoms = static_cast<int>(Labels.size());
+  W.LabelledAtom.ReDim(W.NumLabelledAtoms);
+  for (int K = 0; K < W.NumLabelledAtoms; ++K) W.LabelledAtom[K] = Labels[static_cast<std::size_t>(K)];
+}
+
+RecordRow RowOf(TextView Line) {
+  const std::size_t First = std::min(Line.find('\t'), Line.size());
+  const std::size_t Second = std::min(Line.find('\t', First + 1), Line.size());
+  RecordRow Row;
+  Row.Number = PrefixIndex(Line);
+  if (First < Line.size()) Row.Name = Line.substr(First + 1, Second - First - 1);
+  if (Second < Line.size()) Row.Formula = Line.substr(Second + 1);
+  return Row;
+}
+
+ConverterAnswer TryConverter(std::vector<Text> Words, const Text& Output) {
+  try {
+    return RunConverter(std::move(Words), Output);
+  } catch (const Failure& Problem) {
+    return {2, Problem.What};
+  }
+}
+
+}  // namespace
+
+bool IsMoleculeFile(TextView Path) {
+  const Text Ending = EndingOf(Path);
+  return std::any_of(std::begin(Endings), std::end(Endings), [&](const char* Known) { return Ending == Known; });
+}
+
+Text FindConverter() {
+  for (const Text& Folder : {Platform.ProgramDirectory(), Settings.NMRExePath}) {
+    Text Path = Folder + PathSeparator + ProgramName;
+    if (IsSet(FileExists(Path))) return Path;
+  }
+  return {};
+}
+
+ConverterAnswer RunConverter(std::vector<Text> Words, const Text& Output) {
+  const Text Program = FindConverter();
+  if (Program.empty()) throw Failure("The program zelvanor-convert, which reads molecule files, is not installed");
+  const Text Messages = WorkFile("convert.msg");
+  Words.insert(Words.begin(), {Program, "--out", Output, "--messages", Messages});
+  WriteWholeFile(Output, "");
+  WriteWholeFile(Messages, "");
+  const Long Handle = Platform.OpenProcess(Platform.StartProgram(Words));
+  ProcessStatus Status;
+  do {
+    Platform.DoEvents();
+    Status = Platform.GetExitCodeProcess(Handle);
+  } while (Status.Known && Status.ExitCode == StillActive);
+  ConverterAnswer Answer{Status.Known ? static_cast<int>(Status.ExitCode) : 1, FirstLine(Messages)};
+  if (Answer.Status != 0 && Answer.Message.empty()) Answer.Message = "zelvanor-convert has ended without a word";
+  return Answer;
+}
+
+Text ConvertedPath() { return WorkFile("convert.mvs"); }
+
+bool ConvertMolecule(const MoleculeOrigin& Origin, const Text& Output) {
+  const ConverterAnswer Answer = Origin.Smiles.empty()
+                                     ? TryConverter({"--record", GeneralForm(Origin.Record), "--", Origin.Path}, Output)
+                                     : TryConverter({"--smiles", Origin.Smiles}, Output);
+  if (Answer.Status != 0) ShowWarning(Answer.Message + ".");
+  return Answer.Status == 0;
+}
+
+Flag ReadConverted(const Text& Path, const Text& Title) {
+  if (!IsSet(ReadHostFile(Path)) || !IsSet(ParseHostText(Title))) return False;
+  TakeNotes();
+  return True;
+}
+
+std::vector<RecordRow> ListRecords(const Text& Path, bool& Known) {
+  const Text Output = WorkFile("convert.lst");
+  const ConverterAnswer Answer = TryConverter({"--list", "--", Path}, Output);
+  Known = Answer.Known();
+  std::vector<RecordRow> Rows;
+  if (Answer.Status != 0) {
+    if (Known) ShowWarning(Answer.Message + ".");
+    return Rows;
+  }
+  const Text Listed = ReadWholeFile(Output);
+  for (std::size_t Place = 0; Place < Listed.size();) {
+    const std::size_t End = std::min(Listed.find('\n', Place), Listed.size());
+    Rows.push_back(RowOf(TextView(Listed).substr(Place, End - Place)));
+    Place = End + 1;
+  }
+  return Rows;
+}
+
+}  // namespace zelvanor
