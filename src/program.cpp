@@ -55,10 +55,14 @@ constexpr const char* HostWord = "MORVANTIS";
 
 Flag StartedAlone = True;
 
-// Which handler a menu item runs. Items without a row show nothing when they are used.
+// Which handler a menu item runs. Items without a row show nothing when they are used. A value that is being typed into
+// a table is stored first, but for a mere look at something else.
+enum class TableEdit { Ends, StaysOpen };
+
 struct MenuHandler {
   MenuItem MainForm::*Item;
   void (*Click)();
+  TableEdit Edit = TableEdit::Ends;
 };
 
 constexpr MenuHandler MenuHandlers[] = {
@@ -67,36 +71,36 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileSave, mnuFileSave_Click},
     {&MainForm::mnuFileSaveAs, mnuFileSaveAs_Click},
     {&MainForm::mnuFileGet, mnuFileGet_Click},
-    {&MainForm::mnuPreferences, mnuPreferences_Click},
+    {&MainForm::mnuPreferences, mnuPreferences_Click, TableEdit::StaysOpen},
     {&MainForm::mnuFileExit, mnuFileExit_Click},
     {&MainForm::mnuCopy, mnuCopy_Click},
     {&MainForm::mnuReplace, mnuReplace_Click},
-    {&MainForm::mnuStartLog, mnuStartLog_Click},
-    {&MainForm::mnuStopLog, mnuStopLog_Click},
+    {&MainForm::mnuStartLog, mnuStartLog_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuStopLog, mnuStopLog_Click, TableEdit::StaysOpen},
     {&MainForm::mnuEditCalculateTypes, mnuEditCalculateTypes_Click},
-    {&MainForm::mnuViewMolecule, mnuViewMolecule_Click},
-    {&MainForm::mnuViewShielding, mnuViewShielding_Click},
-    {&MainForm::mnuViewCoupling, mnuViewCoupling_Click},
-    {&MainForm::mnuViewSpectra, mnuViewSpectra_Click},
-    {&MainForm::mnuLines, mnuLines_Click},
-    {&MainForm::mnuEnvelop, mnuEnvelop_Click},
-    {&MainForm::mnuLinesAndEnvelop, mnuLinesAndEnvelop_Click},
+    {&MainForm::mnuViewMolecule, mnuViewMolecule_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuViewShielding, mnuViewShielding_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuViewCoupling, mnuViewCoupling_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuViewSpectra, mnuViewSpectra_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuLines, mnuLines_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuEnvelop, mnuEnvelop_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuLinesAndEnvelop, mnuLinesAndEnvelop_Click, TableEdit::StaysOpen},
     {&MainForm::mnuViewValues, mnuViewValues_Click},
     {&MainForm::mnuView2DBar, mnuView2DBar_Click},
     {&MainForm::mnuView3DBar, mnuView3DBar_Click},
-    {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click},
-    {&MainForm::mnuLorentzian, mnuLorentzian_Click},
-    {&MainForm::mnuGaussian, mnuGaussian_Click},
-    {&MainForm::mnuViewRender, mnuViewRender_Click},
+    {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuLorentzian, mnuLorentzian_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuGaussian, mnuGaussian_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuViewRender, mnuViewRender_Click, TableEdit::StaysOpen},
     {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
     {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
     {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
     {&MainForm::mnuComputeNMR, mnuComputeNMR_Click},
     {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
     {&MainForm::mnuComputeAll, mnuComputeAll_Click},
-    {&MainForm::mnuHelpContents, mnuHelpContents_Click},
-    {&MainForm::mnuHelpUsing, mnuHelpUsing_Click},
-    {&MainForm::mnuAbout, mnuAbout_Click},
+    {&MainForm::mnuHelpContents, mnuHelpContents_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuHelpUsing, mnuHelpUsing_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuAbout, mnuAbout_Click, TableEdit::StaysOpen},
 };
 
 void Form_QueryUnload(Flag& Cancel) {
@@ -113,7 +117,12 @@ void Form_Unload() {
 }
 
 void ConnectMainForm() {
-  for (const MenuHandler& Row : MenuHandlers) (Main.*Row.Item).Click = Row.Click;
+  for (const MenuHandler& Row : MenuHandlers) {
+    (Main.*Row.Item).Click = [&Row] {
+      if (Row.Edit == TableEdit::Ends) EndTableEdit();
+      Row.Click();
+    };
+  }
   for (int Index = 0; Index < NumToolButtons; ++Index) {
     Main.picToolbar[Index].Click = [Index] { picToolbar_Click(Index); };
     Main.picToolbar[Index].MouseDown = [Index] { picToolbar_MouseDown(Index); };
@@ -152,6 +161,7 @@ void ConnectPreferences() {
   Preferences.SetMonochrome = SetMonochrome;
   Preferences.SetSpectrumBackground = [](Colour Value) { SetBackColor(Main.Spectrum1, Value); };
   Preferences.GetMoleculeBackground = [] { return Main.MolRender1.BackColor; };
+  Preferences.GetLabelColor = [] { return Main.MolRender1.LabelColor; };
   Preferences.TakeMoleculePreferences = TakeMoleculePreferences;
   Preferences.RefreshView = RefreshView;
 }
@@ -165,6 +175,7 @@ void ConnectRooms() {
   Rooms.ShowShieldingTable = ShowShieldingTable;
   Rooms.ShowCouplingTable = ShowCouplingTable;
   Rooms.ShowMoleculeView = ShowMoleculeView;
+  Rooms.EndTableEdit = EndTableEdit;
   Rooms.TurnMolecule = TurnMolecule;
   Rooms.FitMolecule = FitMolecule;
   Rooms.OpenZMatrix = OpenZMatrix;
@@ -258,6 +269,7 @@ void TakeSettings() {
   Settings.PrefSelectionColor = GetSelectionClr();
   Settings.PrefEnvelopColor = GetEnvelop();
   InitMoleculeView();
+  Settings.MolSelectColor = Settings.SelectionColor;
 }
 
 }  // namespace
@@ -310,10 +322,9 @@ void Form_Load(const Text& CommandLine) {
 }
 
 void Form_Resize() {
-  IgnoreFailure(BeginSpectrumResize);
   LayOutWindow();
   IgnoreFailure(PlaceMoleculeView);
-  IgnoreFailure(EndSpectrumResize);
+  IgnoreFailure(ResizeSpectrum);
   // The layout leaves the table without a height until its view is drawn again.
   if (IsSet(Main.ShieldTable.Visible)) PlaceTable();
 }

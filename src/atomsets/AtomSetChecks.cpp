@@ -10,26 +10,28 @@ namespace {
 
 WorkspaceState& W = Workspace;
 
-// Takes over the count and the entries; any difference makes the document dirty and a stage stale. RecreateFor
-// allocates what hangs on a new count, TakeEntry sets what hangs on an entry.
-template <class Recreate, class Take>
-void TakeEntries(const WorkList& Work, Array<Integer>& Set, Integer& Count, Flag& Stale, Recreate RecreateFor,
-                 Take TakeEntry) {
-  if (Work.Count != Count) {
-    W.DocumentDirty = Stale = True;
-    RecreateFor(Work.Count);
-    Set.ReDim(Work.Count);
-    Count = Work.Count;
-  }
+bool IsSame(const WorkList& Work, const Array<Integer>& Set, Integer Count) {
+  if (Work.Count != Count) return false;
   for (int Entry = 0; Entry < Count; ++Entry) {
-    if (Set[Entry] == Work.Atom[Entry]) continue;
-    W.DocumentDirty = Stale = True;
-    Set[Entry] = Work.Atom[Entry];
-    TakeEntry(Entry);
+    if (Set[Entry] != Work.Atom[Entry]) return false;
   }
+  return true;
 }
 
-void DoNothing(int /*CountOrEntry*/) {}
+// Takes over the count and the entries; any difference makes the document dirty and a stage stale.
+void TakeEntries(const WorkList& Work, Array<Integer>& Set, Integer& Count, Flag& Stale) {
+  if (IsSame(Work, Set, Count)) return;
+  W.DocumentDirty = Stale = True;
+  Set.ReDim(Work.Count);
+  for (int Entry = 0; Entry < Work.Count; ++Entry) Set[Entry] = Work.Atom[Entry];
+  Count = Work.Count;
+}
+
+// The results belong to the NMR atoms one by one: those of another set go, and with them their spectrum.
+void DropResults(Integer Count) {
+  AllocateResults(Count);
+  W.ShieldingAvailable = W.CouplingAvailable = W.SpectraAvailable = False;
+}
 
 // An atom as messages name it: the atom in its molecule, and the molecule.
 Text PlaceOf(int AtomNumber) {
@@ -60,13 +62,6 @@ int FindNMRAtomOutside() {
   return 0;
 }
 
-void RecreateNMRResults(int Count) {
-  W.Coupling.ReDim(Count, Count);  // first: it is the one that may not find the memory
-  W.NMRAtomicNumber.ReDim(Count);
-  W.Shielding.ReDim(Count);
-  W.ChemicalShift.ReDim(Count);
-}
-
 // The sets go where one of their members is no NMR atom any more. The host may have left gaps between them.
 void CheckEquivalentAtoms() {
   const AtomNumbers Members = NumbersIn(W.NMRAtom, W.NumNMRAtoms);
@@ -88,13 +83,15 @@ void CheckEquivalentAtoms() {
 
 bool TakeQuantumAtoms(const WorkList& Work) {
   if (Work.Count == 0 && W.NumQuantumAtoms == 0) return true;
-  TakeEntries(Work, W.QuantumAtom, W.NumQuantumAtoms, W.ParamResultsStale, DoNothing, DoNothing);
+  TakeEntries(Work, W.QuantumAtom, W.NumQuantumAtoms, W.ParamResultsStale);
   if (const int Outside = FindNMRAtomOutside(); Outside != 0) {
     ShowWarning(Join("NMR atom ", PlaceOf(Outside),
                      " isn't in the region of the quantum atoms, please reset the NMR atoms and/or NMR equivalent "
                      "atoms and/or labelled atoms."));
     W.NumNMRAtoms = 0;
     W.NMRAtom.ReDim(0);
+    W.NMRAtomicNumber.ReDim(0);
+    DropResults(0);
     ForgetLabelledAtoms();
     ForgetEquivalentSets();
     EnableSubsets(False);
@@ -107,8 +104,12 @@ bool TakeNMRAtoms(const WorkList& Work) {
     ShowWarning("No NMR atom selection yet. Please make an NMR atom selection.");
     return false;
   }
-  TakeEntries(Work, W.NMRAtom, W.NumNMRAtoms, W.ParamResultsStale, RecreateNMRResults,
-              [](int Entry) { W.NMRAtomicNumber[Entry] = ElementOfAtom(W.NMRAtom[Entry]); });
+  if (!IsSame(Work, W.NMRAtom, W.NumNMRAtoms)) {
+    DropResults(Work.Count);
+    TakeEntries(Work, W.NMRAtom, W.NumNMRAtoms, W.ParamResultsStale);
+    W.NMRAtomicNumber.ReDim(W.NumNMRAtoms);
+    for (int Entry = 0; Entry < W.NumNMRAtoms; ++Entry) W.NMRAtomicNumber[Entry] = ElementOfAtom(W.NMRAtom[Entry]);
+  }
   EnableSubsets(True);
   if (W.NumQuantumAtoms != 0) {
     if (const int Outside = FindNMRAtomOutside(); Outside != 0) {
@@ -136,7 +137,7 @@ bool TakeLabelledAtoms(const WorkList& Work) {
       return false;
     }
   }
-  TakeEntries(Work, W.LabelledAtom, W.NumLabelledAtoms, W.SpectResultsStale, DoNothing, DoNothing);
+  TakeEntries(Work, W.LabelledAtom, W.NumLabelledAtoms, W.SpectResultsStale);
   return true;
 }
 

@@ -12,6 +12,11 @@ AtomSetsState AtomSets;
 
 namespace {
 WorkspaceState& W = Workspace;
+
+template <class Field>
+Text ShownText(const Field& Value) {
+  return UpperCase(TrimBlanks(Value.View()));
+}
 }  // namespace
 
 int CountListedAtoms() { return std::max<int>(W.NumAtoms, W.NumNMRAtoms); }
@@ -24,14 +29,14 @@ Integer ElementOfAtom(int AtomNumber) {
 
 Text AtomEntryText(int AtomNumber) {
   const int Atom = AtomNumber - 1;
-  const auto Show = [](auto& Field) {
-    Text Shown = UpperCase(TrimBlanks(Field.View()));
-    Field = TextView(Shown);
-    return Shown;
-  };
-  const Text Element = Show(W.AtomElement[Atom]);
-  const Text Type = Show(W.AtomType[Atom]);
-  return Join("M ", W.AtomMolecule[Atom], " A ", W.AtomInMolecule[Atom], " ", Element, " ", Type);
+  return Join("M ", W.AtomMolecule[Atom], " A ", W.AtomInMolecule[Atom], " ", ShownText(W.AtomElement[Atom]), " ",
+              ShownText(W.AtomType[Atom]));
+}
+
+void StoreEntryText(int AtomNumber) {
+  const int Atom = AtomNumber - 1;
+  W.AtomElement[Atom] = TextView(ShownText(W.AtomElement[Atom]));
+  W.AtomType[Atom] = TextView(ShownText(W.AtomType[Atom]));
 }
 
 void FillAtomList(ListBox& List, const Array<Integer>& Atoms, int Count) {

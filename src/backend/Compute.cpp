@@ -1,5 +1,7 @@
 #include "backend/Compute.h"
 
+#include <new>
+
 #include "backend/ParamInput.h"
 #include "backend/Results.h"
 #include "backend/SpectInput.h"
@@ -35,7 +37,7 @@ const char* ComputedItem() {
 bool RunBackend(TextView Stage, const char* Purpose) {
   Long Process = 0;
   try {
-    Process = Platform.Shell(BackendCommandLine(Stage));
+    Process = Platform.Shell(BackendWords(Stage));
   } catch (const Failure& Problem) {
     ShowError(Join("Unable to run the backend: ", "<", Settings.CalcExeFile, Purpose, Problem.What, "."));
     return false;
@@ -79,14 +81,17 @@ bool RunStage2(const char* Purpose) {
   return true;
 }
 
-void EnterBusy() {
-  W.IsBusy = True;
-  SetBusy(False);
-}
-
-void LeaveBusy() {
-  W.IsBusy = False;
-  SetBusy(True);
+// Runs a stage. A failure that it has not met itself is told and makes it a failed one, so that the flags say so.
+template <class Routine>
+bool Runs(Routine Stage) {
+  try {
+    return Stage();
+  } catch (const Failure& Problem) {
+    WarnOfFailure(Problem);
+  } catch (const std::bad_alloc&) {
+    WarnOfFailure(Failure(failures::OutOfMemory));
+  }
+  return false;
 }
 
 void SetStage1Results(Flag Available) { W.ShieldingAvailable = W.CouplingAvailable = Available; }
@@ -135,9 +140,10 @@ bool AcceptOptions() {
 
 }  // namespace
 
-Text BackendCommandLine(TextView Stage) {
-  return Join(Settings.CalcExeFile, " ", Settings.NMRParmPath, " ", Settings.NMRIniPath, " ", Stage, " ",
-              W.LogFilePath);
+std::vector<Text> BackendWords(TextView Stage) {
+  std::vector<Text> Words = {Settings.CalcExeFile, Settings.NMRParmPath, Settings.NMRIniPath, Text(Stage)};
+  if (!W.LogFilePath.empty()) Words.push_back(W.LogFilePath);
+  return Words;
 }
 
 Flag EmptyResultFile(const Text& Path) {
@@ -168,18 +174,20 @@ void WaitForBackend(Long ProcessId) {
 
 void mnuComputeNMR_Click() {
   if (W.NumNMRAtoms == 0) return ShowError(NoNuclearSpins);
-  EnterBusy();
-  const bool Success = RunStage1("> ");
-  if (Success) ShowStatus("Calculation has completed.");
-  SetFlagsAfterStage1(Success);
-  LeaveBusy();
+  {
+    const BusyState Busy;
+    const bool Success = Runs([] { return RunStage1("> "); });
+    if (Success) ShowStatus("Calculation has completed.");
+    SetFlagsAfterStage1(Success);
+  }
   RefreshView();
 }
 
 void mnuComputeSpectra_Click() {
-  EnterBusy();
-  SetFlagsAfterStage2(RunStage2("> "));
-  LeaveBusy();
+  {
+    const BusyState Busy;
+    SetFlagsAfterStage2(Runs([] { return RunStage2("> "); }));
+  }
   IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
   RefreshView();
 }
@@ -187,14 +195,15 @@ void mnuComputeSpectra_Click() {
 void mnuComputeAll_Click() {
   if (W.NumNMRAtoms == 0) return ShowError(NoNuclearSpins);
   if (!AcceptOptions()) return;
-  EnterBusy();
-  int DoneStages = 0;
-  if (RunStage1("> for computing the NMR shielding and/or coupling constants. ")) {
-    DoneStages = 1;
-    if (RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
+  {
+    const BusyState Busy;
+    int DoneStages = 0;
+    if (Runs([] { return RunStage1("> for computing the NMR shielding and/or coupling constants. "); })) {
+      DoneStages = 1;
+      if (Runs([] { return RunStage2("> for computing the NMR spectrum. "); })) DoneStages = 2;
+    }
+    SetFlagsAfterBoth(DoneStages);
   }
-  SetFlagsAfterBoth(DoneStages);
-  LeaveBusy();
   IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
   RefreshView();
 }

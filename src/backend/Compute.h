@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "basic/Types.h"
 
 namespace zelvanor {
@@ -14,7 +16,7 @@ void mnuComputeAll_Click();
 Flag EmptyResultFile(const Text& Path);
 // Blocks the command, not the window, until the process has ended, in whatever way.
 void WaitForBackend(Long ProcessId);
-// The command line of a stage, "1" or "2"; it ends in a blank when no log runs.
-Text BackendCommandLine(TextView Stage);
+// Program and arguments of a stage, "1" or "2"; the log's path is the last one while a log runs.
+std::vector<Text> BackendWords(TextView Stage);
 
 }  // namespace zelvanor

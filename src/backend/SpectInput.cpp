@@ -151,6 +151,7 @@ Flag FindSpinHalfNuclei() {
 
 Flag WriteSpectInput(const Text& Path) {
   bool Written = false;
+  bool Observed = false;
   try {
     if (IsSet(FindSpinHalfNuclei())) {
       W.FileNumber = FreeFile();
@@ -158,17 +159,14 @@ Flag WriteSpectInput(const Text& Path) {
       ComputeChemicalShifts();
       WriteSites(KeepCounted(BuildSites()));
       CloseFile(W.FileNumber);
+      Observed = AnyObserved();
+      if (!Observed) WarnOfNoObserved();
       Written = true;
     }
   } catch (const Failure&) {
     CloseFileQuietly(W.FileNumber);
   }
-  if (!Written) {
-    ShowWarning(Join("Error writing the file ", Settings.SpectInputFile, "."));
-    return False;
-  }
-  const bool Observed = AnyObserved();
-  if (!Observed) WarnOfNoObserved();
+  if (!Written) ShowWarning(Join("Error writing the file ", Settings.SpectInputFile, "."));
   CountSpinHalfAtoms();
   return ToFlag(Observed);
 }

@@ -71,6 +71,8 @@ void ReadEquivalentSets(const Text& Path, Integer FileNumber) {
     if (Line.starts_with(document::EquivalentSet)) {
       ++Set;
       W.NumEquivalentSets = Set;
+      // Those behind the sets that documents hold are not cleared with them.
+      if (Set <= W.EquivalentSetSize.UpperBound() + 1) W.EquivalentSetSize[Set - 1] = 0;
     } else if (Line.starts_with("mol")) {
       W.TokenCount = Tokenize(Line);
       if (W.TokenCount < EntryTokens) continue;
@@ -102,8 +104,10 @@ bool ReadMolecule(const Text& Path) {
   return false;
 }
 
-// The sections behind the selections, in any order, to the end of the file.
+// The sections behind the selections, in any order, to the end of the file. What hangs on several of them is worked out
+// at the end.
 bool ReadSections(const Text& Path) {
+  bool AnySpectrum = false;
   while (!AtEnd(W.FileNumber)) {
     const TextView Line = LineInput(W.FileNumber);
     Flag Read = True;
@@ -115,8 +119,13 @@ bool ReadSections(const Text& Path) {
       Read = ReadShieldingCoupling(Path, W.FileNumber);
     } else if (Line.starts_with(document::SpectraBegin)) {
       Read = ReadSpectra(Path, W.FileNumber);
+      AnySpectrum = true;
     }
     if (!IsSet(Read)) return false;
+  }
+  if (AnySpectrum) {
+    CountSpinHalfAtoms();
+    ComputeChemicalShifts();
   }
   return true;
 }

@@ -99,23 +99,11 @@ Flag ReportFailure(Routine Body) {
   }
 }
 
-// A folder that takes no second file is no reason not to save; a disk that is full is.
-bool KeepFormerWherePossible(const Text& Path) {
-  try {
-    return KeepFormerContent(Path, document::SpectraEnd);
-  } catch (const Failure& Problem) {
-    if (Problem.What == failures::DiskFull) throw;
-    return false;
-  }
-}
-
 Flag OpenAndWrite(const Text& Path) {
   const EndHeld Held;
-  bool Kept = false;
   try {
     W.FileNumber = FreeFile();
-    Kept = KeepFormerWherePossible(Path);
-    OpenForOutput(Path, W.FileNumber);
+    OpenForReplacement(Path, W.FileNumber);
   } catch (const Failure&) {
     ShowWarning(Join("Zelvanor cannot open file ", Path, "."));
     return False;
@@ -123,7 +111,6 @@ Flag OpenAndWrite(const Text& Path) {
   try {
     if (WriteOpenDocument(Path)) {
       CloseFile(W.FileNumber);
-      if (Kept) DropFormerContent(Path);
       W.DocumentDirty = False;
       return True;
     }
@@ -206,11 +193,11 @@ Flag WriteSpectra(const Text& /*Path*/, Integer FileNumber) {
 }
 
 Flag WriteDocument(const Text& Path) {
-  W.IsBusy = True;
-  SetBusy(False);
-  const Flag Result = OpenAndWrite(Path);
-  W.IsBusy = False;
-  SetBusy(True);
+  Flag Result = False;
+  {
+    const BusyState Busy;
+    Result = OpenAndWrite(Path);
+  }
   RefreshView();
   return Result;
 }

@@ -6,7 +6,7 @@
 namespace zelvanor {
 
 // Writes the Workspace as a document, in the busy state, and refreshes the view. Reports its failures. A document that
-// it replaces is kept beside it (same name with "~") until the new one is whole on the disk.
+// it replaces stays as it was until the new one is whole on the disk.
 Flag WriteDocument(const Text& Path);
 
 // The pieces of it. Each writes to the open file and reports its failure; Path serves messages.

@@ -87,7 +87,8 @@ struct PlatformServices {
   std::function<Text()> PrepareUserFiles;
   std::function<Text()> WinIniPath;
 
-  std::function<Long(const Text& CommandLine)> Shell;  // starts a process; its id; throws a Failure
+  // Starts a process, from its program and the arguments behind it; its id; throws a Failure.
+  std::function<Long(const std::vector<Text>& Words)> Shell;
   std::function<Long(Long ProcessId)> OpenProcess;     // a handle, 0 for none
   std::function<ProcessStatus(Long Handle)> GetExitCodeProcess;
 

@@ -85,12 +85,12 @@ void ShowRows(const ColourRow (&Rows)[N], bool Monochrome) {
 void CheckMonoChrome_Click() { ShowRows(SpectrumRows, P.CheckMonoChrome.Value != 0); }
 void CheckMolMonoChrome_Click() { ShowRows(MoleculeRows, P.CheckMolMonoChrome.Value != 0); }
 
-// Before the first OK the molecule's colours are those in force.
+// Before the first OK the molecule's colours are those in force, which nmr.ini has given.
 void TakeMoleculeColors() {
   const bool Confirmed = IsSet(S.PrefMoleculeSet);
   P.WorkBackColor = Confirmed ? S.PrefBackColor : Preferences.GetMoleculeBackground();
   P.WorkMolSelectColor = Confirmed ? S.PrefMolSelectColor : S.MolSelectColor;
-  P.WorkLabelColor = Confirmed ? S.PrefLabelColor : Black;
+  P.WorkLabelColor = Confirmed ? S.PrefLabelColor : Preferences.GetLabelColor();
 }
 
 void Form_Load() {

@@ -1,6 +1,7 @@
 #include "shell/Frame.h"
 
 #include <algorithm>
+#include <exception>
 
 #include "basic/Numbers.h"
 #include "shell/HelpTopics.h"
@@ -135,12 +136,29 @@ void RefreshView() {
   }
 }
 
-void SetBusy(Flag Ready) {
+namespace {
+void ShowReady(Flag Ready) {
   for (MenuItem* Menu : {&Main.mnuFile, &Main.mnuEdit, &Main.mnuView, &Main.mnuSetup, &Main.mnuCompute}) {
     SetEnabled(*Menu, Ready);
   }
   Platform.SetPointer(IsSet(Ready) ? MousePointer::Default : MousePointer::Hourglass);
+}
+}  // namespace
+
+void SetBusy(Flag Ready) {
+  ShowReady(Ready);
   Platform.DoEvents();
+}
+
+BusyState::BusyState() : Exceptions(std::uncaught_exceptions()) {
+  W.IsBusy = True;
+  SetBusy(False);
+}
+
+BusyState::~BusyState() noexcept(false) {
+  W.IsBusy = False;
+  ShowReady(True);
+  if (std::uncaught_exceptions() == Exceptions) Platform.DoEvents();
 }
 
 void MenuHelp(TextView Caption) {

@@ -36,7 +36,8 @@ Text SelectionText(GridControl& Grid, int NumHeaderRows) {
   return Result;
 }
 
-bool HasSelection(const GridControl& Grid) { return Grid.SelEndCol >= Grid.SelStartCol; }
+// A table that was never filled has nothing to copy.
+bool HasSelection(const GridControl& Grid) { return Grid.SelEndCol >= Grid.SelStartCol && Grid.Revision > 0; }
 
 void Report(const Failure& Problem, TextView End) {
   if (Problem.What != failures::CannotPerform) ShowError(Join(CopyProblem, Problem.What, End));
@@ -73,17 +74,16 @@ Flag CopyValuesSelection() {
 
 void mnuCopy_Click() {
   ShowStatus("Copy the image to the clipboard.");
-  W.IsBusy = True;
-  SetBusy(False);
   const int Row = Main.ShieldTable.Row;
   const int Col = Main.ShieldTable.Col;
-  if (IsSet(Main.Spectrum1.Visible)) {
-    ShowMessage("Use alt-shift-printscreen to copy spectra to clipboard");
-  } else {
-    CopyTableSelection();
+  {
+    const BusyState Busy;
+    if (IsSet(Main.Spectrum1.Visible)) {
+      ShowMessage("Use alt-shift-printscreen to copy spectra to clipboard");
+    } else {
+      CopyTableSelection();
+    }
   }
-  W.IsBusy = False;
-  SetBusy(True);
   UpdateCommands(W.ViewMode);
   if (IsSet(Main.Spectrum1.Visible) || IsSet(Main.MolRender1.Visible)) return;
   IgnoreFailure([&] { SetCurrentCell(Main.ShieldTable, Row, Col); });

@@ -207,11 +207,10 @@ void CalculateAtomTypes() {
 }
 
 void mnuEditCalculateTypes_Click() {
-  W.IsBusy = True;
-  SetBusy(False);
-  CalculateAtomTypes();
-  W.IsBusy = False;
-  SetBusy(True);
+  {
+    const BusyState Busy;
+    CalculateAtomTypes();
+  }
   RefreshView();
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "basic/Numbers.h"
 
@@ -49,6 +50,16 @@ void ClearWorkspace() {
   W.Coupling.ReDim(0, 0);
   for (int Set = 0; Set < NumSavedSets; ++Set) W.EquivalentSetSize[Set] = 0;
   W.NMRAtomsValid = W.ShieldingAvailable = W.CouplingAvailable = False;
+}
+
+void AllocateResults(Integer Count) {
+  WorkspaceState& W = Workspace;
+  const Integer TensorBound = TensorValues * Count;  // too many atoms end here, before anything large is allocated
+  Array2<Single> Coupling(Count, Count);
+  W.ShieldTensor.ReDim(TensorBound);
+  W.Shielding.ReDim(Count);
+  W.ChemicalShift.ReDim(Count);
+  W.Coupling = std::move(Coupling);
 }
 
 void AllocatePeaks(int NumPeaks) {

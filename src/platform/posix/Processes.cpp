@@ -29,12 +29,11 @@ std::atomic<pid_t> LatestGroup = 0;
 
 }  // namespace
 
-Long StartProcess(const Text& CommandLine) {
-  std::vector<Text> Words = SplitAtBlanks(CommandLine);
+Long StartProcess(const std::vector<Text>& Words) {
   if (Words.empty()) throw Failure(failures::FileNotFound);
   std::vector<char*> Arguments;
   Arguments.reserve(Words.size() + 1);
-  for (Text& Word : Words) Arguments.push_back(Word.data());
+  for (const Text& Word : Words) Arguments.push_back(const_cast<char*>(Word.c_str()));
   Arguments.push_back(nullptr);
 
   posix_spawn_file_actions_t Actions;

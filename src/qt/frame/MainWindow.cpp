@@ -19,6 +19,7 @@
 #include "qt/frame/OpenFiles.h"
 #include "qt/frame/Remembered.h"
 #include "qt/frame/ToolStrip.h"
+#include "qt/frame/ViewFocus.h"
 #include "qt/help/HelpWindow.h"
 #include "qt/views/WorkHint.h"
 #include "shell/MainForm.h"
@@ -30,7 +31,6 @@ namespace zelvanor {
 
 namespace {
 
-constexpr int SettleMilliseconds = 60;
 constexpr int FirstWidth = 900;
 constexpr int FirstHeight = 640;
 constexpr int LeastWidth = 400;
@@ -46,15 +46,14 @@ class WorkArea : public QWidget {
     Hint = MakeWorkHint(this);
     Strip = MakeToolStrip(this);
     for (Control* Item : WorkControls) MakeWidget(*Item, this);
-    // The scales of the spectrum follow one resize behind.
-    Settled.setObjectName("settled");
-    Settled.setSingleShot(true);
-    Settled.setInterval(SettleMilliseconds);
-    QObject::connect(&Settled, &QTimer::timeout, this, [] { Dispatch([] { Fire(Main.frmNMR.Resize); }); });
-    AfterDispatch = [this] { ShowWorkHint(Hint); };
+    BeforeDispatch = NoteKeyHolder;
+    AfterDispatch = [this] {
+      ShowWorkHint(Hint);
+      KeepKeysOnView();
+    };
   }
 
-  ~WorkArea() override { AfterDispatch = {}; }
+  ~WorkArea() override { BeforeDispatch = AfterDispatch = {}; }
 
  protected:
   void resizeEvent(QResizeEvent*) override {
@@ -65,13 +64,11 @@ class WorkArea : public QWidget {
     Strip->setGeometry(0, 0, width(), Top);
     Hint->setGeometry(0, Top, width(), std::max(height() - Top - Bottom, 1));
     Dispatch([] { Fire(Main.frmNMR.Resize); });
-    Settled.start();
   }
 
  private:
   QLabel* Hint = nullptr;
   QWidget* Strip = nullptr;
-  QTimer Settled{this};
 };
 
 class FrameWindow : public QMainWindow {
