@@ -269,7 +269,6 @@ void TakeSettings() {
   Settings.PrefSelectionColor = GetSelectionClr();
   Settings.PrefEnvelopColor = GetEnvelop();
   InitMoleculeView();
-  Settings.MolSelectColor = Settings.SelectionColor;
 }
 
 }  // namespace

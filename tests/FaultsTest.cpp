@@ -244,8 +244,9 @@ TEST_F(FaultsTest, NoFailedSaveTouchesTheFormerDocument) {
     const auto Save = [&](unsigned Limit) {
       W.DocumentDirty = True;
       const FullDisk Disk(Limit);
-      EXPECT_EQ(WriteDocument(Path), ToFlag(!IsSet(W.DocumentDirty))) << Limit;
-      return W.DocumentDirty == False;
+      const Flag Saved = WriteDocument(Path);
+      EXPECT_EQ(W.DocumentDirty, ToFlag(!IsSet(Saved))) << Limit;
+      return IsSet(Saved);
     };
     W.ShieldingAvailable = True;
     const Integer Count = std::exchange(W.NumNMRAtoms, 5000);  // more than the arrays hold

@@ -152,14 +152,14 @@ TEST_F(SpectrumTest, ColumnsOfFrequencies) {
   };
   const Row Rows[] = {{-300, -100, -200, 0, 250}, {-300, -100, -300, 0, 0},    {-300, -100, -100, 0, 500},
                       {-300, 700, -299, 0, 0},    {-300, 700, -297, 0, 2},     {-300, 700, -301, 0, 0},
-                      {-300, 700, -303, 0, -2},   {-300, -100, -200, 10, 230}, {-300, -100, -200, -10, 270},
+                      {-300, 700, -303, 0, -2},   {-300, -100, -200, 10, 225}, {-300, -100, -200, -10, 275},
                       {-300, -100, -500, 0, -500}};
-  V.HorizontalScale = 2;
   for (const Row& R : Rows) {
     V.ViewLow = R.Low;
     V.ViewHigh = R.High;
     V.HorizontalOffset = R.Offset;
     EXPECT_EQ(FGetPeakRX(R.Frequency), R.Column) << R.Frequency << " in " << R.Low << ".." << R.High;
+    EXPECT_NEAR(FrequencyOfColumn(ColumnOfFrequency(R.Frequency)), R.Frequency, 1e-9);
   }
   V.ViewLow = V.ViewHigh;
   EXPECT_EQ(FailureOf([] { FGetPeakRX(1); }), "Division by zero");
@@ -558,10 +558,10 @@ TEST_F(SpectrumTest, IntegratesARange) {
   Show({{100, 1}, {300, 2}});
   W.NumSpinHalfAtoms = 4;
   IntegrateRange(350, 50);
-  EXPECT_EQ(Shown().Statuses.back(), " Integrated intensity from -3.500 to -0.500 ppm equivalent to 4.0 proton(s).");
+  EXPECT_EQ(Shown().Statuses.back(), " Integrated intensity from 3.500 to 0.500 ppm equivalent to 4.0 proton(s).");
   W.SpectraType = 1;
   IntegrateRange(350, 100);  // the ends do not belong to it
-  EXPECT_EQ(Shown().Statuses.back(), " Integrated intensity from -3.500 to -1.000 ppm equivalent to 2.7 carbon 13(s).");
+  EXPECT_EQ(Shown().Statuses.back(), " Integrated intensity from 3.500 to 1.000 ppm equivalent to 2.7 carbon 13(s).");
 }
 
 TEST_F(SpectrumTest, DisplayCommands) {

@@ -101,10 +101,10 @@ void ReadOrigin() {
   }
 }
 
-// A name without an ending means a document, unless there is a file of just this name.
+// A name without an ending means a document, unless there is something of just this name.
 Text WithEnding(const Text& Path) {
   const bool HasEnding = FileTitleOf(Path).find('.') != Text::npos;
-  return HasEnding || IsSet(FileExists(Path)) ? Path : Join(Path, ".", Extension);
+  return HasEnding || WhyUnreadable(Path) != failures::FileNotFound ? Path : Join(Path, ".", Extension);
 }
 
 // Chooses the origin and reads it. False for a file of no known kind: the Workspace is as it was.

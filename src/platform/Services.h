@@ -89,7 +89,7 @@ struct PlatformServices {
 
   // Starts a process, from its program and the arguments behind it; its id; throws a Failure.
   std::function<Long(const std::vector<Text>& Words)> Shell;
-  std::function<Long(Long ProcessId)> OpenProcess;     // a handle, 0 for none
+  std::function<Long(Long ProcessId)> OpenProcess;  // a handle, 0 for none
   std::function<ProcessStatus(Long Handle)> GetExitCodeProcess;
 
   HostConversation Host;

@@ -89,7 +89,7 @@ void CheckMolMonoChrome_Click() { ShowRows(MoleculeRows, P.CheckMolMonoChrome.Va
 void TakeMoleculeColors() {
   const bool Confirmed = IsSet(S.PrefMoleculeSet);
   P.WorkBackColor = Confirmed ? S.PrefBackColor : Preferences.GetMoleculeBackground();
-  P.WorkMolSelectColor = Confirmed ? S.PrefMolSelectColor : S.MolSelectColor;
+  P.WorkMolSelectColor = Confirmed ? S.PrefMolSelectColor : S.SelectionColor;
   P.WorkLabelColor = Confirmed ? S.PrefLabelColor : Preferences.GetLabelColor();
 }
 
@@ -111,7 +111,7 @@ void Form_Activate() {
   SetValue(P.CheckMolMonoChrome, S.MolMonochrome);
   if (S.MolMonochrome == 0) SetBackColor(P.PicLabelColor, P.WorkLabelColor);
   SetBackColor(P.PicBackColor, Preferences.GetMoleculeBackground());
-  SetBackColor(P.PicMolSelectColor, S.MolSelectColor);
+  SetBackColor(P.PicMolSelectColor, S.SelectionColor);
   SetBackColor(P.PicGraphColor, Preferences.GetGraphClr());
   SetBackColor(P.PicSelectionColor, Preferences.GetSelectionClr());
   SetBackColor(P.PicEnvelopColor, Preferences.GetEnvelop());

@@ -56,8 +56,12 @@ bool HasResults() { return IsSet(W.ShieldingAvailable) || IsSet(W.CouplingAvaila
 
 // When the dialog is shown, not when one that it has opened gives way to it again.
 void Form_Open() {
-  Copies = {W.SemiEmpiricalMethod,     W.IncludeDOrbitalsForSecondRow, W.ModifySlaterExponents,
-            W.ComputeThreeCenterTerms, W.CalculateShielding,           ToInteger(W.CalculateCoupling),
+  Copies = {W.SemiEmpiricalMethod,
+            W.IncludeDOrbitalsForSecondRow,
+            W.ModifySlaterExponents,
+            W.ComputeThreeCenterTerms,
+            W.CalculateShielding,
+            ToInteger(W.CalculateCoupling),
             HasResults()};
 }
 

@@ -43,8 +43,8 @@ struct SpectOptionsForm {
 };
 
 SpectOptionsForm Dialog;
-bool Showing = false;    // the fields follow the options: nothing is judged until the user types
-bool HasTaken = false;   // a refused OK has taken something over already
+bool Showing = false;   // the fields follow the options: nothing is judged until the user types
+bool HasTaken = false;  // a refused OK has taken something over already
 
 void Form_Load() { SetItems(Dialog.combo1, ListReferenceNames()); }
 

@@ -24,7 +24,8 @@ Double GetHighLow();
 // of the other: everything that stands on the surface or is pointed at goes by these two.
 Double ColumnOfFrequency(Double Frequency);
 Double FrequencyOfColumn(Double Column);
-// The pixel column of a frequency, rounded; one that is farther out than a pixel count reaches stands at the end of the range.
+// The pixel column of a frequency, rounded; one that is farther out than a pixel count reaches stands at the end of the
+// range.
 Long FGetPeakRX(Double Frequency);
 // The spectrometer's frequency; the view takes its own copy with each peak list.
 void UpdateSpectrometer(Long Frequency);

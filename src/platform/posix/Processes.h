@@ -5,8 +5,8 @@
 namespace zelvanor {
 
 // Starts the program named by the first word, with the other words as its arguments, whatever stands in them: no shell
-// is between. Its input is empty and its output dropped. Returns the process id; throws a Failure when the program can't
-// be started.
+// is between. Its input is empty and its output dropped. Returns the process id; throws a Failure when the program
+// can't be started.
 Long StartProcess(const std::vector<Text>& Words);
 
 // A handle is the process id itself; 0 when no such process was started here or it has been waited for already.

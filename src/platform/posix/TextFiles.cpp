@@ -301,8 +301,7 @@ void CloseFile(Integer FileNumber) {
 }
 
 void CloseFileQuietly(Integer FileNumber) {
-  if (const auto Entry = OpenFiles().find(FileNumber);
-      Entry != OpenFiles().end() && !Entry->second.Target.empty()) {
+  if (const auto Entry = OpenFiles().find(FileNumber); Entry != OpenFiles().end() && !Entry->second.Target.empty()) {
     DropReplacement(Entry->second);
     OpenFiles().erase(Entry);
     return;
