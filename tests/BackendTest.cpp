@@ -330,6 +330,9 @@ TEST_F(BackendTest, ParamResultsWithFaults) {
   for (const Row& R : Rows) {
     Shown() = {};
     W.NumNMRAtoms = 3;
+    W.NMRAtom.ReDim(3);
+    W.NMRAtomicNumber.ReDim(3);
+    AllocateResults(3);
     EXPECT_EQ(ReadParamResults(WriteFile("bad.out", Change(JoinLines(ParamResults), R.From, R.To))), R.Result)
         << R.What;
     EXPECT_EQ(Shown().Boxes, R.Boxes) << R.What;
