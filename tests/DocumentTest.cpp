@@ -289,7 +289,7 @@ TEST_F(DocumentTest, ResultLines) {
        {"COUPLING", "1 2", "3 4", "SHIELDING", "9 9"},
        -1,
        0,
-       [&] { return W.ShieldingAvailable == 0 && !AtEnd(W.FileNumber); }},
+       [&] { return W.ShieldingAvailable == 0 && !AtEnd(LineWork.FileNumber); }},
       {"any order",
        {"COUPLING", "1 2", "SHIELDING", "9 8", "COUPLING", "3 4"},
        -1,
@@ -323,7 +323,7 @@ TEST_F(DocumentTest, ResultLines) {
     W.NumNMRAtoms = Count;
     EXPECT_EQ(ReadShieldingCoupling("here", OpenContent("ShieldingCouplingEnd")), Count == 2340 ? -1 : 0);
     EXPECT_EQ(Shown().Boxes, Count == 2340 ? Texts{} : Texts{"warning Overflow."});
-    CloseFile(W.FileNumber);
+    CloseFile(LineWork.FileNumber);
   }
 }
 
@@ -345,7 +345,7 @@ TEST_F(DocumentTest, CountsObservedNuclei) {
     EXPECT_EQ(ReadSpectra("here", OpenContent("SPECTRATYPE\r\n" + std::to_string(R.Type) + "\r\nSpectraEnd\r\n")), -1);
     EXPECT_EQ(Workspace.NumSpinHalfAtoms, R.Count) << R.Type;
     EXPECT_EQ(Workspace.SpectrumSpan, 10000) << "all shifts lie under 1";
-    CloseFile(Workspace.FileNumber);
+    CloseFile(LineWork.FileNumber);
   }
 }
 

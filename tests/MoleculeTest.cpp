@@ -39,7 +39,7 @@ void ResetView(int Width, int Height) {
 class MoleculeTest : public ProgramTest {
  protected:
   MoleculeTest() {
-    MoleculeView1 = {};
+    ShownMolecule = {};
     ForgetSelection();
     ResetView(200, 100);
   }

@@ -218,7 +218,7 @@ TEST_F(SpectrumTest, EnvelopeLeavesFarPeaksOut) {
   Use({{-139, 1}, {-140, 1}, {-200, 1}, {-250, 1}, {-251, 1}, {-200, 1}}, -200, -190);
   V.CurrentLineWidth = 2;
   ComputeLineWidths(false);
-  EXPECT_EQ(FirstOf(W.PeakWork2, 6), (std::vector<Single>{0, 1, 1, 1, 0, 0}));
+  EXPECT_EQ(FirstOf(V.PeakWork2, 6), (std::vector<Single>{0, 1, 1, 1, 0, 0}));
   EXPECT_NEAR(V.EnvelopeSamples[0], 1.0 / 3601 + 1 + 1.0 / 2501, 1e-12);
   EXPECT_EQ(V.EnvelopeScale, 0) << "no scale was asked for";
 
@@ -235,7 +235,7 @@ TEST_F(SpectrumTest, EnvelopeLeavesFarPeaksOut) {
   ExpectValues("PeakWork1(2)=0 EnvelopeSamples(0)=0");
   V.UseGaussian = False;
   ComputeLineWidths(true);
-  EXPECT_EQ(W.PeakWork2[2], 5e-21F);
+  EXPECT_EQ(V.PeakWork2[2], 5e-21F);
   EXPECT_NEAR(V.EnvelopeSamples[0], 2e20, 1e16);
 }
 

@@ -223,9 +223,9 @@ void ExpectValues(const Text& Values, const Text& What) {
 }
 
 Integer OpenContent(TextView Content) {
-  Workspace.FileNumber = FreeFile();
-  OpenForInput(WriteFile("content", Content), Workspace.FileNumber);
-  return Workspace.FileNumber;
+  LineWork.FileNumber = FreeFile();
+  OpenForInput(WriteFile("content", Content), LineWork.FileNumber);
+  return LineWork.FileNumber;
 }
 
 std::vector<int> Numbers(const Array<Integer>& Values, int Count) {

@@ -8,7 +8,7 @@ class WorkspaceTest : public ProgramTest {};
 
 Texts TokensAfter(TextView Line, int& Count) {
   Count = Tokenize(Line);
-  return FirstOf(Workspace.Tokens, Workspace.Tokens.UpperBound() + 1);
+  return FirstOf(LineWork.Tokens, LineWork.Tokens.UpperBound() + 1);
 }
 
 TEST_F(WorkspaceTest, TokensOfOneLineAfterAnother) {
@@ -31,7 +31,7 @@ TEST_F(WorkspaceTest, TokensOfOneLineAfterAnother) {
     EXPECT_EQ(TokensAfter(R.Line, Count), R.Tokens) << "'" << R.Line << "'";
     EXPECT_EQ(Count, R.Count) << "'" << R.Line << "'";
   }
-  EXPECT_EQ(FailureOf([] { Workspace.Tokens[6] = ""; }), "Subscript out of range");
+  EXPECT_EQ(FailureOf([] { LineWork.Tokens[6] = ""; }), "Subscript out of range");
 }
 
 TEST_F(WorkspaceTest, PlacesOfTokens) {
@@ -182,7 +182,6 @@ TEST_F(WorkspaceTest, ClearWorkspaceEmptiesAllButTheTensor) {
   SetPeaks({{1, 1}, {2, 1}});
   ClearSpectrum();
   EXPECT_EQ(W.PeakFrequency.UpperBound(), 0);
-  EXPECT_EQ(W.PeakWork2.UpperBound(), 0);
   ExpectValues("PeakFrequency(0)=0 SpectraAvailable=0 PeakCount=2");
 }
 

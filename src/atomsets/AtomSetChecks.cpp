@@ -1,5 +1,7 @@
 #include "atomsets/AtomSetChecks.h"
 
+#include <vector>
+
 #include "atomsets/AtomSets.h"
 #include "shell/MainForm.h"
 #include "workspace/Helpers.h"

@@ -76,6 +76,7 @@ AtomNumbers NumbersIn(const Array<Integer>& Atoms, int Count) {
 }
 
 void AddAtomSetVariables() {
+  AddVariable("AtomSetMode", AtomSets.AtomSetMode);
   AddVariable("AtomSetDialogReload", AtomSets.AtomSetDialogReload);
   AddArray("ElementChoice", AtomSets.ElementChoice, [] { return NumElementChoices; });
   AddVariable("ElementChoiceAccepted", AtomSets.ElementChoiceAccepted);

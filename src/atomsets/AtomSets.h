@@ -11,7 +11,7 @@ namespace zelvanor {
 
 // What the dialogs of the atom sets share with one another and with the setup dialog that opens them.
 
-// AtomSetMode: the set that is edited.
+// Values of AtomSetMode.
 inline constexpr int QuantumMode = 1;
 inline constexpr int NMRMode = 2;
 inline constexpr int LabelledMode = 3;
@@ -20,6 +20,7 @@ inline constexpr int EquivalentMode = 4;
 inline constexpr int NumElementChoices = 7;  // H, C, N, O, F, P, and every atom
 
 struct AtomSetsState {
+  Integer AtomSetMode;  // which set the dialog edits
   // Set each time the setup dialog is activated. While it is clear the atom set dialog keeps its lists when it is
   // activated: the user comes back from the choice of elements to what stood there.
   Flag AtomSetDialogReload = False;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <numbers>
 #include <numeric>
 #include <set>
 
@@ -73,7 +74,7 @@ Double AngleAt(const BondGraph& Graph, int Atom, int First, int Second) {
   const Double A = Graph.Distance(Atom, First);
   const Double B = Graph.Distance(Atom, Second);
   const Double C = Graph.Distance(First, Second);
-  return std::acos(std::clamp((A * A + B * B - C * C) / (2 * A * B), -1.0, 1.0)) * 180.0 / 3.14159265358979323846;
+  return std::acos(std::clamp((A * A + B * B - C * C) / (2 * A * B), -1.0, 1.0)) * 180.0 / std::numbers::pi;
 }
 
 // Whether a nitrogen or oxygen can make one bond more and be positive: flat or stretched nitrogens, oxygens.

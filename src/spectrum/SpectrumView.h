@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "basic/Types.h"
+#include "basic/Array.h"
 #include "platform/Controls.h"
 
 namespace zelvanor {
@@ -52,6 +52,7 @@ struct SpectrumViewState {
   Flag LineWidthBarLive = False;
   Long PickedPeak = 0;  // of the read-out; -1 for none
   std::array<Double, MaxEnvelopeSamples> EnvelopeSamples{};
+  Array<Single> PeakWork1, PeakWork2;  // factors of each peak's line shape, beside the peak list
 };
 
 extern SpectrumViewState SpectrumView;

@@ -26,10 +26,10 @@ bool ReadSystem(const Text& Path) {
 
 Text WriteSystemText() {
   const Text Path = PathOf("written.mvs");
-  W.FileNumber = FreeFile();
-  OpenForOutput(Path, W.FileNumber);
-  Demand(IsSet(WriteHostText(W.FileNumber)), "the host text can't be written");
-  CloseFile(W.FileNumber);
+  LineWork.FileNumber = FreeFile();
+  OpenForOutput(Path, LineWork.FileNumber);
+  Demand(IsSet(WriteHostText(LineWork.FileNumber)), "the host text can't be written");
+  CloseFile(LineWork.FileNumber);
   return Path;
 }
 

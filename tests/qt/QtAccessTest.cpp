@@ -206,7 +206,7 @@ struct ShownSpectrum {
     Workspace.PeakCount = Count;
     Workspace.NMRFrequency = 400;
     for (auto* Values : {&Workspace.PeakFrequency, &Workspace.PeakIntensity, &Workspace.PeakLineWidth,
-                         &Workspace.PeakWork1, &Workspace.PeakWork2})
+                         &SpectrumView.PeakWork1, &SpectrumView.PeakWork2})
       Values->ReDim(Count);
     Workspace.PeakDegeneracy.ReDim(Count);
     for (int Peak = 0; Peak < Count; ++Peak) {
