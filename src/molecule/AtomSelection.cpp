@@ -105,6 +105,20 @@ void ForgetSelection() {
   M.SelectedAtomColor.ReDim(0);
 }
 
+void CarrySelectionOver(RenderControl& Control) {
+  const int Count = GetAtomCount(Control);
+  int Kept = 0;
+  for (int Place = 0; Place < M.NumSelectedAtoms; ++Place) {
+    const int Atom = M.SelectedAtom[Place];
+    if (Atom >= Count) continue;
+    SetThisAtom(Control, Atom);
+    M.SelectedAtom[Kept] = Atom;
+    M.SelectedAtomColor[Kept++] = GetAtomColor(Control);
+    SetAtomColor(Control, Settings.SelectionColor);
+  }
+  M.NumSelectedAtoms = Kept;
+}
+
 void MarkSelection(RenderControl& Control) {
   for (int Place = 0; Place < M.NumSelectedAtoms; ++Place) {
     SetThisAtom(Control, M.SelectedAtom[Place]);

@@ -2,7 +2,6 @@
 
 #include "platform/Services.h"
 #include "shell/Frame.h"
-#include "spectrum/frmValues.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
@@ -54,10 +53,9 @@ Flag CopyTableSelection() {
   return True;
 }
 
-Flag CopyValuesSelection() {
+Flag CopyValuesSelection(GridControl& Grid) {
   try {
     Platform.SetClipboard("");
-    GridControl& Grid = ValuesGrid();
     Text Value;
     if (HasSelection(Grid)) {
       const int Row = Grid.Row;
