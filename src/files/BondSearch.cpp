@@ -74,9 +74,8 @@ void OpenBridgedBorons(BondGraph& Graph) {
       const auto& Own = Graph.At(Atom);
       const auto Bridges = std::count_if(Own.begin(), Own.end(), [&](const BondGraph::Link& L) {
         const auto& Others = Graph.At(Link.Other);
-        return Graph.Element(L.Other) == 1 && std::any_of(Others.begin(), Others.end(), [&](const BondGraph::Link& M) {
-                 return M.Other == L.Other;
-               });
+        return Graph.Element(L.Other) == 1 &&
+               std::any_of(Others.begin(), Others.end(), [&](const BondGraph::Link& M) { return M.Other == L.Other; });
       });
       if (Bridges < 2) continue;
       RemoveHalf(Graph, Atom, Link.Other);

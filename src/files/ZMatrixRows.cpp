@@ -243,7 +243,6 @@ void ThrowAtLine(int Line, const Text& What) { throw Failure(What, Line); }
 
 ZMatrixRows ReadZMatrixRows(const Text& Path) {
   constexpr int MostRows = 32767;  // an Integer counts them
-  WorkspaceState& W = Workspace;
   LineWork.FileNumber = FreeFile();
   OpenForInput(Path, LineWork.FileNumber);
   ZMatrixRows Rows;

@@ -18,8 +18,6 @@ namespace {
 WorkspaceState& W = Workspace;
 MainForm& M = Main;
 
-constexpr int SelectMode = 1;
-
 // The place of an atom in the selection, -1 for none.
 int FindSelected(int Atom) {
   for (int Place = 0; Place < M.NumSelectedAtoms; ++Place) {

@@ -39,11 +39,11 @@ struct SettingRow {
   const char* Key;
   const char* Default;
   ItemForm Is;
+  bool Written = true;
   Double Low = 0;
   Double High = 0;
   const char* AfterWarning = "";
   const char* Words = "";
-  bool Written = true;
   void (*Take)(Double Value) = nullptr;
   void (*TakeText)(const Text& Value) = nullptr;
   Text (*Give)() = nullptr;

@@ -74,7 +74,7 @@ void UpdateViewControls(const Available& Has, int View) {
 void UpdateMouseTools(const Available& Has, int View) {
   const bool Usable = View == MoleculeView && Has.Molecule;
   for (int Tool : {ToolRotate, ToolSelect, ToolTranslate}) Enable(Main.picToolbar[Tool], Usable);
-  if (Usable && Main.MouseMode == 2) SetPressed(Main.picToolbar[ToolRotate], True);
+  if (Usable && Main.MouseMode == RotateMode) SetPressed(Main.picToolbar[ToolRotate], True);
 }
 
 }  // namespace

@@ -220,7 +220,6 @@ Flag FCompileHtrcLsz(Htrc Rules, const Text& Path) {
   Compilation Work;
   Work.Fields = Set->Fields;
   for (ForceFieldRules& Field : Work.Fields) Field.Rules.clear();
-  WorkspaceState& W = Workspace;
   try {
     LineWork.FileNumber = FreeFile();
     OpenForInput(Path, LineWork.FileNumber);
