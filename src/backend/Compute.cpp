@@ -3,6 +3,7 @@
 #include <new>
 
 #include "backend/ParamInput.h"
+#include "backend/PeakMap.h"
 #include "backend/Results.h"
 #include "backend/SpectInput.h"
 #include "platform/TextFiles.h"
@@ -72,10 +73,12 @@ bool AcceptSize() {
 bool RunStage2(const char* Purpose) {
   if (!AcceptSize()) return false;
   ShowStatus("Computing the NMR spectrum...");
+  RemovePeakMap();
   if (!IsSet(EmptyResultFile(Settings.SpectOutputFile)) || !IsSet(WriteSpectInput(Settings.SpectInputFile)) ||
       !RunBackend("2", Purpose) || !IsSet(ReadSpectResults(Settings.SpectOutputFile))) {
     return false;
   }
+  ReadPeakMap();
   IgnoreFailure(Normalize);
   ShowStatus("Calculation has completed.");
   return true;

@@ -5,6 +5,7 @@
 
 #include "basic/Numbers.h"
 #include "files/DocumentFormat.h"
+#include "files/ExtraSections.h"
 #include "files/HostText.h"
 #include "files/OptionLines.h"
 #include "platform/TextFiles.h"
@@ -104,6 +105,20 @@ bool ReadMolecule(const Text& Path) {
   return false;
 }
 
+// The section that this line begins, when it is one that a room has added.
+Flag ReadExtraSection(TextView Line) {
+  for (const ExtraSection& Section : ExtraSections()) {
+    if (!Line.starts_with(Section.Begin)) continue;
+    try {
+      Section.Read(LineWork.FileNumber);
+    } catch (const Failure& Problem) {
+      WarnOfFailure(Problem);
+      return False;
+    }
+  }
+  return True;
+}
+
 // The sections behind the selections, in any order, to the end of the file. What hangs on several of them is worked out
 // at the end.
 bool ReadSections(const Text& Path) {
@@ -120,6 +135,8 @@ bool ReadSections(const Text& Path) {
     } else if (Line.starts_with(document::SpectraBegin)) {
       Read = ReadSpectra(Path, LineWork.FileNumber);
       AnySpectrum = true;
+    } else {
+      Read = ReadExtraSection(Line);
     }
     if (!IsSet(Read)) return false;
   }

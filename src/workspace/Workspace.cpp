@@ -50,6 +50,17 @@ void ClearWorkspace() {
   W.Coupling.ReDim(0, 0);
   for (int Set = 0; Set < NumSavedSets; ++Set) W.EquivalentSetSize[Set] = 0;
   W.NMRAtomsValid = W.ShieldingAvailable = W.CouplingAvailable = False;
+  ClearMeasured();
+}
+
+void ClearMeasured() {
+  WorkspaceState& W = Workspace;
+  W.MeasuredCount = 0;
+  W.MeasuredPoint.ReDim(0);
+  W.MeasuredFactor = 1;
+  W.MeasuredFirst = W.MeasuredLast = W.MeasuredMHz = W.IntegralTotal = 0;
+  W.IntegralCount = 0;
+  for (Text* Words : {&W.MeasuredNucleus, &W.MeasuredSolvent, &W.MeasuredTitle}) Words->clear();
 }
 
 void AllocateResults(Integer Count) {
@@ -72,6 +83,7 @@ void AllocatePeaks(int NumPeaks) {
 
 void ClearSpectrum() {
   AllocatePeaks(0);
+  Workspace.PeakSiteLines = 0;
   Workspace.SpectraAvailable = False;
 }
 

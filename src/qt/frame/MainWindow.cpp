@@ -17,6 +17,7 @@
 #include "qt/controls/KeyFilter.h"
 #include "qt/frame/MenuBar.h"
 #include "qt/frame/OpenFiles.h"
+#include "qt/frame/PaneDivider.h"
 #include "qt/frame/Remembered.h"
 #include "qt/frame/ToolStrip.h"
 #include "qt/frame/ViewFocus.h"
@@ -46,10 +47,12 @@ class WorkArea : public QWidget {
     Hint = MakeWorkHint(this);
     Strip = MakeToolStrip(this);
     for (Control* Item : WorkControls) MakeWidget(*Item, this);
+    Divider = MakePaneDivider(this);
     BeforeDispatch = NoteKeyHolder;
     AfterDispatch = [this] {
       ShowWorkHint(Hint);
       KeepKeysOnView();
+      PlacePaneDivider(Divider);
     };
   }
 
@@ -69,6 +72,7 @@ class WorkArea : public QWidget {
  private:
   QLabel* Hint = nullptr;
   QWidget* Strip = nullptr;
+  QWidget* Divider = nullptr;
 };
 
 class FrameWindow : public QMainWindow {
