@@ -71,10 +71,14 @@ constexpr const char* HostWord = "MORVANTIS";
 
 Flag StartedAlone = True;
 
-// Which handler a menu item runs. Items without a row show nothing when they are used.
+// Which handler a menu item runs. Items without a row show nothing when they are used. A value that is being typed into
+// a table is stored first, but for a mere look at something else.
+enum class TableEdit { Ends, StaysOpen };
+
 struct MenuHandler {
   MenuItem MainForm::*Item;
   void (*Click)();
+  TableEdit Edit = TableEdit::Ends;
 };
 
 constexpr MenuHandler MenuHandlers[] = {
@@ -83,41 +87,41 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileSave, mnuFileSave_Click},
     {&MainForm::mnuFileSaveAs, mnuFileSaveAs_Click},
     {&MainForm::mnuFileGet, mnuFileGet_Click},
-    {&MainForm::mnuPreferences, mnuPreferences_Click},
+    {&MainForm::mnuPreferences, mnuPreferences_Click, TableEdit::StaysOpen},
     {&MainForm::mnuFileExit, mnuFileExit_Click},
     {&MainForm::mnuFileOpenMeasured, mnuFileOpenMeasured_Click},
     {&MainForm::mnuCopy, mnuCopy_Click},
     {&MainForm::mnuReplace, mnuReplace_Click},
-    {&MainForm::mnuStartLog, mnuStartLog_Click},
-    {&MainForm::mnuStopLog, mnuStopLog_Click},
+    {&MainForm::mnuStartLog, mnuStartLog_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuStopLog, mnuStopLog_Click, TableEdit::StaysOpen},
     {&MainForm::mnuEditCalculateTypes, mnuEditCalculateTypes_Click},
     {&MainForm::mnuUndo, mnuUndo_Click},
     {&MainForm::mnuRedo, mnuRedo_Click},
-    {&MainForm::mnuViewMolecule, mnuViewMolecule_Click},
-    {&MainForm::mnuViewShielding, mnuViewShielding_Click},
-    {&MainForm::mnuViewCoupling, mnuViewCoupling_Click},
-    {&MainForm::mnuViewSpectra, mnuViewSpectra_Click},
-    {&MainForm::mnuLines, mnuLines_Click},
-    {&MainForm::mnuEnvelop, mnuEnvelop_Click},
-    {&MainForm::mnuLinesAndEnvelop, mnuLinesAndEnvelop_Click},
+    {&MainForm::mnuViewMolecule, mnuViewMolecule_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuViewShielding, mnuViewShielding_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuViewCoupling, mnuViewCoupling_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuViewSpectra, mnuViewSpectra_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuLines, mnuLines_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuEnvelop, mnuEnvelop_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuLinesAndEnvelop, mnuLinesAndEnvelop_Click, TableEdit::StaysOpen},
     {&MainForm::mnuViewValues, mnuViewValues_Click},
     {&MainForm::mnuView2DBar, mnuView2DBar_Click},
     {&MainForm::mnuView3DBar, mnuView3DBar_Click},
-    {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click},
-    {&MainForm::mnuLorentzian, mnuLorentzian_Click},
-    {&MainForm::mnuGaussian, mnuGaussian_Click},
-    {&MainForm::mnuViewRender, mnuViewRender_Click},
+    {&MainForm::mnuMultipleLineWidths, mnuMultipleLineWidths_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuLorentzian, mnuLorentzian_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuGaussian, mnuGaussian_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuViewRender, mnuViewRender_Click, TableEdit::StaysOpen},
     {&MainForm::mnuFileExport, mnuFileExport_Click},
-    {&MainForm::mnuMeasuredOverlay, mnuMeasuredOverlay_Click},
-    {&MainForm::mnuMeasuredStack, mnuMeasuredStack_Click},
-    {&MainForm::mnuMeasuredMirror, mnuMeasuredMirror_Click},
-    {&MainForm::mnuMeasuredEqualArea, mnuMeasuredEqualArea_Click},
-    {&MainForm::mnuMeasuredIntegrals, mnuMeasuredIntegrals_Click},
+    {&MainForm::mnuMeasuredOverlay, mnuMeasuredOverlay_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuMeasuredStack, mnuMeasuredStack_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuMeasuredMirror, mnuMeasuredMirror_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuMeasuredEqualArea, mnuMeasuredEqualArea_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuMeasuredIntegrals, mnuMeasuredIntegrals_Click, TableEdit::StaysOpen},
     {&MainForm::mnuMeasuredProcess, mnuMeasuredProcess_Click},
     {&MainForm::mnuMeasuredRemove, mnuMeasuredRemove_Click},
-    {&MainForm::mnuViewLabels, mnuViewLabels_Click},
-    {&MainForm::mnuViewTree, mnuViewTree_Click},
-    {&MainForm::mnuViewPane, mnuViewPane_Click},
+    {&MainForm::mnuViewLabels, mnuViewLabels_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuViewTree, mnuViewTree_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuViewPane, mnuViewPane_Click, TableEdit::StaysOpen},
     {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
     {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
     {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
@@ -125,9 +129,9 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuComputeNMR, mnuComputeNMR_Click},
     {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
     {&MainForm::mnuComputeAll, mnuComputeAll_Click},
-    {&MainForm::mnuHelpContents, mnuHelpContents_Click},
-    {&MainForm::mnuHelpUsing, mnuHelpUsing_Click},
-    {&MainForm::mnuAbout, mnuAbout_Click},
+    {&MainForm::mnuHelpContents, mnuHelpContents_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuHelpUsing, mnuHelpUsing_Click, TableEdit::StaysOpen},
+    {&MainForm::mnuAbout, mnuAbout_Click, TableEdit::StaysOpen},
 };
 
 void Form_QueryUnload(Flag& Cancel) {
@@ -178,17 +182,24 @@ Text StepNameOf(const MenuItem& Item) {
   return Name;
 }
 
+void ShieldTable_Record(const Event& Work) {
+  RunRecorded(W.ViewMode == CouplingView ? "typing a coupling" : "typing a shielding", Work);
+}
+
+void RecordTableEdit() {
+  if (IsSet(TableEditing.EditActive)) ShieldTable_Record(EndTableEdit);
+}
+
 void ConnectMenu() {
   for (const MenuHandler& Row : MenuHandlers) {
     MenuItem& Item = Main.*Row.Item;
     const Text Name = StepNameOf(Item);
-    Item.Click = Row.Click;
-    if (!Name.empty()) Item.Click = [Name, Work = Row.Click] { RunRecorded(Name, Work); };
+    Item.Click = [Name, &Row] {
+      // What has been typed counts before the command, as a step of its own.
+      if (Row.Edit == TableEdit::Ends) RecordTableEdit();
+      Name.empty() ? Row.Click() : RunRecorded(Name, Row.Click);
+    };
   }
-}
-
-void ShieldTable_Record(const Event& Work) {
-  RunRecorded(W.ViewMode == CouplingView ? "typing a coupling" : "typing a shielding", Work);
 }
 
 void ConnectTable() {
@@ -261,6 +272,7 @@ void ConnectPreferences() {
   Preferences.SetMonochrome = SetMonochrome;
   Preferences.SetSpectrumBackground = [](Colour Value) { SetBackColor(Main.Spectrum1, Value); };
   Preferences.GetMoleculeBackground = [] { return Main.MolRender1.BackColor; };
+  Preferences.GetLabelColor = [] { return Main.MolRender1.LabelColor; };
   Preferences.TakeMoleculePreferences = TakeMoleculePreferences;
   Preferences.RefreshView = RefreshView;
 }
@@ -274,6 +286,7 @@ void ConnectRooms() {
   Rooms.ShowShieldingTable = ShowShieldingTable;
   Rooms.ShowCouplingTable = ShowCouplingTable;
   Rooms.ShowMoleculeView = ShowMoleculeView;
+  Rooms.EndTableEdit = RecordTableEdit;
   Rooms.TurnMolecule = TurnMolecule;
   Rooms.FitMolecule = FitMolecule;
   Rooms.OpenZMatrix = OpenZMatrix;
@@ -371,7 +384,7 @@ void SetUpTables() {
   InitColorSets();
   InitReferenceElements();
   W.NumReferenceElements = NumReferenceEntries - 1;
-  Main.MouseMode = 2;
+  Main.MouseMode = RotateMode;
   for (int Index = 0; Index < NumToolButtons; ++Index) {
     SetEnabled(Main.picToolbar[Index], ToFlag(Index == ToolOpen || Index == ToolGet));
   }
@@ -450,10 +463,9 @@ void Form_Load(const Text& CommandLine) {
 }
 
 void Form_Resize() {
-  IgnoreFailure(BeginSpectrumResize);
   LayOutWindow();
   IgnoreFailure(PlaceMoleculeView);
-  IgnoreFailure(EndSpectrumResize);
+  IgnoreFailure(ResizeSpectrum);
   // The layout leaves the table without a height until its view is drawn again.
   if (IsSet(Main.ShieldTable.Visible)) PlaceTable();
 }

@@ -118,6 +118,7 @@ TEST_F(DocumentTest, ChangedDocuments) {
   constexpr const char* Quantum = "QuantumSelectionBegin\r\n1\r\nmol 2 atom 1\r\n";
   constexpr const char* Peak = "-250  0.25  1  0.125";
   constexpr const char* Subscript = "warning Subscript out of range.";
+  constexpr const char* NoPeaks = "warning There are no peaks in the NMR spectrum.  The number of peaks is 0.";
   constexpr const char* Mismatch = "warning Type mismatch.";
   const ChangeRow Rows[] = {
       {"BeginMVS", "  BeginMVS ", -1, "", "NumAtoms=3"},
@@ -173,10 +174,10 @@ TEST_F(DocumentTest, ChangedDocuments) {
       {"1 6 9", "1 C 9", 0, Mismatch},
       {"1 6 9", "14 6 9", -1, "", "ChemicalShift(0)=-30.5"},
       {"NumbersEnd", "NumbersEnd\r\n\r\n OptionsBegin\r\nmore", -1},
-      {"ShieldingCouplingBegin\r\nSHIELDING\r\n30.5 130 1E-05\r\nTENSOR", "skipped", -1, Subscript,
+      {"ShieldingCouplingBegin\r\nSHIELDING\r\n30.5 130 1E-05\r\nTENSOR", "skipped", -1, "",
        "SpectraAvailable=-1 ShieldingAvailable=0"},
 
-      {"Begin\r\n 2", "Begin\r\n 0", 0, "", "SpectraAvailable=0"},
+      {"Begin\r\n 2", "Begin\r\n 0", 0, NoPeaks, "SpectraAvailable=0"},
       {"Begin\r\n 2", "Begin\r\n x", 0, Mismatch},
       {"Begin\r\n 2", "Begin\r\n 2147483647", 0, "warning Out of memory.", "SpectraAvailable=0"},
       {Peak, "-250  0.25  1", 0,
@@ -192,7 +193,7 @@ TEST_F(DocumentTest, ChangedDocuments) {
       {"SpectraEnd", "SpectraEnd\r\nSpectraBegin\r\nSpectraEnd", -1, "", "SpectraAvailable=-1 PeakCount=2"},
       {"SpectraEnd", "SpectraEnd\r\nSpectraBegin\r\n1000000000", 0, "warning Out of memory.",
        "SpectraAvailable=-1 PeakCount=2"},
-      {"SpectraEnd", "SpectraBegin\r\n0", 0, "", "SpectraAvailable=0"},
+      {"SpectraEnd", "SpectraBegin\r\n0", 0, NoPeaks, "SpectraAvailable=0"},
       {"TYPE\r\n 1", "TYPE\r\n 6", -1, "", "SpectraType=5"},
       {"TYPE\r\n 1", "TYPE\r\n 7", -1,
        "warning Spectral type --- 7 is not supported by the current version of Zelvanor.", "SpectraType=0"},

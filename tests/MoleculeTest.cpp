@@ -333,10 +333,15 @@ TEST_F(MoleculeTest, TakesASystemInOnceAndCountsFromItsMiddle) {
   ShowMoleculeView();
   EXPECT_EQ(Shown().Statuses.back(), " Bad bond order: x");
   EXPECT_EQ(View.Atoms[0].Bonds[0].Order, 1);
-  Main.NumSelectedAtoms = 1;
+  // The selection stays, but for atoms beyond it.
+  Main.NumSelectedAtoms = 2;
+  SetArray(Main.SelectedAtom, {7, 1});
+  Main.SelectedAtomColor.ReDim(2);
   Workspace.AtomZ[1] = 1;
   ShowMoleculeView();
-  EXPECT_EQ(Main.NumSelectedAtoms, 0);
+  EXPECT_EQ(Main.NumSelectedAtoms, 1);
+  EXPECT_EQ(Main.SelectedAtom[0], 1);
+  EXPECT_EQ(View.Atoms[1].Color, Settings.SelectionColor);
 }
 
 TEST_F(MoleculeTest, HoldsNothingOfATableThatIsBroken) {

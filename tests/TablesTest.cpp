@@ -77,7 +77,7 @@ TEST_F(TablesTest, TensorPlaces) {
   W.ViewMode = ShieldingView;
   SetGridSize(ValuesGrid(), 8, 13);
   SetCellText(ValuesGrid(), 6, 3, "old");
-  ASSERT_EQ(ShowShieldTensor(), True);
+  ASSERT_EQ(ShowShieldTensor(ValuesGrid()), True);
   const GridControl& Grid = ValuesGrid();
   EXPECT_EQ(RowTexts(Grid, 0), (Texts{"", "", "1(H)", "", "", "2(H)", "", "", "3(C)", "", "", "4(S)", ""}));
   EXPECT_EQ(CellText(Grid, 4, 6), "22.0");
@@ -87,7 +87,7 @@ TEST_F(TablesTest, TensorPlaces) {
   EXPECT_EQ(Grid.SelStartRow, 7);
   EXPECT_EQ(Grid.SelEndCol, 12);
   W.ShieldTensor.ReDim(20);
-  EXPECT_EQ(ShowShieldTensor(), False);
+  EXPECT_EQ(ShowShieldTensor(ValuesGrid()), False);
   EXPECT_EQ(Shown().Boxes.back(), "warning Error showing the shielding tensor.");
 }
 
@@ -232,20 +232,20 @@ TEST_F(TablesTest, ClipboardHasHeadersAroundTheSelection) {
   SetGridSelection(Table, 1, 1, 2, 1);
   CopyTableSelection();
   EXPECT_EQ(Clipboard, "former");
-  CopyValuesSelection();
+  CopyValuesSelection(ValuesGrid());
 
-  ShowShieldTensor();
+  ShowShieldTensor(ValuesGrid());
   PickRange(ValuesGrid(), 5, 5, 6, 5);
-  CopyValuesSelection();
+  CopyValuesSelection(ValuesGrid());
   EXPECT_EQ(Clipboard, "\t2(H)\r\n\tSigma(y)\r\nEigenvalues\t24.0\r\nIsotropic\t");
   SetGridSelection(ValuesGrid(), 1, 1, 2, 1);
-  CopyValuesSelection();
+  CopyValuesSelection(ValuesGrid());
   EXPECT_EQ(Clipboard, "");
   Platform.SetClipboard = [](const Text&) { throw Failure("Device I/O error"); };
   Shown().Boxes.clear();
   SetGridSelection(Table, 1, 1, 1, 1);
   CopyTableSelection();
-  CopyValuesSelection();
+  CopyValuesSelection(ValuesGrid());
   EXPECT_EQ(Shown().Boxes, (Texts{"error Error occured while copying to clipboard:\r\nDevice I/O error.",
                                   "error Error occured while copying to clipboard:\r\nDevice I/O error"}));
 }

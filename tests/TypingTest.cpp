@@ -141,6 +141,30 @@ TEST_F(TypingTest, TypeFileHasToBeTheOneOfTheRules) {
   EXPECT_EQ(CompareTypeFile(WriteFile("words.txt", "H\nABCDxyz\n")), False) << "four characters count";
 }
 
+TEST_F(TypingTest, AnotherForceFieldDisablesItselfAlone) {
+  SetFiles("Types\nH1\n", "forcefield krdo\nH1 H\nforcefield mm\nHX H\nforcefield opls\nHO H\n");
+  const Text Empty = WriteFile("parm/mmtype.txt", "");
+  WriteFile("parm/oplstype.txt", "Types\nHO\n");
+  PrepareTypeRules();
+  PrepareTypeRules();
+  EXPECT_EQ(Boxes(), "plain Empty type file - " + Empty + ".") << "told once";
+  EXPECT_NE(AtomTyping.TypeRuleHandle, 0);
+  EXPECT_EQ(AtomTyping.TypeFiles[3], Settings.NMRParmPath + "/oplstype.txt");
+}
+
+TEST_F(TypingTest, AChainIsTypedToItsEnd) {
+  SetFiles("Types\nO1\nC1\n", "forcefield krdo\nO1 O\nC1 C -O\nC1 C -[C1]\n");
+  Text Chain = "mol 1\natom 1 - O ** - 0 0 0 0 1 2 s\n";
+  for (int Atom = 2; Atom <= 41; ++Atom) {
+    Chain += Join("atom ", Long{Atom}, " - C ** - 0 ", Long{2 * Atom}, Atom == 41 ? " 0 0 1 " : " 0 0 2 ",
+                  Long{Atom - 1}, " s", Atom == 41 ? Text() : Join(" ", Long{Atom + 1}, " s"), "\n");
+  }
+  OpenText("chain.mvs", Chain + "endmol 1\n");
+  mnuEditCalculateTypes_Click();
+  EXPECT_EQ(Boxes(), "");
+  EXPECT_EQ(Workspace.AtomType[40].Trimmed(), "C1");
+}
+
 TEST_F(TypingTest, ShippedRulesGiveEveryElementAType) {
   Settings.NMRParmPath = ZELVANOR_DATA;
   Text Rows = "\n\n\n";

@@ -81,6 +81,14 @@ TEST_F(ZMatrixTest, PlacesRowsInAllTheirForms) {
   }
 }
 
+TEST_F(ZMatrixTest, SymmetryDataAreRefused) {
+  OpenRows("O\nH 1 1\nH 2 1 90 1 1 2\n\n2 1 3\n", "AM1 SYMMETRY\ntitle\n\n");
+  EXPECT_EQ(Boxes(), "warning Error at line 8 in file " + TempPath("rows.zmt") +
+                         ": symmetry data can't be applied: give every row its own values, without SYMMETRY.");
+  OpenRows("O\nH 1 1\n\n", "AM1 SYMMETRY\ntitle\n\n");
+  EXPECT_EQ(Places(), "O 0 0 0, H 1 0 0") << "no row would have to be applied";
+}
+
 TEST_F(ZMatrixTest, ReportsRowsByLine) {
   const Text Start = "O\nH 1 1\nH 1 1 90 1 1 2\n";
   const struct {
@@ -90,6 +98,7 @@ TEST_F(ZMatrixTest, ReportsRowsByLine) {
   } Cases[] = {
       {"O\nQq 1 1\n", 5, "\"Qq\" is no element"},
       {"O\n120 1 1\n", 5, "there is no element 120"},
+      {"O\n13C 1 1\n", 5, "\"13C\" is no element"},
       {"O\nH 1.x 1\n", 5, "\"1.x\" is no number"},
       {"O\nH 1 1\nH 1 4 90 1 0 0 1 2 0\n", 6, "the optimisation flag \"4\" is none of 0, 1 and -1"},
       {"O\nH -1 1 0 0 0 0 1 0 0\n", 5, "the bond length is not greater than 0"},
@@ -133,6 +142,12 @@ TEST_F(ZMatrixTest, BondsAreThoseThatAChemistDraws) {
        "C 0 0 0\nC 1.31 0 0\nC 2.58 0 0\nC 3.89 0 0\nH -.55 .93 0\nH -.55 -.93 0\nH 4.44 .93 0\nH 4.44 -.93 0\n",
        "1=2 2=3 3=4"},
       {"sulfate", "S 0 0 0\nO .85 .85 .85\nO .85 -.85 -.85\nO -.85 .85 -.85\nO -.85 -.85 .85\n", "1=2 1=3 1-4 1-5"},
+      {"azide ion", "N 0 0 0\nN 1.18 0 0\nN 2.36 0 0\n", "1=2 2=3"},
+      {"thiocyanate ion", "S 0 0 0\nC 1.65 0 0\nN 2.82 0 0\n", "1-2 2#3"},
+      {"diborane",
+       "B 0 0 0\nB 1.77 0 0\nH .885 .98 0\nH .885 -.98 0\nH -.6 0 1.04\nH -.6 0 -1.04\nH 2.37 0 1.04\n"
+       "H 2.37 0 -1.04\n",
+       ""},
       {"carbon monoxide", "C 0 0 5\nO 1.13 0 5\n", "1#2"},
       {"furan",
        "O 1.16 0 0\nC .358 1.103 0\nC -.938 .682 0\nC -.938 -.682 0\nC .358 -1.103 0\nH .69 2.13 0\nH -1.81 1.32 0\n"

@@ -12,24 +12,27 @@ namespace {
 
 WorkspaceState& W = Workspace;
 
-void MarkChanged(Flag& Stale) { W.DocumentDirty = Stale = True; }
-
-// Takes over the count and the entries; any difference makes the document dirty and a stage stale. Returns the entries
-// that changed.
-std::vector<int> TakeEntries(const WorkList& Work, Array<Integer>& Set, Integer& Count, Flag& Stale) {
-  if (Work.Count != Count) {
-    MarkChanged(Stale);
-    Set.ReDim(Work.Count);
-    Count = Work.Count;
-  }
-  std::vector<int> Changed;
+bool IsSame(const WorkList& Work, const Array<Integer>& Set, Integer Count) {
+  if (Work.Count != Count) return false;
   for (int Entry = 0; Entry < Count; ++Entry) {
-    if (Set[Entry] == Work.Atom[Entry]) continue;
-    Set[Entry] = Work.Atom[Entry];
-    Changed.push_back(Entry);
+    if (Set[Entry] != Work.Atom[Entry]) return false;
   }
-  if (!Changed.empty()) MarkChanged(Stale);
-  return Changed;
+  return true;
+}
+
+// Takes over the count and the entries; any difference makes the document dirty and a stage stale.
+void TakeEntries(const WorkList& Work, Array<Integer>& Set, Integer& Count, Flag& Stale) {
+  if (IsSame(Work, Set, Count)) return;
+  W.DocumentDirty = Stale = True;
+  Set.ReDim(Work.Count);
+  for (int Entry = 0; Entry < Work.Count; ++Entry) Set[Entry] = Work.Atom[Entry];
+  Count = Work.Count;
+}
+
+// The results belong to the NMR atoms one by one: those of another set go, and with them their spectrum.
+void DropResults(Integer Count) {
+  AllocateResults(Count);
+  W.ShieldingAvailable = W.CouplingAvailable = W.SpectraAvailable = False;
 }
 
 // An atom as messages name it: the atom in its molecule, and the molecule.
@@ -61,14 +64,6 @@ int FindNMRAtomOutside() {
   return 0;
 }
 
-void RecreateNMRResults(int Count) {
-  W.Coupling.ReDim(Count, Count);  // first: it is the one that may not find the memory
-  W.NMRAtomicNumber.ReDim(Count);
-  W.Shielding.ReDim(Count);
-  W.ShieldingError.ReDim(Count);
-  W.ChemicalShift.ReDim(Count);
-}
-
 // The sets go where one of their members is no NMR atom any more. The host may have left gaps between them.
 void CheckEquivalentAtoms() {
   const AtomNumbers Members = NumbersIn(W.NMRAtom, W.NumNMRAtoms);
@@ -97,6 +92,8 @@ bool TakeQuantumAtoms(const WorkList& Work) {
                      "atoms and/or labelled atoms."));
     W.NumNMRAtoms = 0;
     W.NMRAtom.ReDim(0);
+    W.NMRAtomicNumber.ReDim(0);
+    DropResults(0);
     ForgetLabelledAtoms();
     ForgetEquivalentSets();
     EnableSubsets(False);
@@ -109,12 +106,11 @@ bool TakeNMRAtoms(const WorkList& Work) {
     ShowWarning("No NMR atom selection yet. Please make an NMR atom selection.");
     return false;
   }
-  if (Work.Count != W.NumNMRAtoms) {
-    MarkChanged(W.ParamResultsStale);
-    RecreateNMRResults(Work.Count);
-  }
-  for (const int Entry : TakeEntries(Work, W.NMRAtom, W.NumNMRAtoms, W.ParamResultsStale)) {
-    W.NMRAtomicNumber[Entry] = ElementOfAtom(W.NMRAtom[Entry]);
+  if (!IsSame(Work, W.NMRAtom, W.NumNMRAtoms)) {
+    DropResults(Work.Count);
+    TakeEntries(Work, W.NMRAtom, W.NumNMRAtoms, W.ParamResultsStale);
+    W.NMRAtomicNumber.ReDim(W.NumNMRAtoms);
+    for (int Entry = 0; Entry < W.NumNMRAtoms; ++Entry) W.NMRAtomicNumber[Entry] = ElementOfAtom(W.NMRAtom[Entry]);
   }
   EnableSubsets(True);
   if (W.NumQuantumAtoms != 0) {

@@ -12,6 +12,11 @@ AtomSetsState AtomSets;
 
 namespace {
 WorkspaceState& W = Workspace;
+
+template <class Field>
+Text ShownText(const Field& Value) {
+  return UpperCase(TrimBlanks(Value.View()));
+}
 }  // namespace
 
 int CountListedAtoms() { return std::max<int>(W.NumAtoms, W.NumNMRAtoms); }
@@ -22,28 +27,28 @@ Integer ElementOfAtom(int AtomNumber) {
   return ElementNumber(TrimBlanks(W.AtomElement[AtomNumber - 1].View()));
 }
 
-Text UpperCaseAtomEntry(int AtomNumber) {
+Text AtomEntryText(int AtomNumber) {
   const int Atom = AtomNumber - 1;
-  const auto Show = [](auto& Field) {
-    Text Shown = UpperCase(TrimBlanks(Field.View()));
-    Field = TextView(Shown);
-    return Shown;
-  };
-  const Text Element = Show(W.AtomElement[Atom]);
-  const Text Type = Show(W.AtomType[Atom]);
-  return Join("M ", W.AtomMolecule[Atom], " A ", W.AtomInMolecule[Atom], " ", Element, " ", Type);
+  return Join("M ", W.AtomMolecule[Atom], " A ", W.AtomInMolecule[Atom], " ", ShownText(W.AtomElement[Atom]), " ",
+              ShownText(W.AtomType[Atom]));
+}
+
+void StoreEntryText(int AtomNumber) {
+  const int Atom = AtomNumber - 1;
+  W.AtomElement[Atom] = TextView(ShownText(W.AtomElement[Atom]));
+  W.AtomType[Atom] = TextView(ShownText(W.AtomType[Atom]));
 }
 
 void FillAtomList(ListBox& List, const Array<Integer>& Atoms, int Count) {
   std::vector<Text> Items;
   Items.reserve(static_cast<std::size_t>(std::max(Count, 0)));
-  for (int Entry = 0; Entry < Count; ++Entry) Items.push_back(UpperCaseAtomEntry(Atoms[Entry]));
+  for (int Entry = 0; Entry < Count; ++Entry) Items.push_back(AtomEntryText(Atoms[Entry]));
   SetItems(List, std::move(Items));
 }
 
 void FillWithAllAtoms(ListBox& List) {
   std::vector<Text> Items;
-  for (int Number = 1; Number <= CountListedAtoms(); ++Number) Items.push_back(UpperCaseAtomEntry(Number));
+  for (int Number = 1; Number <= CountListedAtoms(); ++Number) Items.push_back(AtomEntryText(Number));
   SetItems(List, std::move(Items));
 }
 

@@ -37,9 +37,11 @@ int CountListedAtoms();
 // The element number of a listed atom, by its 1-based number.
 Integer ElementOfAtom(int AtomNumber);
 
-// Trims the element and the type of an atom in the atom table and puts them into upper case, and returns what a list
-// then says of it, as "M 1 A 3 C CT". Throws a Failure for a number that is no atom's.
-Text UpperCaseAtomEntry(int AtomNumber);
+// What a list says of an atom, as "M 1 A 3 C CT", element and type trimmed and in upper case. Throws a Failure for a
+// number that is no atom's.
+Text AtomEntryText(int AtomNumber);
+// Puts element and type of a listed atom into the atom table as they are shown; when a dialog is left by OK.
+void StoreEntryText(int AtomNumber);
 void FillAtomList(ListBox& List, const Array<Integer>& Atoms, int Count);
 void FillWithAllAtoms(ListBox& List);
 

@@ -198,10 +198,8 @@ bool SettleBeforeNext() {
 void Command7_Click() {
   if (Dialog.CurrentSet == NumSavedSets - 1 || !SettleBeforeNext()) return;
   ++Dialog.CurrentSet;
-  if (Dialog.CurrentSet >= Dialog.WorkSetCount) {
-    ++Dialog.WorkSetCount;
-    AppliedSize() = 0;
-  }
+  // A set that nobody has reached yet is empty, unless the host has left a gap before it.
+  if (Dialog.CurrentSet >= Dialog.WorkSetCount) ++Dialog.WorkSetCount;
   LoadAppliedSet();
   ShowSetNumber();
 }
@@ -266,6 +264,7 @@ void Command4_Click() {
       Take(W.EquivalentAtom(Set, Member), Dialog.WorkEquivalentAtom(Set, Member));
     }
   }
+  for (int Atom = 0; Atom < W.NumNMRAtoms; ++Atom) StoreEntryText(W.NMRAtom[Atom]);
   HideForm(Dialog.frmEquiv);
 }
 

@@ -206,6 +206,16 @@ void Command6_Click() {
   SetItems(Dialog.List2, {});
 }
 
+// The lists' texts go to the atom table.
+void StoreListedTexts() {
+  const WorkList& Work = WorkOfMode();
+  for (int Entry = 0; Entry < Work.Count; ++Entry) StoreEntryText(Work.Atom[Entry]);
+  const WorkList* Source = Candidates();
+  for (int Row = 0; Row < static_cast<int>(Dialog.List1.Items.size()); ++Row) {
+    StoreEntryText(Source == nullptr ? Row + 1 : int(Source->Atom[Row]));
+  }
+}
+
 // OK
 void Command4_Click() {
   try {
@@ -221,6 +231,7 @@ void Command4_Click() {
         Done = TakeLabelledAtoms(Dialog.Labelled);
     }
     if (!Done) return;
+    StoreListedTexts();
     WorkOfMode() = WorkList();
     HideForm(Dialog.frmSelect);
   } catch (const Failure& Problem) {

@@ -1,6 +1,7 @@
 #include "backend/Compute.h"
 
 #include <cstdio>
+#include <new>
 
 #include "backend/LevelReferences.h"
 #include "backend/ParamInput.h"
@@ -46,7 +47,7 @@ struct RunCancelled {};
 bool RunBackend(TextView Stage, const char* Purpose) {
   Long Process = 0;
   try {
-    Process = Platform.Shell(BackendCommandLine(Stage));
+    Process = Platform.Shell(BackendWords(Stage, Settings.NMRIniPath));
   } catch (const Failure& Problem) {
     ShowError(Join("Unable to run the backend: ", "<", Settings.CalcExeFile, Purpose, Problem.What, "."));
     return false;
@@ -98,14 +99,17 @@ bool RunStage2(const char* Purpose) {
   return true;
 }
 
-void EnterBusy() {
-  W.IsBusy = True;
-  SetBusy(False);
-}
-
-void LeaveBusy() {
-  W.IsBusy = False;
-  SetBusy(True);
+// Runs a stage. A failure that it has not met itself is told and makes it a failed one, so that the flags say so.
+template <class Routine>
+bool Runs(Routine Stage) {
+  try {
+    return Stage();
+  } catch (const Failure& Problem) {
+    WarnOfFailure(Problem);
+  } catch (const std::bad_alloc&) {
+    WarnOfFailure(Failure(failures::OutOfMemory));
+  }
+  return false;
 }
 
 // Runs a command's work in the busy state. One that is given up leaves the document as it was before: then the result
@@ -114,7 +118,7 @@ bool RunBusy(const std::function<void()>& Work) {
   const Trial Before = BeginTrial();
   KeepWork();
   bool Done = true;
-  EnterBusy();
+  const BusyState Busy;
   try {
     Work();
   } catch (const RunCancelled&) {
@@ -122,7 +126,6 @@ bool RunBusy(const std::function<void()>& Work) {
     ShowStatus("Calculation was cancelled.");
     Done = false;
   }
-  LeaveBusy();
   return Done;
 }
 
@@ -172,9 +175,10 @@ bool AcceptOptions() {
 
 }  // namespace
 
-Text BackendCommandLine(TextView Stage) {
-  return Join(Settings.CalcExeFile, " ", Settings.NMRParmPath, " ", Settings.NMRIniPath, " ", Stage, " ",
-              W.LogFilePath);
+std::vector<Text> BackendWords(TextView Stage, const Text& Folder) {
+  std::vector<Text> Words = {Settings.CalcExeFile, Settings.NMRParmPath, Folder, Text(Stage)};
+  if (!W.LogFilePath.empty()) Words.push_back(W.LogFilePath);
+  return Words;
 }
 
 Flag EmptyResultFile(const Text& Path) {
@@ -214,7 +218,7 @@ bool WaitForBackend(Long ProcessId) {
 void mnuComputeNMR_Click() {
   if (W.NumNMRAtoms == 0) return ShowError(NoNuclearSpins);
   RunBusy([] {
-    const bool Success = RunStage1("> ");
+    const bool Success = Runs([] { return RunStage1("> "); });
     if (Success) ShowStatus("Calculation has completed.");
     SetFlagsAfterStage1(Success);
   });
@@ -222,7 +226,7 @@ void mnuComputeNMR_Click() {
 }
 
 void mnuComputeSpectra_Click() {
-  const bool Done = RunBusy([] { SetFlagsAfterStage2(AcceptSize() && RunStage2("> ")); });
+  const bool Done = RunBusy([] { SetFlagsAfterStage2(AcceptSize() && Runs([] { return RunStage2("> "); })); });
   if (Done) IgnoreFailure(TransferVBX);  // a list that can't be scaled leaves the view as it was
   RefreshView();
 }
@@ -232,9 +236,9 @@ void mnuComputeAll_Click() {
   if (!AcceptOptions()) return;
   const bool Done = RunBusy([] {
     int DoneStages = 0;
-    if (RunStage1("> for computing the NMR shielding and/or coupling constants. ")) {
+    if (Runs([] { return RunStage1("> for computing the NMR shielding and/or coupling constants. "); })) {
       DoneStages = 1;
-      if (AcceptSize() && RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
+      if (AcceptSize() && Runs([] { return RunStage2("> for computing the NMR spectrum. "); })) DoneStages = 2;
     }
     SetFlagsAfterBoth(DoneStages);
   });
@@ -245,10 +249,10 @@ void mnuComputeAll_Click() {
 int ComputeStages(int Stages, const std::function<void()>& Between) {
   int DoneStages = 0;
   const bool Done = RunBusy([&] {
-    if (RunStage1("> for computing the NMR shielding and/or coupling constants. ")) {
+    if (Runs([] { return RunStage1("> for computing the NMR shielding and/or coupling constants. "); })) {
       DoneStages = 1;
       IgnoreFailure(Between);
-      if (Stages > 1 && RunStage2("> for computing the NMR spectrum. ")) DoneStages = 2;
+      if (Stages > 1 && Runs([] { return RunStage2("> for computing the NMR spectrum. "); })) DoneStages = 2;
     }
     SetFlagsAfterBoth(DoneStages);
   });

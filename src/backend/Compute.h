@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include "basic/Types.h"
 
@@ -20,7 +21,7 @@ int ComputeStages(int Stages, const std::function<void()>& Between);
 Flag EmptyResultFile(const Text& Path);
 // Blocks the command, not the window, until the process has ended, in whatever way. False: the user has given it up.
 bool WaitForBackend(Long ProcessId);
-// The command line of a stage, "1" or "2"; it ends in a blank when no log runs.
-Text BackendCommandLine(TextView Stage);
+// Program and arguments of a stage, as "1", that works in this folder; the log's path is the last one while a log runs.
+std::vector<Text> BackendWords(TextView Stage, const Text& Folder);
 
 }  // namespace zelvanor

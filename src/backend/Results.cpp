@@ -6,6 +6,7 @@
 #include "basic/Numbers.h"
 #include "platform/TextFiles.h"
 #include "settings/SettingsState.h"
+#include "shell/Frame.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
@@ -37,7 +38,8 @@ class ValueScanner {
     } else {
       Rest = TrimLeftBlanks(Rest.substr(Blank + 1));
     }
-    return PrefixNumber(Value);
+    // A tab is no separator and no part of a number.
+    return Value.starts_with('\t') ? 0.0 : PrefixNumber(Value);
   }
 
  private:
@@ -66,13 +68,9 @@ void RefuseErrorReport(TextView Line) {
 }
 
 void AllocateParamResults(Integer Count) {
-  W.ShieldTensor.ReDim(TensorValues * Count);  // first: its bound is the one that overflows
+  AllocateResults(Count);
   W.NMRAtom.ReDimPreserve(Count);
   W.NMRAtomicNumber.ReDimPreserve(Count);
-  W.Shielding.ReDim(Count);
-  W.ShieldingError.ReDim(Count);
-  W.ChemicalShift.ReDim(Count);
-  W.Coupling.ReDim(Count, Count);
 }
 
 void ReadShieldings() {
@@ -109,6 +107,11 @@ void ReadParamLines() {
   if (Count <= 0) {
     W.NumNMRAtoms = Count;
     ShowWarning(Join("There is no NMR atom selection.  The number of NMR atoms is ", W.NumNMRAtoms, "."));
+    throw ReadRefused();
+  }
+  if (Count > W.NumNMRAtoms) {
+    ShowWarning(Join("There are more NMR atoms in the results than were asked for.  The number of NMR atoms is ", Count,
+                     " instead of ", W.NumNMRAtoms, "."));
     throw ReadRefused();
   }
   AllocateParamResults(Count);
@@ -206,8 +209,10 @@ void AverageShieldings(const std::vector<int>& Members, int Size) {
     if (Members.back() > Values->UpperBound()) continue;
     Double Sum = 0;
     for (const int Atom : Members) Sum += (*Values)[Atom];
-    const Single Mean = ToSingle(Sum / Size);
-    for (const int Atom : Members) (*Values)[Atom] = Mean;
+    IgnoreFailure([&] {
+      const Single Mean = ToSingle(Sum / Size);
+      for (const int Atom : Members) (*Values)[Atom] = Mean;
+    });
   }
 }
 
@@ -218,8 +223,10 @@ void AverageOuterCouplings(const std::vector<int>& Members, int Size) {
     if (Inside[static_cast<std::size_t>(Outer)]) continue;
     Double Sum = 0;
     for (const int Atom : Members) Sum += Double{W.Coupling(Outer, Atom)} + W.Coupling(Atom, Outer);
-    const Single Mean = ToSingle(Sum / (2.0 * Size));
-    for (const int Atom : Members) W.Coupling(Outer, Atom) = W.Coupling(Atom, Outer) = Mean;
+    IgnoreFailure([&] {
+      const Single Mean = ToSingle(Sum / (2.0 * Size));
+      for (const int Atom : Members) W.Coupling(Outer, Atom) = W.Coupling(Atom, Outer) = Mean;
+    });
   }
 }
 
@@ -230,16 +237,19 @@ void AverageInnerCouplings(const std::vector<int>& Members, int Size) {
   for (const int First : Members) {
     for (const int Second : Members) Sum += W.Coupling(First, Second);
   }
-  const Single Mean = ToSingle(Sum / NumPairs);
-  for (const int First : Members) {
-    for (const int Second : Members) {
-      if (First != Second) W.Coupling(First, Second) = Mean;
+  IgnoreFailure([&] {
+    const Single Mean = ToSingle(Sum / NumPairs);
+    for (const int First : Members) {
+      for (const int Second : Members) {
+        if (First != Second) W.Coupling(First, Second) = Mean;
+      }
     }
-  }
+  });
 }
 
 }  // namespace
 
+// A mean beyond a Single is not stored: the values stay as they were.
 void AverageEquivalentResults() {
   // Shieldings of every set come first: the couplings take nothing from them, but a set may share members with another.
   std::vector<std::vector<int>> Members;

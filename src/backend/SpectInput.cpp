@@ -176,6 +176,7 @@ Flag FindSpinHalfNuclei() {
 
 Flag WriteSpectInput(const Text& Path) {
   bool Written = false;
+  bool Observed = false;
   try {
     if (IsSet(FindSpinHalfNuclei())) {
       LineWork.FileNumber = FreeFile();
@@ -183,17 +184,14 @@ Flag WriteSpectInput(const Text& Path) {
       ComputeChemicalShifts();
       WriteSites(KeepCounted(BuildSites()));
       CloseFile(LineWork.FileNumber);
+      Observed = AnyObserved();
+      if (!Observed) WarnOfNoObserved();
       Written = true;
     }
   } catch (const Failure&) {
     CloseFileQuietly(LineWork.FileNumber);
   }
-  if (!Written) {
-    ShowWarning(Join("Error writing the file ", Settings.SpectInputFile, "."));
-    return False;
-  }
-  const bool Observed = AnyObserved();
-  if (!Observed) WarnOfNoObserved();
+  if (!Written) ShowWarning(Join("Error writing the file ", Settings.SpectInputFile, "."));
   CountSpinHalfAtoms();
   return ToFlag(Observed);
 }

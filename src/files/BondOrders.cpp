@@ -170,8 +170,8 @@ void PairShortBonds(Valences& V) {
 }
 
 // A carbon that is left over takes the bond of an oxygen, sulphur or nitrogen, which becomes negative.
-bool MakeNegative(const BondGraph& Graph, Valences& V) {
-  for (const int Element : {int{Oxygen}, int{Sulphur}, int{Nitrogen}}) {
+bool MakeNegative(const BondGraph& Graph, Valences& V, std::initializer_list<int> Elements) {
+  for (const int Element : Elements) {
     for (const int Vertex : V.Pairs.Touched) {
       const auto Place = static_cast<std::size_t>(Vertex);
       const int Atom = V.AtomOf[Place];
@@ -194,7 +194,7 @@ void OpenSpare(Valences& V, int Atom, bool Open) {
 void PairLeftOver(const BondGraph& Graph, Valences& V, int Vertex) {
   const int Atom = V.AtomOf[static_cast<std::size_t>(Vertex)];
   if (Graph.Element(Atom) == Carbon) {
-    if (!FindMate(V.Pairs, Vertex) && MakeNegative(Graph, V)) return;
+    if (!FindMate(V.Pairs, Vertex) && MakeNegative(Graph, V, {Oxygen, Sulphur, Nitrogen})) return;
     for (int Other = 0; Other < Graph.Count(); ++Other) OpenSpare(V, Other, true);
     FindMate(V.Pairs, Vertex);
     for (int Other = 0; Other < Graph.Count(); ++Other) OpenSpare(V, Other, false);
@@ -202,8 +202,12 @@ void PairLeftOver(const BondGraph& Graph, Valences& V, int Vertex) {
   }
   // Others take it from a neighbour alone, as in a nitro group.
   for (const auto& Link : Graph.At(Atom)) OpenSpare(V, Link.Other, true);
-  FindMate(V.Pairs, Vertex);
+  const bool Found = FindMate(V.Pairs, Vertex);
   for (const auto& Link : Graph.At(Atom)) OpenSpare(V, Link.Other, false);
+  // At the end of a cyanate or thiocyanate the nitrogen keeps its triple bond.
+  if (!Found && Graph.Element(Atom) == Nitrogen && NumLinks(Graph, Atom) == 1 && !FindMate(V.Pairs, Vertex)) {
+    MakeNegative(Graph, V, {Oxygen, Sulphur});
+  }
 }
 
 void PairAll(const BondGraph& Graph, Valences& V) {
@@ -216,6 +220,12 @@ void PairAll(const BondGraph& Graph, Valences& V) {
   for (int Vertex = 0; Vertex < Vertices; ++Vertex) {
     if (IsFree(Vertex) && !FindMate(V.Pairs, Vertex)) Left.push_back(Vertex);
   }
+  // Who lacks most comes first: the middle of an azide shares its bonds out among both ends.
+  const auto Lacks = [&](int Vertex) {
+    const auto& Own = V.Open[static_cast<std::size_t>(V.AtomOf[static_cast<std::size_t>(Vertex)])];
+    return std::count_if(Own.begin(), Own.end(), IsFree);
+  };
+  std::stable_sort(Left.begin(), Left.end(), [&](int A, int B) { return Lacks(A) > Lacks(B); });
   for (const bool Carbons : {true, false}) {
     for (const int Vertex : Left) {
       const int Element = Graph.Element(V.AtomOf[static_cast<std::size_t>(Vertex)]);

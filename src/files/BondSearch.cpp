@@ -64,6 +64,26 @@ void RemoveHalf(BondGraph& Graph, int Atom, int Other) {
   std::erase_if(Graph.At(Atom), [Other](const BondGraph::Link& L) { return L.Other == Other; });
 }
 
+// Two borons with two hydrogens between them are held by these alone.
+void OpenBridgedBorons(BondGraph& Graph) {
+  constexpr int Boron = 5;
+  for (int Atom = 0; Atom < Graph.Count(); ++Atom) {
+    if (Graph.Element(Atom) != Boron) continue;
+    for (const BondGraph::Link& Link : std::vector<BondGraph::Link>(Graph.At(Atom))) {
+      if (Link.Other < Atom || Graph.Element(Link.Other) != Boron) continue;
+      const auto& Own = Graph.At(Atom);
+      const auto Bridges = std::count_if(Own.begin(), Own.end(), [&](const BondGraph::Link& L) {
+        const auto& Others = Graph.At(Link.Other);
+        return Graph.Element(L.Other) == 1 &&
+               std::any_of(Others.begin(), Others.end(), [&](const BondGraph::Link& M) { return M.Other == L.Other; });
+      });
+      if (Bridges < 2) continue;
+      RemoveHalf(Graph, Atom, Link.Other);
+      RemoveHalf(Graph, Link.Other, Atom);
+    }
+  }
+}
+
 void CutToLargestCoordination(BondGraph& Graph) {
   for (int Atom = 0; Atom < Graph.Count(); ++Atom) {
     auto& Links = Graph.At(Atom);
@@ -109,6 +129,7 @@ void FindBonds(BondGraph& Graph) {
   for (auto& Links : Graph.Links) {
     std::sort(Links.begin(), Links.end(), [](const auto& A, const auto& B) { return A.Other < B.Other; });
   }
+  OpenBridgedBorons(Graph);
   CutToLargestCoordination(Graph);
 }
 

@@ -112,7 +112,7 @@ ConverterAnswer RunConverter(std::vector<Text> Words, const Text& Output) {
   Words.insert(Words.begin(), {Program, "--out", Output, "--messages", Messages});
   WriteWholeFile(Output, "");
   WriteWholeFile(Messages, "");
-  const Long Handle = Platform.OpenProcess(Platform.StartProgram(Words));
+  const Long Handle = Platform.OpenProcess(Platform.Shell(Words));
   ProcessStatus Status;
   do {
     Platform.DoEvents();

@@ -72,6 +72,8 @@ void ReadEquivalentSets(const Text& Path, Integer FileNumber) {
     if (Line.starts_with(document::EquivalentSet)) {
       ++Set;
       W.NumEquivalentSets = Set;
+      // Those behind the sets that documents hold are not cleared with them.
+      if (Set <= W.EquivalentSetSize.UpperBound() + 1) W.EquivalentSetSize[Set - 1] = 0;
     } else if (Line.starts_with("mol")) {
       LineWork.TokenCount = Tokenize(Line);
       if (LineWork.TokenCount < EntryTokens) continue;
@@ -117,8 +119,10 @@ Flag ReadExtraSection(TextView Line) {
   return True;
 }
 
-// The sections behind the selections, in any order, to the end of the file.
+// The sections behind the selections, in any order, to the end of the file. What hangs on several of them is worked out
+// at the end.
 bool ReadSections(const Text& Path) {
+  bool AnySpectrum = false;
   while (!AtEnd(LineWork.FileNumber)) {
     const TextView Line = LineInput(LineWork.FileNumber);
     Flag Read = True;
@@ -130,10 +134,15 @@ bool ReadSections(const Text& Path) {
       Read = ReadShieldingCoupling(Path, LineWork.FileNumber);
     } else if (Line.starts_with(document::SpectraBegin)) {
       Read = ReadSpectra(Path, LineWork.FileNumber);
+      AnySpectrum = true;
     } else {
       Read = ReadExtraSection(Line);
     }
     if (!IsSet(Read)) return false;
+  }
+  if (AnySpectrum) {
+    CountSpinHalfAtoms();
+    ComputeChemicalShifts();
   }
   return true;
 }

@@ -23,16 +23,6 @@ Single ReadListValue(const Text& Token) {
   return StrictSingle(Value);
 }
 
-void AllocateResults() {
-  const int Count = std::max<int>(W.NumNMRAtoms, 0);
-  // First, since its bound is the one that overflows: nothing large is allocated for a count that is refused.
-  W.ShieldTensor.ReDim(TensorValues * Integer(Count));
-  W.Shielding.ReDim(Count);
-  W.ShieldingError.ReDim(Count);
-  W.ChemicalShift.ReDim(Count);
-  W.Coupling.ReDim(Count, Count);
-}
-
 enum class ResultsPart { None, Shielding, Tensor, Coupling };
 
 struct ResultsState {
@@ -184,7 +174,9 @@ bool ReadSpectraLines(Integer FileNumber) {
       State.Part = SpectraPart::Half;
     } else {
       TakeSpectraLine(State, Line, FileNumber);
-      if (State.Part == SpectraPart::Count && W.PeakCount < 1) return false;
+      if (State.Part != SpectraPart::Count || W.PeakCount >= 1) continue;
+      ShowWarning(Join("There are no peaks in the NMR spectrum.  The number of peaks is ", W.PeakCount, "."));
+      return false;
     }
   }
 }
@@ -194,7 +186,7 @@ bool ReadSpectraLines(Integer FileNumber) {
 Flag ReadShieldingCoupling(const Text& Path, Integer FileNumber) {
   Flag Result = False;
   try {
-    AllocateResults();
+    AllocateResults(std::max<int>(W.NumNMRAtoms, 0));
     ReadResultsLines(Path, FileNumber);
     Result = True;
   } catch (const Failure& Problem) {
@@ -209,6 +201,8 @@ Flag ReadSpectra(const Text& /*Path*/, Integer FileNumber) {
   try {
     W.NumSpinHalfNMRAtoms = W.NumNMRAtoms;
     if (!IsSet(W.SpectraAvailable)) W.PeakCount = 0;  // that of an earlier document
+    // A spectrum may stand in front of the results.
+    if (W.Shielding.UpperBound() < W.NumNMRAtoms) AllocateResults(W.NumNMRAtoms);
     if (!ReadSpectraLines(FileNumber)) return False;
     CountSpinHalfAtoms();
     if (IsSet(W.SpectraAvailable)) W.SpectResultsStale = False;

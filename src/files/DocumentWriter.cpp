@@ -113,25 +113,11 @@ Flag ReportFailure(Routine Body) {
   }
 }
 
-// A folder that takes no second file is no reason not to save; a disk that is full is.
-bool KeepFormerWherePossible(const Text& Path) {
-  try {
-    std::vector<TextView> LastLines = {document::SpectraEnd};
-    for (const ExtraSection& Section : ExtraSections()) LastLines.emplace_back(Section.End);
-    return KeepFormerContent(Path, LastLines);
-  } catch (const Failure& Problem) {
-    if (Problem.What == failures::DiskFull) throw;
-    return false;
-  }
-}
-
 Flag OpenAndWrite(const Text& Path) {
   const EndHeld Held;
-  bool Kept = false;
   try {
     LineWork.FileNumber = FreeFile();
-    Kept = KeepFormerWherePossible(Path);
-    OpenForOutput(Path, LineWork.FileNumber);
+    OpenForReplacement(Path, LineWork.FileNumber);
   } catch (const Failure&) {
     ShowWarning(Join("Zelvanor cannot open file ", Path, "."));
     return False;
@@ -139,7 +125,6 @@ Flag OpenAndWrite(const Text& Path) {
   try {
     if (WriteOpenDocument(Path)) {
       CloseFile(LineWork.FileNumber);
-      if (Kept) DropFormerContent(Path);
       W.DocumentDirty = False;
       NoteSaved();
       return True;
@@ -223,11 +208,11 @@ Flag WriteSpectra(const Text& /*Path*/, Integer FileNumber) {
 }
 
 Flag WriteDocument(const Text& Path) {
-  W.IsBusy = True;
-  SetBusy(False);
-  const Flag Result = OpenAndWrite(Path);
-  W.IsBusy = False;
-  SetBusy(True);
+  Flag Result = False;
+  {
+    const BusyState Busy;
+    Result = OpenAndWrite(Path);
+  }
   RefreshView();
   return Result;
 }

@@ -6,7 +6,7 @@
 namespace zelvanor {
 
 // Writes the Workspace as a document, in the busy state, and refreshes the view. Reports its failures. A document that
-// it replaces is kept beside it (same name with "~") until the new one is whole on the disk.
+// it replaces stays as it was until the new one is whole on the disk.
 Flag WriteDocument(const Text& Path);
 
 // Writes a second copy of it elsewhere: nothing is shown, and the document counts as saved or not as before. False: it

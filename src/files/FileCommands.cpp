@@ -101,6 +101,12 @@ void ReadOrigin() {
   }
 }
 
+// A name without an ending means a document, unless there is something of just this name.
+Text WithEnding(const Text& Path) {
+  const bool HasEnding = FileTitleOf(Path).find('.') != Text::npos;
+  return HasEnding || WhyUnreadable(Path) != failures::FileNotFound ? Path : Join(Path, ".", Extension);
+}
+
 // Chooses the origin and reads it. False for a file of no known kind: the Workspace is as it was.
 bool OpenFile(const Text& Path) {
   if (Path != AnyFile) {
@@ -127,11 +133,6 @@ int FirstViewWithContent() {
   if (IsSet(W.ShieldingAvailable)) return ShieldingView;
   if (IsSet(W.CouplingAvailable)) return CouplingView;
   return IsSet(W.SpectraAvailable) || W.MeasuredCount > 0 ? SpectrumViewMode : MoleculeView;
-}
-
-void LeaveBusy() {
-  W.IsBusy = False;
-  SetBusy(True);
 }
 
 void SetTitleFrom(const Text& Path) {
@@ -165,6 +166,7 @@ Text SuggestDocumentName(const Text& Path) {
 }
 
 Flag QuerySave() {
+  Fire(Rooms.EndTableEdit);
   if (W.DocumentDirty == False) return False;
   switch (AskYesNoCancel(Join("Save the changes to ", ShownName(), "?"))) {
     case BoxAnswer::Yes:
@@ -225,23 +227,22 @@ void mnuFileOpen_Click() {
                                .DefaultExtension = Extension,
                                .Save = false});
   if (!Chosen) return;
-  if (const Text Problem = WhyUnreadable(*Chosen); *Chosen != AnyFile && !Problem.empty()) {
-    ShowWarning(Join("Could not open file ", Quoted(*Chosen), " ", Problem, "."));
+  const Text Path = WithEnding(*Chosen);
+  if (const Text Problem = WhyUnreadable(Path); Path != AnyFile && !Problem.empty()) {
+    ShowWarning(Join("Could not open file ", Quoted(Path), " ", Problem, "."));
     return;
   }
-  W.IsBusy = True;
-  SetBusy(False);
-  try {
-    if (!OpenFile(*Chosen)) {
-      LeaveBusy();
-      RefreshView();
-      return;
+  bool Known = true;
+  {
+    const BusyState Busy;
+    try {
+      Known = OpenFile(Path);
+    } catch (const Failure& Problem) {
+      WarnOfFailure(Problem);
     }
-  } catch (const Failure& Problem) {
-    WarnOfFailure(Problem);
+    if (Known && AnythingRead()) SetTitleFrom(Path);
   }
-  if (AnythingRead()) SetTitleFrom(*Chosen);
-  LeaveBusy();
+  if (!Known) return RefreshView();
   W.ViewMode = FirstViewWithContent();
   if (IsSet(W.SpectraAvailable)) Fire(Rooms.TakeOpenedSpectrum);
   RefreshView();
@@ -249,10 +250,10 @@ void mnuFileOpen_Click() {
 
 bool TakeLeftWork(const LeftWork& Left) {
   if (QuerySave() != False) return false;
-  W.IsBusy = True;
-  SetBusy(False);
-  IgnoreFailure([&] { OpenFile(Left.File); });
-  LeaveBusy();
+  {
+    const BusyState Busy;
+    IgnoreFailure([&] { OpenFile(Left.File); });
+  }
   W.DocumentTitle = Left.DocumentTitle;
   W.DocumentPath = Left.DocumentPath;
   W.HostTextPath = Left.HostTextPath;

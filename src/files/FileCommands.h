@@ -7,7 +7,8 @@ namespace zelvanor {
 
 // The File menu's commands on the one document.
 
-// Guards unsaved work: 0 go on, -1 the user cancelled or a wanted save did not happen.
+// Guards unsaved work, a value just typed into a table included: 0 go on, -1 the user cancelled or a wanted save did
+// not happen.
 Flag QuerySave();
 
 // What a file holds, by the words its lines begin with.

@@ -51,6 +51,9 @@ bool IsEnd(TextView Word) { return IsDigit(Word[0]) && PrefixNumber(Word) < 1.0;
 // The element of a row's first word: a symbol or a number, with an isotope or a label behind it.
 int ElementOfWord(TextView Word, int Line) {
   if (IsDigit(Word[0])) {
+    // An isotope stands behind its element: 13C is no number.
+    const std::size_t Behind = Word.find_first_not_of("0123456789.");
+    if (Behind != TextView::npos && IsLetter(Word[Behind])) ThrowAtLine(Line, Join(Quoted(Word), " is no element"));
     const Double Number = std::floor(PrefixNumber(Word));
     if (Number >= BeyondNumbers) ThrowAtLine(Line, Join("there is no element ", Word));
     const int Element = static_cast<int>(Number);
@@ -199,15 +202,34 @@ void CheckReferences(const ZMatrixRow& Row, int Number) {
   }
 }
 
+bool AsksForSymmetry(TextView Line) {
+  const Words All = SplitRow(Line);
+  return std::any_of(All.begin(), All.end(), [](TextView Word) { return UpperCase(Word).starts_with("SYMM"); });
+}
+
+// Rows behind the matrix put values of some of its rows into others.
+void RefuseSymmetryData(Integer FileNumber, int Line) {
+  while (!AtEnd(FileNumber)) {
+    const TextView Content = TrimWhite(LineInput(FileNumber));
+    ++Line;
+    if (IsComment(Content)) continue;
+    if (!Content.empty() && IsDigit(Content[0])) {
+      ThrowAtLine(Line, "symmetry data can't be applied: give every row its own values, without SYMMETRY");
+    }
+    return;
+  }
+}
+
 // Passes the lines of keywords and titles. A keyword line that ends in "+" is followed by one more, and one with "&" by
 // one that takes the place of a title. Returns the number of lines.
-int PassHeader(Integer FileNumber) {
+int PassHeader(Integer FileNumber, bool& Symmetry) {
   int Lines = 0;
   bool Keywords = true;
   for (int Left = HeaderLines; Left > 0 && !AtEnd(FileNumber);) {
     const TextView Line = LineInput(FileNumber);
     ++Lines;
     if (IsComment(Line)) continue;
+    Symmetry = Symmetry || (Keywords && AsksForSymmetry(Line));
     const bool More = Keywords && HasWord(Line, "+");
     Keywords = More || (Keywords && HasWord(Line, "&"));
     if (!More) --Left;
@@ -225,7 +247,8 @@ ZMatrixRows ReadZMatrixRows(const Text& Path) {
   OpenForInput(Path, LineWork.FileNumber);
   ZMatrixRows Rows;
   try {
-    int Line = PassHeader(LineWork.FileNumber);
+    bool Symmetry = false;
+    int Line = PassHeader(LineWork.FileNumber, Symmetry);
     while (!AtEnd(LineWork.FileNumber)) {
       const TextView Content = LineInput(LineWork.FileNumber);
       ++Line;
@@ -235,6 +258,7 @@ ZMatrixRows ReadZMatrixRows(const Text& Path) {
       if (Rows.size() == MostRows) ThrowAtLine(Line, Join("there are more than ", Long{MostRows}, " rows"));
       Rows.push_back(ReadRow(All, Line, static_cast<int>(Rows.size()) + 1));
     }
+    if (Symmetry) RefuseSymmetryData(LineWork.FileNumber, Line);
     TellKinds(Rows);
     for (std::size_t Row = 0; Row < Rows.size(); ++Row) CheckReferences(Rows[Row], static_cast<int>(Row) + 1);
   } catch (const Failure&) {

@@ -20,6 +20,8 @@ WorkspaceState& W = Workspace;
 // What stands for the source in the messages of the host text reader.
 constexpr const char* SystemTitle = "System from Morvantis";
 
+bool SelectionSaved = false;  // by the Get at hand
+
 // An answer that is to be read as a value comes without its item's name in front.
 Text RequestWithoutTag(const Text& Item) {
   HostExecute("[query-response-has-tag no]");
@@ -77,10 +79,9 @@ void TakeHostSystem() {
     return;
   }
   W.MoleculeLoaded = True;
+  W.DocumentDirty = True;  // whatever the host does from here on
   ShowStatus("Getting NMR atoms from Morvantis...");
-  GetHostAtomSets();
-  if (W.NumNMRAtoms != 0) W.NMRAtomsValid = True;
-  W.DocumentDirty = True;
+  GetHostAtomSets(SelectionSaved);
 }
 
 }  // namespace
@@ -99,10 +100,10 @@ Flag GetSystemFromHost() {
     if (UpperCase(RequestWithoutTag("molecular-mechanics-method")) != "AMBER") {
       HostExecute("[molecular-mechanics-method amber]");
     }
-    const bool Saved = SaveHostSelection();
+    SelectionSaved = SaveHostSelection();
     const Text System = CopyHostSystem();
     HostExecute("[select-none]");
-    if (Saved) HostExecute(Text("[select-name ") + SavedSelection + "]");
+    if (SelectionSaved) HostExecute(Text("[select-name ") + SavedSelection + "]");
     const Long Count = CountTextLines(System);
     if (static_cast<std::size_t>(Count) > MostHostLines) throw Failure(failures::OutOfMemory);
     W.HostTextLine = SplitTextLines(System, Count);
@@ -117,12 +118,11 @@ Flag GetSystemFromHost() {
 
 void mnuFileGet_Click() {
   if (QuerySave() != False) return;
-  W.IsBusy = True;
-  SetBusy(False);
-  // A failure that nothing has reported leaves what has been done so far.
-  IgnoreFailure(TakeHostSystem);
-  W.IsBusy = False;
-  SetBusy(True);
+  {
+    const BusyState Busy;
+    // A failure that nothing has reported leaves what has been done so far.
+    IgnoreFailure(TakeHostSystem);
+  }
   W.ViewMode = MoleculeView;
   RefreshView();
 }

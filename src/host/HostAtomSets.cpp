@@ -28,6 +28,8 @@ struct HostAtom {
   Integer Molecule;
 };
 
+bool SelectionTouched = false;  // of the host, for the sets
+
 Double RequestNumber(const Text& Item) { return PrefixNumber(HostRequest(Item)); }
 
 Text RequestSelectionName(Long Number) { return HostRequest(Join("named-selection-name ", Number)); }
@@ -41,6 +43,7 @@ bool FindSelection(Long NumSelections, TextView Name) {
 }
 
 void SelectInHost(TextView Name) {
+  SelectionTouched = true;
   HostExecute("[select-none]");
   HostExecute(Join("[select-name ", Name, "]"));
 }
@@ -76,15 +79,9 @@ void ReadNMRAtoms(Long NumSelections) {
   if (!FindSelection(NumSelections, NMRName)) return;
   SelectInHost(NMRName);
   const Integer NumSelected = ToInteger(RequestNumber("selected-atom-count"));
-  const Integer NumTensorValues =
-      TensorValues * NumSelected;  // too many atoms end here, before anything large is allocated
-  if (NumTensorValues < 0) throw Failure(failures::Subscript);
+  AllocateResults(NumSelected);
   W.NMRAtom.ReDim(NumSelected);
   W.NMRAtomicNumber.ReDim(NumSelected);
-  W.Shielding.ReDim(NumSelected);
-  W.ShieldingError.ReDim(NumSelected);
-  W.ChemicalShift.ReDim(NumSelected);
-  W.Coupling.ReDim(NumSelected, NumSelected);
   W.NumNMRAtoms = NumSelected;
   for (int Place = 0; Place < W.NumNMRAtoms; ++Place) {
     const HostAtom Atom = ReadSelectedAtom(Place + 1);
@@ -109,6 +106,11 @@ SetOutcome ReadEquivalentSet(const Text& Name) {
     return SetOutcome::ScanEnds;
   }
   const Integer Set = ToInteger(Place);
+  if (W.EquivalentSetSize[Set] > 0) {
+    ShowError(Join("Selection ", Name, " stands for equivalent set ", Set + 1,
+                   ", which another selection has given already.  Set ignored."));
+    return SetOutcome::Dropped;
+  }
   SelectInHost(Name);
   const Double NumSelected = RequestNumber("selected-atom-count");
   if (NumSelected > LargestSet) {
@@ -131,16 +133,14 @@ SetOutcome ReadEquivalentSet(const Text& Name) {
 void ReadEquivalentSets(Long NumSelections) {
   for (int Set = 0; Set < NumSavedSets; ++Set) W.EquivalentSetSize[Set] = 0;
   W.NumEquivalentSets = 0;
-  Integer NumTaken = 0;
   std::set<Text> Seen;  // of two selections with one name the first counts
   for (Long Number = 1; Number <= NumSelections; ++Number) {
     const Text Name = RequestSelectionName(Number);
     if (!Name.starts_with(EquivalentPrefix) || !Seen.insert(Name).second) continue;
     const SetOutcome Outcome = ReadEquivalentSet(Name);
     if (Outcome == SetOutcome::ScanEnds) break;
-    if (Outcome == SetOutcome::Taken) ++NumTaken;
+    if (Outcome == SetOutcome::Taken) ++W.NumEquivalentSets;
   }
-  W.NumEquivalentSets = NumTaken;
 }
 
 void ReadSets(Long NumSelections) {
@@ -148,18 +148,20 @@ void ReadSets(Long NumSelections) {
   ReadNMRAtoms(NumSelections);
   ReadEquivalentSets(NumSelections);  // looks its members up among the NMR atoms
   ReadPlainSet(NumSelections, LabelledName, W.NumLabelledAtoms, W.LabelledAtom);
-  W.NMRAtomsValid = ToFlag(W.NumNMRAtoms > 0);
 }
 
-void RestoreSelection(Long NumSelections) {
+// A saved selection of an earlier time is not the user's.
+void RestoreSelection(Long NumSelections, bool SelectionSaved) {
   for (Long Number = 1; Number <= NumSelections; ++Number) {
-    if (RequestSelectionName(Number) == SavedSelection) SelectInHost(SavedSelection);
+    if (RequestSelectionName(Number) == SavedSelection && SelectionSaved) SelectInHost(SavedSelection);
   }
+  if (!SelectionSaved && SelectionTouched) HostExecute("[select-none]");
 }
 
 }  // namespace
 
-void GetHostAtomSets() {
+void GetHostAtomSets(bool SelectionSaved) {
+  SelectionTouched = false;
   Long NumSelections = 0;
   bool AnyNamed = true;
   IgnoreFailure([&] {
@@ -173,7 +175,8 @@ void GetHostAtomSets() {
     }
     ReadSets(NumSelections);
   });
-  if (AnyNamed) RestoreSelection(NumSelections);
+  W.NMRAtomsValid = ToFlag(W.NumNMRAtoms > 0);
+  if (AnyNamed) RestoreSelection(NumSelections, SelectionSaved);
 }
 
 }  // namespace zelvanor

@@ -103,10 +103,9 @@ void ShowMeasured() {
 }  // namespace
 
 bool OpenMeasured(const Text& Path) {
-  W.IsBusy = True;
-  SetBusy(False);
   Text Problem;
   try {
+    const BusyState Busy;
     MeasuredSpectrum Source = ReadMeasuredFile(Path);
     Processing By = ProcessingFor(Source);
     if (Source.IsFid) FindPhases(TransformToSpectrum(Source, By), By);
@@ -119,8 +118,6 @@ bool OpenMeasured(const Text& Path) {
   } catch (const Failure& Met) {
     Problem = Met.What;
   }
-  W.IsBusy = False;
-  SetBusy(True);
   if (!Problem.empty()) {
     ShowWarning(Join("Could not take the measured spectrum from ", Path, ": ", Problem, "."));
     return false;

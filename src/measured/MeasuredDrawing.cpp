@@ -42,11 +42,7 @@ Colour WordsColour() { return IsDark(Main.Spectrum1.BackColor) ? Rgb(200, 200, 2
 Colour MarkColour() { return V.Monochrome != 0 ? Black : V.SelectionClr; }
 
 // Broken columns; shifts that are far out stay finite.
-Double ColumnOf(Double Ppm) {
-  const Double Range = V.ViewHigh - V.ViewLow;
-  const Double Frequency = -Ppm * V.SpectrometerMHz - V.HorizontalOffset;
-  return Divide((Frequency - V.ViewLow) * int(V.ViewWidth), Range);
-}
+Double ColumnOf(Double Ppm) { return ColumnOfFrequency(-Ppm * V.SpectrometerMHz); }
 
 int PresentArrangement() { return HasMeasured() && IsSet(W.SpectraAvailable) ? int(MeasuredView.Arrangement) : 0; }
 

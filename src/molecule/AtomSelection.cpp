@@ -18,8 +18,6 @@ namespace {
 WorkspaceState& W = Workspace;
 MainForm& M = Main;
 
-constexpr int SelectMode = 1;
-
 // The place of an atom in the selection, -1 for none.
 int FindSelected(int Atom) {
   for (int Place = 0; Place < M.NumSelectedAtoms; ++Place) {
@@ -103,6 +101,20 @@ void ForgetSelection() {
   M.NumSelectedAtoms = 0;
   M.SelectedAtom.ReDim(0);
   M.SelectedAtomColor.ReDim(0);
+}
+
+void CarrySelectionOver(RenderControl& Control) {
+  const int Count = GetAtomCount(Control);
+  int Kept = 0;
+  for (int Place = 0; Place < M.NumSelectedAtoms; ++Place) {
+    const int Atom = M.SelectedAtom[Place];
+    if (Atom >= Count) continue;
+    SetThisAtom(Control, Atom);
+    M.SelectedAtom[Kept] = Atom;
+    M.SelectedAtomColor[Kept++] = GetAtomColor(Control);
+    SetAtomColor(Control, Settings.SelectionColor);
+  }
+  M.NumSelectedAtoms = Kept;
 }
 
 void MarkSelection(RenderControl& Control) {

@@ -14,6 +14,8 @@ void SelectAllAtoms(RenderControl& Control);
 void UnselectAllAtoms(RenderControl& Control);
 // Empties the list of atoms that are no more, and restores nothing.
 void ForgetSelection();
+// The control holds another system: the list stays, the atoms of its indices are marked, those beyond it are dropped.
+void CarrySelectionOver(RenderControl& Control);
 // Gives every selected atom the selection colour that is now in force.
 void MarkSelection(RenderControl& Control);
 

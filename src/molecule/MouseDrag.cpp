@@ -15,9 +15,6 @@ namespace {
 MoleculeViewState& V = ShownMolecule;
 RenderControl& View = Main.MolRender1;
 
-constexpr int RotateMode = 2;
-constexpr int TranslateMode = 3;
-
 // A drag over this share of MouseViewSize doubles the magnification, as four notches of the wheel do.
 constexpr Double DoublingShare = 0.25;
 constexpr Double DoublingNotches = 4;

@@ -122,7 +122,6 @@ void TakeSystem() {
   // What is half taken in when a step fails is no system: the next time begins anew.
   V.TakenPlaces.clear();
   V.TakenStructure.clear();
-  ForgetSelection();
   SetAtomCount(Control, 0);
   RepaintRender(Control);
   if (!Image.Places.empty()) {
@@ -130,9 +129,11 @@ void TakeSystem() {
       TakeAtoms(Control, Image);
     } catch (const Failure&) {
       SetAtomCount(Control, 0);
+      ForgetSelection();
       throw;
     }
   }
+  CarrySelectionOver(Control);
   V.TakenPlaces = std::move(Image.Places);
   V.TakenStructure = std::move(Image.Structure);
 }

@@ -43,12 +43,6 @@ constexpr StageFiles Stages[] = {
 
 bool IsStage(const std::string& Word) { return Word == "1" || Word == "2" || Word == "4"; }
 
-std::string JoinArguments(const std::vector<std::string>& Arguments, std::size_t First, std::size_t End) {
-  std::string Joined;
-  for (std::size_t K = First; K < End; ++K) Joined += (K > First ? " " : "") + Arguments[K];
-  return Joined;
-}
-
 std::string PathIn(const std::string& Directory, const std::string& Name) {
   const bool Ends = Directory.empty() || Directory.back() == '/' || Directory.back() == '\\';
   return Directory + (Ends ? "" : "/") + Name;
@@ -150,23 +144,13 @@ void KeepFreedMemory() {
 }  // namespace
 
 CommandLine ParseCommandLine(const std::vector<std::string>& Arguments) {
-  std::size_t StagePlace = 2;
-  while (StagePlace < Arguments.size() && !IsStage(Arguments[StagePlace])) ++StagePlace;
-  if (StagePlace >= Arguments.size()) throw zelvanor::Failure(Usage);
-  CommandLine Command{.ParameterDirectory = JoinArguments(Arguments, 0, 1),
-                      .WorkDirectory = JoinArguments(Arguments, 1, StagePlace),
-                      .Stage = Arguments[StagePlace][0] - '0',
-                      .LogPath = JoinArguments(Arguments, StagePlace + 1, Arguments.size())};
-  for (std::size_t Cut = 1; Cut < StagePlace; ++Cut) {
-    std::error_code Error;
-    const std::string Left = JoinArguments(Arguments, 0, Cut);
-    const std::string Right = JoinArguments(Arguments, Cut, StagePlace);
-    if (!std::filesystem::is_directory(Left, Error) || !std::filesystem::is_directory(Right, Error)) continue;
-    Command.ParameterDirectory = Left;
-    Command.WorkDirectory = Right;
-    break;
-  }
-  return Command;
+  constexpr std::size_t WithoutLog = 3;
+  const bool Right = Arguments.size() == WithoutLog || Arguments.size() == WithoutLog + 1;
+  if (!Right || !IsStage(Arguments[2])) throw zelvanor::Failure(Usage);
+  return {.ParameterDirectory = Arguments[0],
+          .WorkDirectory = Arguments[1],
+          .Stage = Arguments[2][0] - '0',
+          .LogPath = Arguments.size() > WithoutLog ? Arguments[WithoutLog] : std::string()};
 }
 
 int RunCommand(const CommandLine& Command) {

@@ -16,8 +16,7 @@ struct CommandLine {
   std::string LogPath;  // empty: no log
 };
 
-// Arguments without the program's name. A caller that does not quote cuts a path at its blanks; the pieces are joined
-// again as far as the directories exist. Throws Failure with the usage.
+// Arguments without the program's name. Throws Failure with the usage.
 CommandLine ParseCommandLine(const std::vector<std::string>& Arguments);
 
 // Runs the stage: input file of the work directory to its output file. The output is written whole, at the end; a

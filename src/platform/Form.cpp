@@ -40,6 +40,7 @@ void ShowModal(Form& Target) {
   {
     const ModalPlace Place(Target);
     SetVisible(Target, True);
+    Fire(Target.Open);
     Fire(Target.Activate);
     if (IsSet(Target.Visible)) Platform.RunModal(Target);
   }

@@ -36,6 +36,7 @@ struct Form : Control {
   int HelpContext = 0;
   bool Loaded = false;
   Event Load;      // once, before it is shown for the first time
+  Event Open;      // each time it is shown, before Activate
   Event Activate;  // each time it is shown, and when a modal form over it has gone
   Event Resize;
   std::function<void(Flag& Cancel)> QueryUnload;

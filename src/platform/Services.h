@@ -90,9 +90,9 @@ struct PlatformServices {
   std::function<Text()> PrepareUserFiles;
   std::function<Text()> WinIniPath;
 
-  std::function<Long(const Text& CommandLine)> Shell;                // starts a process; its id; throws a Failure
-  std::function<Long(const std::vector<Text>& Words)> StartProgram;  // the same, its words told apart
-  std::function<Long(Long ProcessId)> OpenProcess;                   // a handle, 0 for none
+  // Starts a process, from its program and the arguments behind it; its id; throws a Failure.
+  std::function<Long(const std::vector<Text>& Words)> Shell;
+  std::function<Long(Long ProcessId)> OpenProcess;  // a handle, 0 for none
   std::function<ProcessStatus(Long Handle)> GetExitCodeProcess;
   std::function<void(Long Handle)> StopProcess;  // with all that it has started; its end is still to be waited for
 

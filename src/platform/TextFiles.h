@@ -1,7 +1,5 @@
 #pragma once
 
-#include <span>
-
 #include "basic/Types.h"
 
 namespace zelvanor {
@@ -26,6 +24,10 @@ Integer FreeFile();
 void OpenForInput(const Text& Path, Integer FileNumber);
 // Creates the file, or empties the one that is there.
 void OpenForOutput(const Text& Path, Integer FileNumber);
+// What is written stands beside the file and takes its place when CloseFile finds it whole and on the disk; until then,
+// and after any failure, the file is as it was. In a folder that takes no second file the file itself is written, by
+// CloseFile alone. A link stays one; pipes and devices are written as they stand.
+void OpenForReplacement(const Text& Path, Integer FileNumber);
 
 bool AtEnd(Integer FileNumber);
 // The next line without its end; it stays valid until the file is closed. Throws "Input past end of file".
@@ -38,7 +40,7 @@ void PrintLine(Integer FileNumber, TextView Line);
 
 // Writes what is left and closes. Closing a number that is not open does nothing.
 void CloseFile(Integer FileNumber);
-// The same where a failure has been met already: no further one is reported.
+// The same where a failure has been met already: no further one is reported, and a replacement is dropped.
 void CloseFileQuietly(Integer FileNumber);
 
 // Nothing where there is none, or it can't be removed.
@@ -48,13 +50,5 @@ void RemoveFile(const Text& Path);
 Text WhyUnreadable(const Text& Path);
 // Whether something that is no folder can be opened there for reading.
 Flag FileExists(const Text& Path);
-
-// Copies a regular file to its own path with "~" behind it, so that a failed replacement loses nothing; does nothing
-// for other kinds of file and for one that is not there. A copy that stands there already stays where it ends with a
-// line that begins with one of LastLines and the file does not: a failed save has left the file half. True when there
-// is a copy now. Throws when it can't be made.
-bool KeepFormerContent(const Text& Path, std::span<const TextView> LastLines);
-// Makes sure of the file's new content, then removes the copy. Throws where the disk has not taken the content.
-void DropFormerContent(const Text& Path);
 
 }  // namespace zelvanor

@@ -11,12 +11,14 @@
 
 namespace zelvanor {
 
+std::function<void()> BeforeDispatch;
 std::function<void()> AfterDispatch;
 
 namespace {
 
 bool Ended = false;
 int NumPauses = 0;
+int Depth = 0;  // of events within events
 
 void RunReportingFailures(const std::function<void()>& Work) {
   try {
@@ -41,12 +43,14 @@ bool IsUnderHelp(const Control& Target) {
 
 void Dispatch(const std::function<void()>& Work) {
   if (Ended) return;
+  if (Depth++ == 0 && BeforeDispatch) BeforeDispatch();
   try {
     RunReportingFailures(Work);
   } catch (const ProgramEnded&) {
     Ended = true;
     QCoreApplication::exit(0);
   }
+  --Depth;
   if (!Ended && AfterDispatch) AfterDispatch();
 }
 

@@ -10,7 +10,9 @@ namespace zelvanor {
 // box, and where the program ends itself, every event loop is left.
 void Dispatch(const std::function<void()>& Work);
 
-// Runs after every dispatched event, to bring up to date what hangs on the document as a whole.
+// Run before a dispatched event, unless it comes within another, and after every one, to bring up to date what hangs on
+// the document as a whole.
+extern std::function<void()> BeforeDispatch;
 extern std::function<void()> AfterDispatch;
 
 bool ProgramHasEnded();

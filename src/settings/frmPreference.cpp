@@ -85,12 +85,12 @@ void ShowRows(const ColourRow (&Rows)[N], bool Monochrome) {
 void CheckMonoChrome_Click() { ShowRows(SpectrumRows, P.CheckMonoChrome.Value != 0); }
 void CheckMolMonoChrome_Click() { ShowRows(MoleculeRows, P.CheckMolMonoChrome.Value != 0); }
 
-// Before the first OK the molecule's colours are those in force.
+// Before the first OK the molecule's colours are those in force, which nmr.ini has given.
 void TakeMoleculeColors() {
   const bool Confirmed = IsSet(S.PrefMoleculeSet);
   P.WorkBackColor = Confirmed ? S.PrefBackColor : Preferences.GetMoleculeBackground();
-  P.WorkMolSelectColor = Confirmed ? S.PrefMolSelectColor : S.MolSelectColor;
-  P.WorkLabelColor = Confirmed ? S.PrefLabelColor : Black;
+  P.WorkMolSelectColor = Confirmed ? S.PrefMolSelectColor : S.SelectionColor;
+  P.WorkLabelColor = Confirmed ? S.PrefLabelColor : Preferences.GetLabelColor();
 }
 
 void Form_Load() {
@@ -111,7 +111,7 @@ void Form_Activate() {
   SetValue(P.CheckMolMonoChrome, S.MolMonochrome);
   if (S.MolMonochrome == 0) SetBackColor(P.PicLabelColor, P.WorkLabelColor);
   SetBackColor(P.PicBackColor, Preferences.GetMoleculeBackground());
-  SetBackColor(P.PicMolSelectColor, S.MolSelectColor);
+  SetBackColor(P.PicMolSelectColor, S.SelectionColor);
   SetBackColor(P.PicGraphColor, Preferences.GetGraphClr());
   SetBackColor(P.PicSelectionColor, Preferences.GetSelectionClr());
   SetBackColor(P.PicEnvelopColor, Preferences.GetEnvelop());

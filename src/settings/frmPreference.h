@@ -17,6 +17,7 @@ struct PreferenceHooks {
   std::function<void(Integer)> SetMonochrome;
   std::function<void(Colour)> SetSpectrumBackground;
   std::function<Colour()> GetMoleculeBackground;
+  std::function<Colour()> GetLabelColor;
   std::function<void()> TakeMoleculePreferences;  // the molecule's colours and monochrome choice are new
   std::function<void()> RefreshView;
 };

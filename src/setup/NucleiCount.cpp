@@ -66,6 +66,19 @@ void AssignFreeAtoms(int From, int End) {
   }
 }
 
+// A set holds NMR atoms alone.
+void CutEquivalentSets() {
+  const auto Atoms = W.NMRAtom.Span().first(static_cast<std::size_t>(int(W.NumNMRAtoms)));
+  for (int Set = 0; Set < NumSavedSets; ++Set) {
+    int Kept = 0;
+    for (int Member = 0; Member < W.EquivalentSetSize[Set]; ++Member) {
+      const Integer Atom = W.EquivalentAtom(Set, Member);
+      if (std::ranges::find(Atoms, Atom) != Atoms.end()) W.EquivalentAtom(Set, Kept++) = Atom;
+    }
+    W.EquivalentSetSize[Set] = Kept;
+  }
+}
+
 // An NMR atom lies in the quantum region where there is one.
 void ExtendQuantumRegion() {
   std::unordered_set<int> Region;
@@ -101,7 +114,7 @@ void ResizeNMRAtoms(Integer Count) {
   ResizeResults(Old, Count);
   SetResultFlags(Count);
   if (W.NumAtoms < Count) ExtendForResults();
-  if (Count <= Old) return;
+  if (Count <= Old) return CutEquivalentSets();
   for (int Place = Old; Place < Count; ++Place) W.NMRAtom[Place] = 0;
   AssignFreeAtoms(Old, std::min<int>(Count, W.NumAtoms));
   if (Count > W.NumAtoms) {
@@ -116,7 +129,8 @@ void LabelHeavyNuclei() {
   W.LabelledAtom.ReDim(W.NumNMRAtoms);
   for (int Place = 0; Place < W.NumNMRAtoms; ++Place) {
     const int Element = W.NMRAtomicNumber[Place];
-    if (Element != 6 && Element != 7) continue;
+    // Oxygen where it is the observed nucleus: no other isotope of it has a spin.
+    if (Element != 6 && Element != 7 && (Element != 8 || !IsObservedNucleus(8, true, W.SpectraType))) continue;
     W.LabelledAtom[W.NumLabelledAtoms] = W.NMRAtom[Place];
     ++W.NumLabelledAtoms;
   }

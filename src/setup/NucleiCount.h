@@ -9,7 +9,7 @@ namespace zelvanor {
 // coordinates of the spectrum's element. Throws a Failure, with nothing changed, for more than the results can hold.
 void ResizeNMRAtoms(Integer Count);
 
-// Without a molecule the carbon and nitrogen NMR atoms are the labelled ones.
+// Without a molecule the carbon and nitrogen NMR atoms are the labelled ones, and the oxygens of an oxygen spectrum.
 void LabelHeavyNuclei();
 
 }  // namespace zelvanor

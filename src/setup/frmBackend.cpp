@@ -183,8 +183,7 @@ Text RunBackendIn(const Text& Folder, TextView Stage, const char* Output) {
   Text Answer;
   try {
     std::filesystem::remove(OutputPath);
-    WaitForBackend(Platform.Shell(
-        Join(Settings.CalcExeFile, " ", Settings.NMRParmPath, " ", Folder, " ", Stage, " ", Workspace.LogFilePath)));
+    WaitForBackend(Platform.Shell(BackendWords(Stage, Folder)));
     Answer = ReadWholeFile(OutputPath);
   } catch (const Failure& Problem) {
     Answer = Join("ERRMSG: ", Problem.What, ".");

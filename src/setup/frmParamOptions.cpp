@@ -35,7 +35,7 @@ struct ParamOptionsForm {
   CommandButton Command2{&frmParamOptions, "Command2"};
 };
 
-// The six options as they were when the dialog was last activated.
+// The six options as they were when the dialog was opened.
 struct OptionCopies {
   Text SemiEmpiricalMethod;
   Flag IncludeDOrbitalsForSecondRow = False;
@@ -43,6 +43,7 @@ struct OptionCopies {
   Flag ComputeThreeCenterTerms = False;
   Flag CalculateShielding = False;
   Integer CalculateCoupling;
+  bool HadResults = false;
 };
 
 ParamOptionsForm Dialog;
@@ -51,9 +52,17 @@ bool Showing = false;  // the controls follow the options: nothing is written ba
 
 void SetBox(CheckBox& Box, bool Checked) { SetValue(Box, Checked ? 1 : 0); }
 
-void TakeCopies() {
-  Copies = {W.SemiEmpiricalMethod,     W.IncludeDOrbitalsForSecondRow, W.ModifySlaterExponents,
-            W.ComputeThreeCenterTerms, W.CalculateShielding,           ToInteger(W.CalculateCoupling)};
+bool HasResults() { return IsSet(W.ShieldingAvailable) || IsSet(W.CouplingAvailable) || IsSet(W.SpectraAvailable); }
+
+// When the dialog is shown, not when one that it has opened gives way to it again.
+void Form_Open() {
+  Copies = {W.SemiEmpiricalMethod,
+            W.IncludeDOrbitalsForSecondRow,
+            W.ModifySlaterExponents,
+            W.ComputeThreeCenterTerms,
+            W.CalculateShielding,
+            ToInteger(W.CalculateCoupling),
+            HasResults()};
 }
 
 void ShowOptions() {
@@ -68,7 +77,6 @@ void ShowOptions() {
 }
 
 void Form_Activate() {
-  TakeCopies();
   AtomSets.AtomSetDialogReload = True;
   Showing = true;
   ShowOptions();
@@ -136,6 +144,11 @@ void Command2_Click() {
   Restore(W.ComputeThreeCenterTerms, Copies.ComputeThreeCenterTerms);
   Restore(W.CalculateShielding, Copies.CalculateShielding);
   Restore(W.CalculateCoupling, int(Copies.CalculateCoupling));
+  // Other NMR atoms stand, and have cost the results of the former ones.
+  if (Copies.HadResults && !HasResults()) {
+    W.ViewMode = MoleculeView;
+    RefreshView();
+  }
   HideForm(Dialog.frmParamOptions);
 }
 
@@ -166,6 +179,7 @@ void BuildParamOptionsForm() {
   SetUpButton(D.Command6, "&Labelled Atoms...", [] { ShowAtomSets(LabelledMode); });
   SetUpButton(D.Command7, "&Equivalent Atoms...", ShowEquivalentSets);
   SetUpOkAndCancel(D.Command1, "OK", Command1_Click, D.Command2, Command2_Click);
+  D.frmParamOptions.Open = Form_Open;
   D.frmParamOptions.Activate = Form_Activate;
   D.frmParamOptions.Layout =
       ColumnOf({RowOf({ColumnOf({GroupOf("Semiempirical Method",

@@ -46,6 +46,7 @@ struct SCFForm {
 };
 
 SCFForm Dialog;
+bool Showing = false;  // the fields follow the options: whatever a document has given is shown, and OK judges it
 
 void Form_Activate() {
   Dialog.Accelerate = W.SCFAccelerateConvergence;
@@ -54,11 +55,13 @@ void Form_Activate() {
   Dialog.Charge = W.TotalCharge;
   Dialog.Multiplicity = W.SpinMultiplicity;
   Dialog.KeyAccepted = True;
+  Showing = true;
   SetText(Dialog.Text1, GeneralForm(Dialog.ConvergenceLimit));
   SetText(Dialog.Text4, GeneralForm(Dialog.IterationLimit));
   SetText(Dialog.Text2, GeneralForm(Dialog.Charge));
   SetText(Dialog.Text3, GeneralForm(Dialog.Multiplicity));
   SetValue(Dialog.Check3D1, IsSet(Dialog.Accelerate) ? 1 : 0);
+  Showing = false;
 }
 
 void WarnOfConvergenceLimit() {
@@ -75,6 +78,7 @@ void WarnOfIterationLimit() {
 
 // Zero passes, so that 0.01 can be typed; OK refuses it.
 void Text1_Change() {
+  if (Showing) return;
   const Double Value = PrefixNumber(Dialog.Text1.Value);
   if (Value >= 0 && Value < ConvergenceEnd) {
     Dialog.ConvergenceLimit = ToSingle(Value);
@@ -86,6 +90,7 @@ void Text1_Change() {
 }
 
 void Text4_Change() {
+  if (Showing) return;
   const Double Value = RoundEven(PrefixNumber(Dialog.Text4.Value));
   if (Value >= 1 && Value <= LargestIterationLimit) {
     Dialog.IterationLimit = ToInteger(Value);
@@ -107,6 +112,7 @@ void RefuseCharge() {
 }
 
 void Text2_Change() {
+  if (Showing) return;
   try {
     if (!IsSet(Dialog.KeyAccepted)) {
       Dialog.KeyAccepted = True;
@@ -123,6 +129,7 @@ void Text2_Change() {
 }
 
 void Text3_Change() {
+  if (Showing) return;
   const Double Value = PrefixNumber(Dialog.Text3.Value);
   if (Value == Dialog.Multiplicity) return;
   if (Value >= 1 && Value <= LargestMultiplicity) {

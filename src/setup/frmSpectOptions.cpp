@@ -1,5 +1,7 @@
 #include "setup/frmSpectOptions.h"
 
+#include <cmath>
+
 #include "basic/NumberText.h"
 #include "basic/Numbers.h"
 #include "platform/Form.h"
@@ -19,6 +21,7 @@ WorkspaceState& W = Workspace;
 constexpr Double LargestFrequency = 1000000;  // MHz
 constexpr const char* DefaultFrequency = "100";
 constexpr int ManyNuclei = 50;
+constexpr int LargestCount = 32767;  // of an Integer
 
 struct SpectOptionsForm {
   Form frmSpectOptions{"frmSpectOptions"};
@@ -40,6 +43,8 @@ struct SpectOptionsForm {
 };
 
 SpectOptionsForm Dialog;
+bool Showing = false;   // the fields follow the options: nothing is judged until the user types
+bool HasTaken = false;  // a refused OK has taken something over already
 
 void Form_Load() { SetItems(Dialog.combo1, ListReferenceNames()); }
 
@@ -47,8 +52,11 @@ void Form_Activate() {
   Dialog.Type = W.SpectraType;
   Dialog.Frequency = W.NMRFrequency;
   Dialog.Nuclei = W.NumNMRAtoms;
+  HasTaken = false;
+  Showing = true;
   SetText(Dialog.Text1, GeneralForm(Dialog.Frequency));
   SetText(Dialog.Text3, GeneralForm(Dialog.Nuclei));
+  Showing = false;
   SetListIndex(Dialog.combo1, Dialog.Type);
   SetValue(Dialog.Check1, IsSet(W.WeakCouplingApproximation) ? 1 : 0);
 }
@@ -56,6 +64,7 @@ void Form_Activate() {
 void combo1_Click() { Dialog.Type = Dialog.combo1.ListIndex; }
 
 void Text1_Change() {
+  if (Showing) return;
   const Double Value = PrefixNumber(Dialog.Text1.Value);
   if (Value >= 0 && Value <= LargestFrequency) {
     Dialog.Frequency = ToLong(Value);
@@ -88,15 +97,17 @@ bool AcceptVirtualMolecule(Number Nuclei) {
 }
 
 void TakeNuclei(Double Value) {
-  if (Value < 0) {
-    ShowWarning(Join(Value, ": invalid number of nuclei (NMR atoms)."));
-    Dialog.Nuclei = ToInteger(Value);
-    return SetFocus(Dialog.Text3);
-  }
-  if (Value > ManyNuclei) {
-    // A warning and no limit.
-    ShowWarning(Join(Value, " nuclei (NMR atoms) may be too large for Zelvanor to compute the NMR spectrum."));
-    Dialog.Nuclei = ToInteger(Value);
+  if (Value < 0 || Value > ManyNuclei) {
+    // A warning and no limit, as long as a count holds the number.
+    const bool Holds = std::fabs(Value) <= LargestCount;
+    ShowWarning(Join(Holds ? GeneralForm(Value) : Dialog.Text3.Value,
+                     Value < 0 ? ": invalid number of nuclei (NMR atoms)."
+                               : " nuclei (NMR atoms) may be too large for Zelvanor to compute the NMR spectrum."));
+    if (Holds) {
+      Dialog.Nuclei = ToInteger(Value);
+    } else {
+      SetText(Dialog.Text3, GeneralForm(Dialog.Nuclei));
+    }
     return SetFocus(Dialog.Text3);
   }
   if (Value > W.NumAtoms && IsSet(W.MoleculeLoaded) && !AcceptVirtualMolecule(Value)) return PutNucleiBack();
@@ -104,6 +115,7 @@ void TakeNuclei(Double Value) {
 }
 
 void Text3_Change() {
+  if (Showing) return;
   if (!IsSet(Dialog.KeyAccepted)) {
     Dialog.KeyAccepted = True;
     ShowWarning(Join(Dialog.Text3.Value, " is not valid.  Please enter a positive integer."));
@@ -111,13 +123,7 @@ void Text3_Change() {
   }
   const Double Value = PrefixNumber(Dialog.Text3.Value);
   if (Value == Dialog.Nuclei) return;
-  try {
-    TakeNuclei(Value);
-  } catch (const Failure& Problem) {
-    // A number that no count holds: the field goes back to the count in force.
-    WarnOfFailure(Problem);
-    SetText(Dialog.Text3, GeneralForm(Dialog.Nuclei));
-  }
+  TakeNuclei(Value);
 }
 
 void Spin1_SpinDown() {
@@ -158,6 +164,7 @@ bool TakeOptions() {
     SetFocus(Dialog.Text3);
     return false;
   }
+  HasTaken = true;
   W.WeakCouplingApproximation = ToFlag(Dialog.Check1.Value != 0);
   Take(W.NMRFrequency, Dialog.Frequency);
   Take(W.SpectraType, Dialog.Type);
@@ -188,7 +195,17 @@ void Command1_Click() {
   HideForm(Dialog.frmSpectOptions);
 }
 
-void Command2_Click() { HideForm(Dialog.frmSpectOptions); }
+// Cancel. What a refused OK has taken over stands, and commands and views go by it.
+void Command2_Click() {
+  if (HasTaken) {
+    if (IsSet(W.SpectResultsStale)) {
+      W.SpectraAvailable = False;
+      if (W.ViewMode == SpectrumViewMode) ChooseView();
+    }
+    RefreshView();
+  }
+  HideForm(Dialog.frmSpectOptions);
+}
 
 void SetUpFields() {
   auto& D = Dialog;

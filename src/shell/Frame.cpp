@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <exception>
 
 #include "basic/Numbers.h"
 #include "shell/HelpTopics.h"
@@ -76,7 +77,7 @@ void UpdateViewControls(const Available& Has, int View) {
 void UpdateMouseTools(const Available& Has, int View) {
   const bool Usable = View == MoleculeView && Has.Molecule;
   for (int Tool : {ToolRotate, ToolSelect, ToolTranslate}) Enable(Main.picToolbar[Tool], Usable);
-  if (Usable && Main.MouseMode == 2) SetPressed(Main.picToolbar[ToolRotate], True);
+  if (Usable && Main.MouseMode == RotateMode) SetPressed(Main.picToolbar[ToolRotate], True);
 }
 
 }  // namespace
@@ -144,12 +145,29 @@ void RefreshView() {
   }
 }
 
-void SetBusy(Flag Ready) {
+namespace {
+void ShowReady(Flag Ready) {
   for (MenuItem* Menu : {&Main.mnuFile, &Main.mnuEdit, &Main.mnuView, &Main.mnuSetup, &Main.mnuCompute}) {
     SetEnabled(*Menu, Ready);
   }
   Platform.SetPointer(IsSet(Ready) ? MousePointer::Default : MousePointer::Hourglass);
+}
+}  // namespace
+
+void SetBusy(Flag Ready) {
+  ShowReady(Ready);
   Platform.DoEvents();
+}
+
+BusyState::BusyState() : Exceptions(std::uncaught_exceptions()) {
+  W.IsBusy = True;
+  SetBusy(False);
+}
+
+BusyState::~BusyState() noexcept(false) {
+  W.IsBusy = False;
+  ShowReady(True);
+  if (std::uncaught_exceptions() == Exceptions) Platform.DoEvents();
 }
 
 void MenuHelp(TextView Caption) {

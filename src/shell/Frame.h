@@ -18,6 +18,7 @@ struct FrameRooms {
   std::function<void()> UpdateAtomLabels;                   // of the molecule view, for the present atom table
   std::function<void()> TakeOpenedSpectrum;                 // a document that holds a spectrum has been opened
   std::function<void(bool NewPeaks)> ShowRestored;          // undo or redo has put another document in place
+  std::function<void()> EndTableEdit;                       // a value typed into a table counts as entered
   std::function<void()> FitMolecule;                        // to the surface
   std::function<void(int Degrees)> TurnMolecule;            // about z
   std::function<bool(int KeyCode, int Shift)> SpectrumKey;  // true: the spectrum view has taken the key
@@ -47,6 +48,18 @@ void UpdateCommands(int View);
 // Turns the menus on and shows the default pointer (Ready -1), or turns them off and shows the hourglass (0); then lets
 // pending window events run once. The help menu stays.
 void SetBusy(Flag Ready);
+
+// The busy state of a long command, for as long as it lives: IsBusy is set and the menus are off. However its scope is
+// left they come on again; window events run then unless it is an exception that leaves.
+struct BusyState {
+  BusyState();
+  ~BusyState() noexcept(false);
+  BusyState(const BusyState&) = delete;
+  BusyState& operator=(const BusyState&) = delete;
+
+ private:
+  int Exceptions;  // under way when it began
+};
 
 // Shows the help text of the first menu item with this caption; nothing for an unknown one or one without text.
 void MenuHelp(TextView Caption);

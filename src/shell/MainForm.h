@@ -27,6 +27,9 @@ enum ToolIndex {
   ToolTranslate,
 };
 
+// What the mouse does in the molecule view.
+enum MouseModes { SelectMode = 1, RotateMode = 2, TranslateMode = 3 };
+
 // The main window: the frame of every command.
 struct MainForm {
   Form frmNMR{MainFormName};
@@ -125,8 +128,8 @@ struct MainForm {
   int ToolbarHeight = TwipsFromPixels(30);
   Text ToolHelp[NumToolButtons];
   Text HelpFile;
-  Integer LinkMode;       // 1: the host may open a conversation on the window
-  Integer MouseMode = 2;  // in the molecule view: 1 select atoms, 2 rotate, 3 translate
+  Integer LinkMode;  // 1: the host may open a conversation on the window
+  Integer MouseMode = RotateMode;
   Integer AtomLabelMode;  // what the labels of the molecule view say, 0..5
 
   // The selection in the molecule view: 0-based atom indices in the order of picking, and the colours they had before.

@@ -14,9 +14,9 @@ struct MouseTool {
 };
 
 constexpr MouseTool MouseTools[] = {
-    {ToolRotate, 2, "L-drag for 3-D rotation, R-drag for in-plane rotation."},
-    {ToolSelect, 1, "L-click to select, R-click to unselect."},
-    {ToolTranslate, 3, "L-drag mouse to translate, R-drag mouse vertically to magnify."},
+    {ToolRotate, RotateMode, "L-drag for 3-D rotation, R-drag for in-plane rotation."},
+    {ToolSelect, SelectMode, "L-click to select, R-click to unselect."},
+    {ToolTranslate, TranslateMode, "L-drag mouse to translate, R-drag mouse vertically to magnify."},
 };
 
 void ChooseMouseTool(const MouseTool& Chosen) {

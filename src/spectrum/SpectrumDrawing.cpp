@@ -78,7 +78,7 @@ Double FillEnvelope(const PeakRange& Range, int NumColumns) {
   const auto Part = [&](const Array<Single>& Values) { return Values.Span().subspan(First, Count); };
   const EnvelopePeaks Peaks{Part(W.PeakFrequency), Part(V.PeakWork1), Part(V.PeakWork2)};
   const std::span<Double> Samples = std::span(V.EnvelopeSamples).first(static_cast<std::size_t>(NumColumns));
-  const Double Start = V.HorizontalOffset + V.ViewLow;
+  const Double Start = FrequencyOfColumn(0);
   const Double Step = GetHighLow() / NumColumns;
   if (IsSet(V.UseGaussian)) {
     SumGaussians(Peaks, Start, Step, Samples);
@@ -98,6 +98,7 @@ void TakePeakList(bool Negate) {
   }
   V.Zooms.clear();
   NewFrequencyLimits();
+  V.HorizontalOffset = 0;
   V.ViewLow = V.FullLow;
   V.ViewHigh = V.FullHigh;
   FindCenterFrequency();
@@ -109,6 +110,7 @@ void TakePeakList(bool Negate) {
   V.ListPeakCount = V.ViewPeakCount;
   FitHorizontalScale();
   ComputeLineWidths(true);
+  SetValue(Main.HScroll1, 0);
 }
 
 }  // namespace
@@ -169,7 +171,7 @@ struct LabelRow {
     constexpr int Gap = 4;
     const int Room = Width - TextPixels(Label);
     const int Place = std::clamp(X - LeftOfTick, 0, std::max(Room, 0));
-    if (Room < 0 || Place < FreeFrom) return;
+    if (X < 0 || X >= Width || Room < 0 || Place < FreeFrom) return;
     PrintAt(Context, Place * TwipsPerPixelX, Y * TwipsPerPixelY, Label, Pen);
     FreeFrom = Place + TextPixels(Label) + Gap;
   }
@@ -179,7 +181,7 @@ void DrawTicks(DrawingContext& Context, Colour Axis, int Width, int Height) {
   // Far more ticks than columns say that the limits are no spectrum's.
   constexpr Double MostTicks = 100000.0;
   constexpr std::int64_t TicksPerLabel = 10;
-  const Double Low = V.HorizontalOffset + V.ViewLow;
+  const Double Low = FrequencyOfColumn(0);
   const Double High = V.HorizontalOffset + V.ViewHigh;
   const Double Range = Divide(High - Low, V.SpectrometerMHz);
   const Double Step = ChooseTickStep(Range);

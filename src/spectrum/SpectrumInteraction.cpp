@@ -21,7 +21,7 @@ WorkspaceState& W = Workspace;
 // A drag of this many pixels is a zoom, a shorter one a pick.
 constexpr int LeastDragPixels = 4;
 constexpr Double WidthPerBarStep = 0.005;
-// A window under this many MHz-ths, that is 0.001 ppm, does not change the scale.
+// A window under this many ppm does not change the scale.
 constexpr Double LeastZoomPpm = 0.001;
 
 bool IsPickedInList() { return V.PickedPeak >= 0 && V.PickedPeak < V.ListPeakCount; }
@@ -85,13 +85,8 @@ void ShowBand() {
   Band.Y2 = V.BandEndY / TwipsPerPixelY;
 }
 
-// The inverse of FGetPeakRX, panning included; Hz in the view's sign.
-Double FrequencyAtColumn(Long Pixel) {
-  return Divide((Pixel + V.HorizontalOffset * V.HorizontalScale) * GetHighLow(), int(V.ViewWidth)) + V.ViewLow;
-}
-
 void IntegrateBand(Long From, Long To) {
-  const auto Readout = [](Long Twips) { return ToSingle(-FrequencyAtColumn(ToLong(Double(Twips) / TwipsPerPixelX))); };
+  const auto Readout = [](Long Twips) { return ToSingle(-FrequencyOfColumn(ToLong(Double(Twips) / TwipsPerPixelX))); };
   IgnoreFailure([&] { IntegrateRange(Readout(From), Readout(To)); });
   if (!Additions.RangeChosen) return;
   const auto Ppm = [&](Long Twips) { return Divide(Readout(Twips), V.SpectrometerMHz); };
@@ -164,15 +159,11 @@ void HScroll2_Change() {
 void ZoomIn(Long& Low, Long& High) {
   Low = ToLong(Double(Low) / TwipsPerPixelX);
   High = ToLong(Double(High) / TwipsPerPixelX);
-  const auto FrequencyAt = [](Long Pixel) {
-    return Divide(Pixel + Double(V.HorizontalOffset), V.HorizontalScale) + V.ViewLow;
-  };
-  const Double Width = FrequencyAt(High) - FrequencyAt(Low);
+  const Double NewLow = FrequencyOfColumn(Low);
+  const Double NewHigh = FrequencyOfColumn(High);
+  const Double Width = NewHigh - NewLow;
   const Double Scale = V.HorizontalScale;
   if (std::fabs(V.SpectrometerMHz * LeastZoomPpm) <= Width) V.HorizontalScale = Divide(int(V.ViewWidth), Width);
-  const Double Step = Divide(GetHighLow(), int(V.ViewWidth));
-  const Double NewLow = Step * Low + V.ViewLow;
-  const Double NewHigh = Step * High + V.ViewLow;
   Spectrum1_ZoomChanged(NewLow, NewHigh);
   V.Zooms.push_back({V.ViewLow, V.ViewHigh, Scale});
   V.ViewLow = NewLow;
@@ -269,7 +260,7 @@ void IntegrateRange(Single Low, Single High) {
   Text Name = W.ReferenceElementName[W.SpectraType];
   std::transform(Name.begin(), Name.end(), Name.begin(),
                  [](char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C - 'A' + 'a') : C; });
-  const auto Ppm = [](Single Frequency) { return FormatNumber(Divide(-Double{Frequency}, W.NMRFrequency), "0.000"); };
+  const auto Ppm = [](Single Frequency) { return FormatNumber(Divide(Double{Frequency}, W.NMRFrequency), "0.000"); };
   ShowReadout(Join("Integrated intensity from ", Ppm(Low), " to ", Ppm(High), " ppm equivalent to ",
                    FormatNumber(Equivalent, "0.0"), " ", Name, "(s)."));
 }

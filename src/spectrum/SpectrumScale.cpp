@@ -109,11 +109,17 @@ void NewMaxIntensity() {
 Double GetFrequencyRange() { return V.LoadedHigh - V.LoadedLow; }
 Double GetHighLow() { return V.ViewHigh - V.ViewLow; }
 
+Double ColumnOfFrequency(Double Frequency) {
+  return Divide((Frequency - V.ViewLow - V.HorizontalOffset) * int(V.ViewWidth), GetHighLow());
+}
+
+Double FrequencyOfColumn(Double Column) {
+  return Divide(Column * GetHighLow(), int(V.ViewWidth)) + V.ViewLow + V.HorizontalOffset;
+}
+
 Long FGetPeakRX(Double Frequency) {
   constexpr Double Farthest = 1.0e9;
-  const Double Column = Divide((Frequency - V.ViewLow) * int(V.ViewWidth), V.ViewHigh - V.ViewLow) -
-                        V.HorizontalOffset * V.HorizontalScale;
-  return ToLong(std::clamp(Column, -Farthest, Farthest));
+  return ToLong(std::clamp(ColumnOfFrequency(Frequency), -Farthest, Farthest));
 }
 
 void UpdateSpectrometer(Long Frequency) { V.SpectrometerFrequency = Frequency; }
@@ -133,7 +139,6 @@ void FollowSurface() {
 void FitHorizontalScale() {
   const Double Range = GetHighLow();
   if (Range > LeastRange) V.HorizontalScale = int(V.ViewWidth) / Range;
-  V.HorizontalOffset = ToLong((V.ViewLow - V.FullLow) * V.HorizontalScale);
 }
 
 namespace {
@@ -194,16 +199,14 @@ void ShowSpectrumView() {
   IgnoreFailure(DrawSpectra);
 }
 
-void BeginSpectrumResize() { TakeViewSize(); }
-
-void EndSpectrumResize() {
+void ResizeSpectrum() {
+  TakeViewSize();
   FitHorizontalScale();
-  if (V.HorizontalScale == 0.0 || V.ViewLow == 0.0 || V.ViewHigh == 0.0) return;
-  // A step away and back runs the bar's handler, which redraws; at its upper end the step goes down.
-  ScrollBar& Bar = Main.HScroll1;
-  const int Value = Bar.Value;
-  SetValue(Bar, Value == std::max(Bar.Min, Bar.Max) ? Value - 1 : Value + 1);
-  SetValue(Bar, Value);
+  V.HorizontalOffset = -Main.HScroll1.Value;
+  if (V.ViewLow == V.ViewHigh) return;
+  IgnoreFailure(NewMaxIntensity);
+  IgnoreFailure([] { ComputeLineWidths(true); });
+  if (W.ViewMode == SpectrumViewMode) RefreshView();
 }
 
 }  // namespace zelvanor

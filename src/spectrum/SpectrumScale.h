@@ -20,7 +20,12 @@ void NewMaxIntensity();
 // LoadedHigh - LoadedLow, and ViewHigh - ViewLow, in Hz.
 Double GetFrequencyRange();
 Double GetHighLow();
-// The pixel column of a frequency; one that is farther out than a pixel count reaches stands at the end of the range.
+// Pixel columns of the surface and frequencies (Hz, in the view's sign) of the window as it is panned, one the inverse
+// of the other: everything that stands on the surface or is pointed at goes by these two.
+Double ColumnOfFrequency(Double Frequency);
+Double FrequencyOfColumn(Double Column);
+// The pixel column of a frequency, rounded; one that is farther out than a pixel count reaches stands at the end of the
+// range.
 Long FGetPeakRX(Double Frequency);
 // The spectrometer's frequency; the view takes its own copy with each peak list.
 void UpdateSpectrometer(Long Frequency);
@@ -28,14 +33,13 @@ void UpdateSpectrometer(Long Frequency);
 void TakeViewSize();
 // The scales for a surface that has got another width, the window being the same.
 void FollowSurface();
-// HorizontalScale and HorizontalOffset for the window; the scale only for one wider than 1 Hz.
+// HorizontalScale for the window, for one wider than 1 Hz.
 void FitHorizontalScale();
 
 // Brings the view up. A failure of one step is passed over and the next runs.
 void ShowSpectrumView();
 
-// The steps of a window's resizing that belong to the spectrum: before and after the controls are placed.
-void BeginSpectrumResize();
-void EndSpectrumResize();
+// What a window's resizing means for the spectrum, once the controls are placed: scales, envelope and drawing.
+void ResizeSpectrum();
 
 }  // namespace zelvanor

@@ -32,12 +32,10 @@ struct SpectrumViewState {
   Double ViewLow = 0;  // limits of the window, before panning
   Double ViewHigh = 0;
   Double CenterFrequency = 0;
-  Double MaxIntensity = 0;   // 1.2 times the tallest line in the window
-  Double VerticalScale = 0;  // pixels per unit of intensity
-  Double EnvelopeScale = 0;  // pixels per unit of envelope
-  // Panning. The bar and the drawing take it as Hz that are added to both limits of the window, the routines that fit
-  // the window to the scale as pixels.
-  Long HorizontalOffset = 0;
+  Double MaxIntensity = 0;         // 1.2 times the tallest line in the window
+  Double VerticalScale = 0;        // pixels per unit of intensity
+  Double EnvelopeScale = 0;        // pixels per unit of envelope
+  Long HorizontalOffset = 0;       // Hz, panning: added to both limits of the window
   Double HorizontalScale = 0;      // pixels per Hz
   Double SpectrometerMHz = 0;      // of the peak list at hand
   Long SpectrometerFrequency = 0;  // MHz, as last told

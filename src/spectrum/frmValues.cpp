@@ -110,7 +110,7 @@ void LayOutValues() {
 }
 
 void Command1_Click() { HideForm(Values.frmValues); }
-void Command3_Click() { CopyValuesSelection(); }
+void Command3_Click() { CopyValuesSelection(Values.Grid1); }
 
 }  // namespace
 
@@ -137,7 +137,7 @@ void mnuViewValues_Click() {
   if (W.ViewMode == ShieldingView) {
     SetCaption(Values.frmValues, "Shielding Tensor");
     Values.frmValues.HelpContext = TensorHelp;
-    Filled = ShowShieldTensor();
+    Filled = ShowShieldTensor(Values.Grid1);
   } else if (W.ViewMode == SpectrumViewMode) {
     SetCaption(Values.frmValues, "Spectral Values");
     Values.frmValues.HelpContext = SpectralValuesHelp;
@@ -162,7 +162,7 @@ void BuildValuesForm() {
   Values.Command1.IsCancel = true;
   Values.Command1.Click = Command1_Click;
   Values.Command2.Caption = "&Plot";
-  Values.Command2.Click = PlotValues;
+  Values.Command2.Click = [] { PlotValues(Values.Grid1); };
   Values.Command3.Caption = "&Copy";
   Values.Command3.Click = Command3_Click;
   Values.frmValues.Layout =

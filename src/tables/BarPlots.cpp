@@ -1,7 +1,6 @@
 #include "tables/BarPlots.h"
 
 #include "shell/Frame.h"
-#include "spectrum/frmValues.h"
 #include "tables/TableViews.h"
 #include "tables/frmGraph.h"
 #include "workspace/Helpers.h"
@@ -96,7 +95,7 @@ int PlotTableSelection() {
   return Plotted;
 }
 
-int PlotValuesSelection() { return PlotSelection(ValuesGrid(), true); }
+int PlotValuesSelection(GridControl& Grid) { return PlotSelection(Grid, true); }
 
 void mnuView2DBar_Click() {
   if (PlotTableSelection() == NotPlotted) return;
@@ -109,10 +108,10 @@ void mnuView3DBar_Click() {
   DrawAndShow(ChartDeepBars);
 }
 
-void PlotValues() {
+void PlotValues(GridControl& Grid) {
   if (W.ViewMode == ShieldingView) WriteMember(Graph(), ChartTitle, "Shielding Tensor");
   if (W.ViewMode == SpectrumViewMode) WriteMember(Graph(), ChartTitle, "Spectrum");
-  if (PlotValuesSelection() == Plotted) DrawAndShow(ChartDeepBars);
+  if (PlotValuesSelection(Grid) == Plotted) DrawAndShow(ChartDeepBars);
 }
 
 }  // namespace zelvanor

@@ -2,7 +2,6 @@
 
 #include "platform/Services.h"
 #include "shell/Frame.h"
-#include "spectrum/frmValues.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
@@ -36,7 +35,8 @@ Text SelectionText(GridControl& Grid, int NumHeaderRows) {
   return Result;
 }
 
-bool HasSelection(const GridControl& Grid) { return Grid.SelEndCol >= Grid.SelStartCol; }
+// A table that was never filled has nothing to copy.
+bool HasSelection(const GridControl& Grid) { return Grid.SelEndCol >= Grid.SelStartCol && Grid.Revision > 0; }
 
 void Report(const Failure& Problem, TextView End) {
   if (Problem.What != failures::CannotPerform) ShowError(Join(CopyProblem, Problem.What, End));
@@ -53,10 +53,9 @@ Flag CopyTableSelection() {
   return True;
 }
 
-Flag CopyValuesSelection() {
+Flag CopyValuesSelection(GridControl& Grid) {
   try {
     Platform.SetClipboard("");
-    GridControl& Grid = ValuesGrid();
     Text Value;
     if (HasSelection(Grid)) {
       const int Row = Grid.Row;
@@ -73,17 +72,16 @@ Flag CopyValuesSelection() {
 
 void mnuCopy_Click() {
   ShowStatus("Copy the image to the clipboard.");
-  W.IsBusy = True;
-  SetBusy(False);
   const int Row = Main.ShieldTable.Row;
   const int Col = Main.ShieldTable.Col;
-  if (IsSet(Main.Spectrum1.Visible)) {
-    ShowMessage("Use alt-shift-printscreen to copy spectra to clipboard");
-  } else {
-    CopyTableSelection();
+  {
+    const BusyState Busy;
+    if (IsSet(Main.Spectrum1.Visible)) {
+      ShowMessage("Use alt-shift-printscreen to copy spectra to clipboard");
+    } else {
+      CopyTableSelection();
+    }
   }
-  W.IsBusy = False;
-  SetBusy(True);
   UpdateCommands(W.ViewMode);
   if (IsSet(Main.Spectrum1.Visible) || IsSet(Main.MolRender1.Visible)) return;
   IgnoreFailure([&] { SetCurrentCell(Main.ShieldTable, Row, Col); });

@@ -1,7 +1,6 @@
 #include "tables/ShieldTensor.h"
 
 #include "basic/NumberText.h"
-#include "spectrum/frmValues.h"
 #include "tables/AtomLabels.h"
 #include "tables/TableViews.h"
 #include "workspace/Helpers.h"
@@ -63,9 +62,9 @@ void FillGrid(GridControl& Grid) {
 
 }  // namespace
 
-Flag ShowShieldTensor() {
+Flag ShowShieldTensor(GridControl& Grid) {
   try {
-    FillGrid(ValuesGrid());
+    FillGrid(Grid);
     return True;
   } catch (const Failure&) {
     ShowWarning("Error showing the shielding tensor.");

@@ -29,32 +29,55 @@ struct CurrentCell {
   }
 };
 
-// Stores the current cell's text as the number it begins with. A number beyond all bounds is not stored.
-void StoreCurrentCell(int View) {
-  IgnoreFailure([View] {
+// Stores the current cell's text as the number it begins with. A number beyond all bounds is refused: false.
+bool StoreCurrentCell(int View) {
+  E.EditView = -1;
+  try {
     const Single Value = ToSingle(PrefixNumber(CellText(Table(), Table().Row, Table().Col)));
     if (View == ShieldingView) {
       W.Shielding[Table().Col - 1] = Value;
       ForgetShieldingError(Table().Col - 1);
     }
     if (View == CouplingView) W.Coupling(Table().Row - 1, Table().Col - 1) = Value;
-  });
-  E.EditView = -1;
+    return true;
+  } catch (const Failure& Problem) {
+    WarnOfFailure(Problem);
+    return false;
+  }
 }
 
-// A spectrum does not outlive the values it was made from.
-void RefreshTable() {
+void FillTable() {
+  if (W.ViewMode == ShieldingView) ShowShieldingTable();
+  if (W.ViewMode == CouplingView) ShowCouplingTable();
+}
+
+// After a value has been stored, or refused: then the table alone gets its old text back. A spectrum does not outlive
+// the values it was made from.
+void FinishEdit(bool Stored) {
   const CurrentCell Before;
-  if (IsSet(W.SpectraAvailable)) {
+  if (Stored && IsSet(W.SpectraAvailable)) {
     W.SpectraAvailable = False;
     RefreshView();
-  } else if (W.ViewMode == ShieldingView) {
-    ShowShieldingTable();
-  } else if (W.ViewMode == CouplingView) {
-    ShowCouplingTable();
+  } else {
+    FillTable();
   }
-  W.DocumentDirty = True;
+  if (Stored) W.DocumentDirty = True;
   Before.ComeBack();
+}
+
+// Stores the open edit's cell, wherever the current cell is by now; false when the value was refused.
+bool StoreOpenEdit() {
+  // First of all: the moves below fire the event of a move again.
+  E.EditFirstKey = True;
+  E.EditActive = False;
+  const CurrentCell Present;
+  bool Stored = false;
+  IgnoreFailure([&Stored] {
+    SetCurrentCell(Table(), E.EditRow, E.EditCol);
+    Stored = StoreCurrentCell(E.EditView);
+  });
+  Present.ComeBack();
+  return Stored;
 }
 
 bool IsDigitOrPoint(int Key) { return Key == '.' || (Key >= '0' && Key <= '9'); }
@@ -64,10 +87,10 @@ void GoOnEditing(int Key) {
     const Text Former = CellText(Table(), Table().Row, Table().Col);
     return SetCellText(Table(), Table().Row, Table().Col, Former + static_cast<char>(Key));
   }
-  StoreCurrentCell(W.ViewMode);
+  const bool Stored = StoreCurrentCell(W.ViewMode);
   E.EditFirstKey = True;
   E.EditActive = False;
-  RefreshTable();
+  FinishEdit(Stored);
 }
 
 void OpenEdit(int Key) {
@@ -110,16 +133,12 @@ void ShieldTable_KeyPress(int& KeyAscii) {
 
 void ShieldTable_RowColChange() {
   if (!IsSet(E.EditActive)) return;
-  // First of all: the moves below fire this event again.
-  E.EditFirstKey = True;
-  E.EditActive = False;
-  const CurrentCell Moved;
-  IgnoreFailure([] {
-    SetCurrentCell(Table(), E.EditRow, E.EditCol);
-    StoreCurrentCell(E.EditView);
-  });
-  Moved.ComeBack();
-  if (W.ViewMode == ShieldingView || W.ViewMode == CouplingView) RefreshTable();
+  const bool Stored = StoreOpenEdit();
+  if (W.ViewMode == ShieldingView || W.ViewMode == CouplingView) FinishEdit(Stored);
+}
+
+void EndTableEdit() {
+  if (IsSet(E.EditActive)) FinishEdit(StoreOpenEdit());
 }
 
 void ShieldTable_SelChange() { TableEditing.EditFirstKey = True; }

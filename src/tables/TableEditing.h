@@ -23,6 +23,10 @@ void ShieldTable_KeyPress(int& KeyAscii);
 void ShieldTable_RowColChange();
 void ShieldTable_SelChange();
 
+// Stores a value that is being typed, as Enter does: before every command that reads, saves, computes, replaces or
+// ends.
+void EndTableEdit();
+
 // What someone is told who wants to change shifts.
 void WarnShieldingsOnly();
 

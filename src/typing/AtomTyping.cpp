@@ -1,7 +1,8 @@
 #include "typing/AtomTyping.h"
 
 #include <algorithm>
-#include <optional>
+#include <filesystem>
+#include <utility>
 
 #include "files/ZMatrixImport.h"
 #include "platform/Paths.h"
@@ -24,18 +25,13 @@ AtomTypingState& T = AtomTyping;
 constexpr const char* RuleFile = "nmrtype.rul";
 constexpr const char* CalculationField = "krdo";
 
-struct TypeFileRow {
-  const char* ForceField;
-  const char* File;
-  bool Needed;
-};
+// The types of the calculation.
+constexpr const char* CalculationFile = "nmrtype.txt";
 
-// The first one lists the types of the calculation; the others are declared when they are there.
-constexpr TypeFileRow TypeFileRows[] = {
-    {CalculationField, "nmrtype.txt", true},
-    {"amber", "ambertype.txt", false},
+struct TypeFile {
+  Text ForceField;
+  Text Path;
 };
-constexpr int NumTypeFiles = std::size(TypeFileRows);
 
 Text ParmFile(TextView Name) { return Join(Settings.NMRParmPath, PathSeparator, Name); }
 
@@ -65,17 +61,38 @@ FixedText<TypeNameLength> TypeWord(TextView Line) {
   return Line.substr(First, Line.find_first_of(Separators, First) - First);
 }
 
-void AddTypes(const TypeFileRow& Row, const std::vector<Text>& Lines) {
-  if (!IsSet(FAddForceFieldHtrcLsz(T.TypeRuleHandle, Row.ForceField))) {
-    throw Failure(Join("Failed on ", Row.ForceField, "."));
+// The calculation's own first; every other NAMEtype.txt beside it is the force field NAME.
+std::vector<TypeFile> FindTypeFiles() {
+  constexpr TextView Ending = "type.txt";
+  std::vector<TypeFile> Found;
+  std::error_code Problem;
+  for (std::filesystem::directory_iterator Entry(Settings.NMRParmPath, Problem), End; !Problem && Entry != End;
+       Entry.increment(Problem)) {
+    const Text Name = Entry->path().filename().string();
+    if (Name == CalculationFile || Name.size() <= Ending.size() || !Name.ends_with(Ending)) continue;
+    Found.push_back({Name.substr(0, Name.size() - Ending.size()), ParmFile(Name)});
   }
+  std::sort(Found.begin(), Found.end(),
+            [](const TypeFile& A, const TypeFile& B) { return A.ForceField < B.ForceField; });
+  Found.insert(Found.begin(), {CalculationField, ParmFile(CalculationFile)});
+  return Found;
+}
+
+// The lines of the file. A force field is known without its types: the rules for it are then passed over.
+std::vector<Text> AddTypes(const TypeFile& File) {
+  if (!IsSet(FAddForceFieldHtrcLsz(T.TypeRuleHandle, File.ForceField))) {
+    throw Failure(Join("Failed on ", File.ForceField, " - ", File.Path, "."));
+  }
+  std::vector<Text> Lines = ReadLines(File.Path);
+  if (Lines.empty()) throw Failure(Join("Empty type file - ", File.Path, "."));
   for (std::size_t Line = 1; Line < Lines.size(); ++Line) {
     const auto Type = TypeWord(Lines[Line]);
     if (Type.Trimmed().empty()) continue;
     if (!IsSet(FAddAtomTypeHtrcLsz(T.TypeRuleHandle, Type.Trimmed()))) {
-      throw Failure(Join("Failed on ", Type.Trimmed(), "."));
+      throw Failure(Join("Failed on ", Type.Trimmed(), " - ", File.Path, "."));
     }
   }
+  return Lines;
 }
 
 void KeepKnownTypes(const std::vector<Text>& Lines) {
@@ -86,16 +103,20 @@ void KeepKnownTypes(const std::vector<Text>& Lines) {
   }
 }
 
+// Without the types of the calculation there are no rules; any other file that can't be used disables itself alone.
 void AddTypeFiles() {
-  T.TypeFiles.ReDim(NumTypeFiles);
-  for (int File = 1; File <= NumTypeFiles; ++File) {
-    const TypeFileRow& Row = TypeFileRows[File - 1];
-    T.TypeFiles[File] = ParmFile(Row.File);
-    if (!Row.Needed && !IsSet(FileExists(T.TypeFiles[File]))) continue;
-    const std::vector<Text> Lines = ReadLines(T.TypeFiles[File]);
-    if (Lines.empty()) throw Failure("Empty type file.");
-    AddTypes(Row, Lines);
-    if (File == 1) KeepKnownTypes(Lines);
+  const std::vector<TypeFile> Files = FindTypeFiles();
+  T.TypeFiles.ReDim(static_cast<int>(Files.size()));
+  T.FileProblem.clear();
+  for (std::size_t File = 0; File < Files.size(); ++File) {
+    T.TypeFiles[static_cast<int>(File) + 1] = Files[File].Path;
+    try {
+      const std::vector<Text> Lines = AddTypes(Files[File]);
+      if (File == 0) KeepKnownTypes(Lines);
+    } catch (const Failure& Problem) {
+      if (File == 0) throw;
+      T.FileProblem = Problem.What;
+    }
   }
 }
 
@@ -162,10 +183,12 @@ void PrepareTypeRules(TypingTime Time) {
   if (Time == TypingTime::Shutdown) return FreeRules();
   try {
     const Text Present = RuleText();
-    if (T.TypeRuleHandle != 0 && Present == T.CompiledText) return;
-    FreeRules();
-    CompileRules();
-    T.CompiledText = Present;
+    if (T.TypeRuleHandle == 0 || Present != T.CompiledText) {
+      FreeRules();
+      CompileRules();
+      T.CompiledText = Present;
+    }
+    if (Time != TypingTime::StartUp && !T.FileProblem.empty()) ShowMessage(std::exchange(T.FileProblem, {}));
   } catch (const Failure& Problem) {
     FreeRules();
     if (Time != TypingTime::StartUp) ShowMessage(Problem.What);
@@ -207,11 +230,10 @@ void CalculateAtomTypes() {
 }
 
 void mnuEditCalculateTypes_Click() {
-  W.IsBusy = True;
-  SetBusy(False);
-  CalculateAtomTypes();
-  W.IsBusy = False;
-  SetBusy(True);
+  {
+    const BusyState Busy;
+    CalculateAtomTypes();
+  }
   RefreshView();
 }
 

@@ -14,6 +14,7 @@ struct AtomTypingState {
   Integer NumKnownAtomTypes;
   Array<Text> TypeFiles;  // from index 1: that of the calculation, then those of other force fields
   Text CompiledText;      // the rule file as it was compiled
+  Text FileProblem;       // of a type file that disables its force field alone; told once
 };
 
 extern AtomTypingState AtomTyping;

@@ -67,6 +67,7 @@ void CompileLine(Compilation& Work, TextView Line) {
     return;
   }
   if (Work.Field == nullptr) throw Failure("the rule stands behind no force field");
+  if (Work.Field->Types.empty()) return;  // its type file can't be used
   Work.Field->Rules.push_back(CompileRule(Line, *Work.Field));
 }
 
@@ -154,9 +155,13 @@ Text FindType(const SystemView& View, int Atom, const ForceFieldRules& Field) {
 // Rules may ask for the types of neighbours, so all atoms are typed again until nothing changes. Returns an atom whose
 // type does not come to rest, or -1.
 int TypeAll(SystemView& View, const ForceFieldRules& Field) {
-  constexpr int LargestRoundCount = 32;
+  // A type that goes by another one can change once for each atom of the longest chain and each rule, no oftener.
+  const std::size_t LargestRoundCount = (View.Types.size() + 1) * (Field.Rules.size() + 1);
   int Changed = -1;
-  for (int Round = 0; Round < LargestRoundCount; ++Round) {
+  // The types of a round that is a power of two: where they come back, they come back for ever.
+  std::vector<Text> Seen;
+  std::size_t NextSeen = 1;
+  for (std::size_t Round = 0; Round < LargestRoundCount; ++Round) {
     Changed = -1;
     std::vector<Text> Types(View.Types.size());
     for (int Atom = 0; Atom < View.Graph.Count(); ++Atom) {
@@ -165,7 +170,11 @@ int TypeAll(SystemView& View, const ForceFieldRules& Field) {
       if (Changed < 0 && Types[Place] != View.Types[Place]) Changed = Atom;
     }
     View.Types = std::move(Types);
-    if (Changed < 0) break;
+    if (Changed < 0 || View.Types == Seen) break;
+    if (Round + 1 == NextSeen) {
+      Seen = View.Types;
+      NextSeen *= 2;
+    }
   }
   return Changed;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "basic/Numbers.h"
 #include "workspace/References.h"
@@ -67,6 +68,17 @@ void ClearMeasured() {
 
 void ForgetShieldingError(int Place) {
   if (Place <= Workspace.ShieldingError.UpperBound()) Workspace.ShieldingError[Place] = 0;
+}
+
+void AllocateResults(Integer Count) {
+  WorkspaceState& W = Workspace;
+  const Integer TensorBound = TensorValues * Count;  // too many atoms end here, before anything large is allocated
+  Array2<Single> Coupling(Count, Count);
+  W.ShieldTensor.ReDim(TensorBound);
+  W.Shielding.ReDim(Count);
+  W.ShieldingError.ReDim(Count);
+  W.ChemicalShift.ReDim(Count);
+  W.Coupling = std::move(Coupling);
 }
 
 void AllocatePeaks(int NumPeaks) {

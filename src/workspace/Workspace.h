@@ -174,6 +174,8 @@ void ClearSpectrum();
 
 // Allocates the atom table for NumAtoms atoms, zero and blank.
 void AllocateAtomTable(int NumAtoms);
+// Allocates the stage 1 results for Count NMR atoms, zero. Throws a Failure, with nothing changed, for more than 2340.
+void AllocateResults(Integer Count);
 // Allocates all peak arrays for NumPeaks, zero.
 void AllocatePeaks(int NumPeaks);
 // Gives a document with fewer atoms than NMR atoms room for a placeholder molecule, keeping what is there.

@@ -65,10 +65,10 @@ std::optional<Text> AnswerDialog(const FileDialog& /*Dialog*/) {
 }
 
 // The backend: a process that has ended at once and left the result that is queued for its stage.
-Long StartBackend(const Text& CommandLine) {
+Long StartBackend(const std::vector<Text>& Words) {
   for (const int Stage : {1, 2}) {
     std::optional<Text>& Result = State().Results[static_cast<std::size_t>(Stage) - 1];
-    if (!Result || CommandLine.find(" " + std::to_string(Stage) + " ") == Text::npos) continue;
+    if (!Result || Words[3] != std::to_string(Stage)) continue;
     std::ofstream(Stage == 1 ? Settings.ParamOutputFile : Settings.SpectOutputFile, std::ios::binary) << *Result;
     Result.reset();
     return 1;

@@ -205,6 +205,30 @@ struct ShownSpectrum {
   }
 };
 
+TEST(Keys, BelongToTheViewThatIsShown) {
+  const ShownSpectrum Spectrum;
+  const auto Holder = [] {
+    return Window().focusWidget() == nullptr ? Text() : FromQt(Window().focusWidget()->objectName());
+  };
+  const struct {
+    int View;
+    const char* Holder;
+  } Rows[] = {{ShieldingView, "ShieldTable"}, {SpectrumViewMode, "Spectrum1"}, {MoleculeView, "MolRender1"}};
+  for (const auto& Row : Rows) {
+    Dispatch([&] {
+      Workspace.ViewMode = Row.View;
+      RefreshView();
+    });
+    EXPECT_EQ(Holder(), Row.Holder);
+    Shown<QWidget>("picToolbar(1)")->setFocus(Qt::TabFocusReason);
+    Dispatch([] {});
+    EXPECT_EQ(Holder(), "picToolbar(1)") << "reached by Tab, it keeps them";
+    Dispatch([] { SetEnabled(Main.picToolbar[ToolOpen], False); });
+    EXPECT_EQ(Holder(), Row.Holder) << "and never hands them to the next button";
+    Dispatch([] { SetEnabled(Main.picToolbar[ToolOpen], True); });
+  }
+}
+
 TEST(SpectrumKeys, DoWhatTheMouseDoes) {
   const ShownSpectrum Spectrum;
   auto* Surface = Shown<QWidget>("Spectrum1");

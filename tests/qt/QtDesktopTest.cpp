@@ -238,7 +238,7 @@ TEST(Busy, WindowLivesWhileTheBackendRuns) {
   Workspace.IsBusy = True;
   SetStatus(Main.StatusBar, "Computing...");
   const QImage First = Line->grab().toImage();
-  WaitForBackend(Platform.Shell("/bin/sleep 2"));
+  WaitForBackend(Platform.Shell({"/bin/sleep", "2"}));
   EXPECT_GE(Ticks, 20) << "events have been served all the time";
   EXPECT_NE(Line->grab().toImage(), First) << "the line shows that time goes on";
   Workspace.IsBusy = False;

@@ -108,8 +108,6 @@ QMainWindow& ScriptedWindow() { return *TheWindow; }
 const PlatformServices& WindowServices() { return OfWindow; }
 
 void SettleWidgets() {
-  // The second showing of a resize comes by the clock; scripts count one.
-  for (QTimer* Late : TheWindow->findChildren<QTimer*>("settled")) Late->stop();
   constexpr int Rounds = 3;
   for (int Round = 0; Round < Rounds; ++Round) {
     QCoreApplication::sendPostedEvents();

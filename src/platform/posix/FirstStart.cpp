@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 
@@ -54,15 +53,11 @@ Installation FindInstallation() {
   throw Failure(Text("Can't make ") + What + " " + Path + ": " + Reason + ". " + Remedy);
 }
 
-// A profile look-up is cut at its limit, and the backend's command line at every blank.
+// A profile look-up is cut at its limit.
 void CheckPath(const Text& Path, const char* Remedy) {
-  const auto IsBlank = [](char C) { return static_cast<unsigned char>(C) <= ' '; };
   if (Path.size() > ProfileTextLimit) {
     throw Failure("The directory " + Path + " can't be used: its name has " + std::to_string(Path.size()) +
                   " characters, and " + std::to_string(ProfileTextLimit) + " are allowed. " + Remedy);
-  }
-  if (std::any_of(Path.begin(), Path.end(), IsBlank)) {
-    throw Failure("The directory " + Path + " can't be used: there must be no blank in its name. " + Remedy);
   }
 }
 

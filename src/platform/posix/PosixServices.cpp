@@ -68,7 +68,6 @@ void UsePosixServices() {
   Platform.PrepareUserFiles = PrepareUserFiles;
   Platform.WinIniPath = FindWinIni;
   Platform.Shell = StartProcess;
-  Platform.StartProgram = StartProgram;
   Platform.OpenProcess = OpenStartedProcess;
   Platform.GetExitCodeProcess = QueryProcess;
   Platform.StopProcess = StopProcess;

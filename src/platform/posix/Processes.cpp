@@ -87,13 +87,11 @@ void DismissKeeper(pid_t Process) {
 
 }  // namespace
 
-Long StartProcess(const Text& CommandLine) { return StartProgram(SplitAtBlanks(CommandLine)); }
-
-Long StartProgram(std::vector<Text> Words) {
+Long StartProcess(const std::vector<Text>& Words) {
   if (Words.empty()) throw Failure(failures::FileNotFound);
   std::vector<char*> Arguments;
   Arguments.reserve(Words.size() + 1);
-  for (Text& Word : Words) Arguments.push_back(Word.data());
+  for (const Text& Word : Words) Arguments.push_back(const_cast<char*>(Word.c_str()));
   Arguments.push_back(nullptr);
 
   posix_spawn_file_actions_t Actions;

@@ -6,14 +6,10 @@
 
 namespace zelvanor {
 
-// Starts the program named by the first word of the line, with the other words as its arguments; the line is split at
-// blanks and nothing is quoted, no shell stands between. Its input is empty and its output dropped. Should the
-// program die, in whatever way, the process goes with all of its group. Returns the process id; throws a Failure when
-// the program can't be started.
-Long StartProcess(const Text& CommandLine);
-
-// The same from the words themselves, which may hold blanks.
-Long StartProgram(std::vector<Text> Words);
+// Starts the program named by the first word, with the other words as its arguments, whatever stands in them: no shell
+// is between. Its input is empty and its output dropped. Should the program that starts it die, in whatever way, the
+// process goes with all of its group. Returns the process id; throws a Failure when the program can't be started.
+Long StartProcess(const std::vector<Text>& Words);
 
 // A handle is the process id itself; 0 when no such process was started here or it has been waited for already.
 Long OpenStartedProcess(Long ProcessId);

@@ -24,6 +24,8 @@ constexpr int LargestFileNumber = 511;
 
 struct OpenFile {
   int Descriptor = -1;  // of a writer
+  Text Target;          // of a writer whose file comes into its place when it is whole; empty for others
+  Text Fresh;           // that file; empty where the folder takes none: then all of it waits in Content
   Text Content;         // of a reader: the file; of a writer: what waits to be written
   std::size_t Place = 0;
   std::size_t Feed = 0;  // the line feed at Place or behind it, or the content's end; found once, not for each line
@@ -117,42 +119,12 @@ void Flush(OpenFile& File) {
   WriteAll(File.Descriptor, Waiting);
 }
 
-Text FormerPath(const Text& Path) { return Path + "~"; }
-
 // A new name is on the disk when its folder is.
 void SyncFolderOf(const Text& Path) {
   const std::size_t Slash = Path.rfind('/');
   const Text Folder = Slash == Text::npos ? Text(".") : Path.substr(0, Slash + 1);
   const Descriptor Opened(open(Folder.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
   if (Opened.Value >= 0) fsync(Opened.Value);
-}
-
-// Whether the last line of a file begins with these words.
-bool EndsWithLine(const Text& Path, TextView Words) {
-  try {
-    constexpr off_t Enough = 256;
-    const Descriptor File = OpenRegular(Path);
-    lseek(File.Value, std::max(StatusOf(File).st_size - Enough, off_t{0}), SEEK_SET);
-    Text Tail;
-    ReadPieces(File, [&](TextView Piece) { Tail += Piece; });
-    while (!Tail.empty() && TextView("\r\n \t").find(Tail.back()) != TextView::npos) Tail.pop_back();
-    return TextView(Tail).substr(Tail.find_last_of("\r\n") + 1).starts_with(Words);
-  } catch (const Failure&) {
-    return false;
-  }
-}
-
-void CopyTo(const Text& Target, const Descriptor& Source) {
-  const Descriptor Copy(
-      open(Target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, StatusOf(Source).st_mode & 0777));
-  if (Copy.Value < 0) ThrowErrno();
-  try {
-    ReadPieces(Source, [&](TextView Piece) { WriteAll(Copy.Value, Piece); });
-    if (fsync(Copy.Value) != 0) ThrowErrno();
-  } catch (const Failure&) {
-    unlink(Target.c_str());
-    throw;
-  }
 }
 
 // The file that a path means, through links; the last one may point to a file that is still to come.
@@ -165,6 +137,48 @@ Text ResolvedPath(const Text& Path) {
     Target = Target.parent_path() / std::filesystem::read_symlink(Target, Ignored);
   }
   return Target.string();
+}
+
+// A file beside Path to be written in its stead, in a name of its own for each process: two that end at a time do not
+// write into one another's file.
+void BeginReplacement(OpenFile& File, const Text& Path) {
+  const Text Target = ResolvedPath(Path);
+  struct stat Former {};
+  const bool Exists = stat(Target.c_str(), &Former) == 0;
+  // What may not be written must not be replaced either.
+  const Descriptor Present(Exists ? open(Target.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY) : -1);
+  if (Exists && Present.Value < 0) ThrowErrno();
+  const Text Fresh = Target + "." + std::to_string(getpid()) + ".new";
+  File.Descriptor = open(Fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666);
+  if (File.Descriptor >= 0) {
+    File.Fresh = Fresh;
+    if (Exists) fchmod(File.Descriptor, Former.st_mode & 0777);
+  } else {
+    if (errno == ENOENT) throw Failure(failures::PathNotFound);
+    if (errno == ENOSPC || errno == EDQUOT) ThrowErrno();
+    File.Descriptor = open(Target.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (File.Descriptor < 0) ThrowErrno();
+  }
+  File.Target = Target;
+}
+
+// The content is on the disk before its name is.
+void FinishReplacement(OpenFile& File) {
+  const auto Size = static_cast<off_t>(File.Content.size());
+  Flush(File);
+  if (File.Fresh.empty() && ftruncate(File.Descriptor, Size) != 0) ThrowErrno();
+  if (fsync(File.Descriptor) != 0) ThrowErrno();
+  // Some file systems tell here only that there was no room.
+  if (close(std::exchange(File.Descriptor, -1)) != 0 && errno != EINTR) ThrowErrno();
+  if (File.Fresh.empty()) return;
+  if (rename(File.Fresh.c_str(), File.Target.c_str()) != 0) ThrowErrno();
+  File.Fresh.clear();
+  SyncFolderOf(File.Target);
+}
+
+void DropReplacement(OpenFile& File) {
+  if (File.Descriptor >= 0) close(std::exchange(File.Descriptor, -1));
+  if (!File.Fresh.empty()) unlink(File.Fresh.c_str());
 }
 
 }  // namespace
@@ -193,21 +207,16 @@ Text ReadWholeFile(const Text& Path) {
 }
 
 void ReplaceFile(const Text& Path, TextView Content) {
-  const Text Target = ResolvedPath(Path);
-  struct stat Former {};
-  const bool Exists = stat(Target.c_str(), &Former) == 0;
   // A device would be replaced by a plain file, for every program of the machine.
-  if (Exists && !S_ISREG(Former.st_mode)) throw Failure(failures::PathAccess);
-  // A name of its own for each process: two that end at a time do not write into one another's file.
-  const Text Fresh = Target + "." + std::to_string(getpid()) + ".new";
-  const Descriptor File(open(Fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666));
-  if (File.Value < 0) ThrowErrno();
+  struct stat Former {};
+  if (stat(Path.c_str(), &Former) == 0 && !S_ISREG(Former.st_mode)) throw Failure(failures::PathAccess);
+  OpenFile File;
+  BeginReplacement(File, Path);
   try {
-    WriteAll(File.Value, Content);
-    if (Exists) fchmod(File.Value, Former.st_mode & 0777);
-    if (fsync(File.Value) != 0 || rename(Fresh.c_str(), Target.c_str()) != 0) ThrowErrno();
+    WriteAll(File.Descriptor, Content);
+    FinishReplacement(File);
   } catch (const Failure&) {
-    unlink(Fresh.c_str());
+    DropReplacement(File);
     throw;
   }
 }
@@ -231,6 +240,14 @@ void OpenForOutput(const Text& Path, Integer FileNumber) {
   File.Descriptor = open(Path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666);
   if (File.Descriptor < 0) throw Failure(errno == ENOENT ? failures::PathNotFound : FailureTextFromErrno(errno));
   fcntl(File.Descriptor, F_SETFL, 0);
+  OpenFiles()[FileNumber] = std::move(File);
+}
+
+void OpenForReplacement(const Text& Path, Integer FileNumber) {
+  struct stat Former {};
+  if (stat(Path.c_str(), &Former) == 0 && !S_ISREG(Former.st_mode)) return OpenForOutput(Path, FileNumber);
+  OpenFile File;
+  BeginReplacement(File, Path);
   OpenFiles()[FileNumber] = std::move(File);
 }
 
@@ -259,7 +276,8 @@ Double RemainingBytes(Integer FileNumber) {
 void PrintLine(Integer FileNumber, TextView Line) {
   OpenFile& File = FileOf(FileNumber);
   File.Content.append(Line).append("\r\n");
-  if (File.Content.size() >= WritePiece) Flush(File);
+  const bool Waits = !File.Target.empty() && File.Fresh.empty();
+  if (File.Content.size() >= WritePiece && !Waits) Flush(File);
 }
 
 void CloseFile(Integer FileNumber) {
@@ -268,6 +286,14 @@ void CloseFile(Integer FileNumber) {
   OpenFile File = std::move(Entry->second);
   OpenFiles().erase(Entry);
   if (File.Descriptor < 0) return;
+  if (!File.Target.empty()) {
+    try {
+      return FinishReplacement(File);
+    } catch (const Failure&) {
+      DropReplacement(File);
+      throw;
+    }
+  }
   Descriptor Target(File.Descriptor);
   Flush(File);
   // Some file systems tell here only that there was no room.
@@ -275,6 +301,11 @@ void CloseFile(Integer FileNumber) {
 }
 
 void CloseFileQuietly(Integer FileNumber) {
+  if (const auto Entry = OpenFiles().find(FileNumber); Entry != OpenFiles().end() && !Entry->second.Target.empty()) {
+    DropReplacement(Entry->second);
+    OpenFiles().erase(Entry);
+    return;
+  }
   try {
     CloseFile(FileNumber);
   } catch (const Failure&) {
@@ -298,27 +329,6 @@ Flag FileExists(const Text& Path) {
   } catch (const Failure&) {
     return False;
   }
-}
-
-bool KeepFormerContent(const Text& Path, std::span<const TextView> LastLines) {
-  const auto IsWhole = [&](const Text& File) {
-    return std::any_of(LastLines.begin(), LastLines.end(), [&](TextView Line) { return EndsWithLine(File, Line); });
-  };
-  struct stat Status {};
-  if (stat(Path.c_str(), &Status) != 0 || !S_ISREG(Status.st_mode)) return false;
-  // What a failed save has left half must not take the place of what it has kept.
-  if (!IsWhole(Path) && IsWhole(FormerPath(Path))) return true;
-  if (Status.st_size == 0) return false;
-  CopyTo(FormerPath(Path), OpenRegular(Path));
-  SyncFolderOf(Path);
-  return true;
-}
-
-void DropFormerContent(const Text& Path) {
-  // The new content is on the disk before the old one goes.
-  const Descriptor Fresh = OpenRegular(Path);
-  if (fsync(Fresh.Value) != 0) ThrowErrno();
-  unlink(FormerPath(Path).c_str());
 }
 
 void RemoveFile(const Text& Path) { unlink(Path.c_str()); }

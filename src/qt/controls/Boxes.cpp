@@ -191,7 +191,12 @@ std::optional<Text> AskForFile(const FileDialog& Dialog) {
     Shown.setNameFilters(Filters);
     Shown.selectNameFilter(Filters.value(Dialog.FilterIndex - 1, Filters.front()));
   }
-  if (Dialog.Save) Shown.setDefaultSuffix(ToQt(Dialog.DefaultExtension));
+  Shown.setDefaultSuffix(ToQt(Dialog.DefaultExtension));
+  // A file of just this name needs none.
+  QObject::connect(&Shown, &QFileDialog::currentChanged, &Shown, [&](const QString& Path) {
+    const bool Bare = QFileInfo(Path).isFile() && !QFileInfo(Path).fileName().contains('.');
+    Shown.setDefaultSuffix(Bare ? QString() : ToQt(Dialog.DefaultExtension));
+  });
   SuggestFile(Shown, Dialog.FileName);
   const PlainPointer Pointer;
   const bool Chosen = Shown.exec() == QDialog::Accepted && !Shown.selectedFiles().isEmpty();

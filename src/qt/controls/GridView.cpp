@@ -320,8 +320,6 @@ QWidget* MakeGrid(Control& Target, QWidget* Parent) {
   if (Grid.Owner->Name != MainFormName) Shown->setMinimumSize(320, 140);
   BindWidget(Grid, Shown, [&Grid, Shown](Property What) {
     Shown->Follow(What);
-    // A table that comes up takes the keys.
-    if (What == Property::Visible && IsSet(Grid.Visible) && Grid.Owner->Name == MainFormName) Shown->setFocus();
     if (What == Property::Focus) Shown->setFocus();
   });
   return Shown;

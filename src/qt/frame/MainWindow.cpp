@@ -21,6 +21,7 @@
 #include "qt/frame/PaneDivider.h"
 #include "qt/frame/Remembered.h"
 #include "qt/frame/ToolStrip.h"
+#include "qt/frame/ViewFocus.h"
 #include "qt/help/HelpWindow.h"
 #include "qt/views/WorkHint.h"
 #include "shell/MainForm.h"
@@ -34,7 +35,6 @@ namespace zelvanor {
 
 namespace {
 
-constexpr int SettleMilliseconds = 60;
 // The first size of the window: a share of the screen, but no larger than is easy to look over.
 constexpr Double FirstShare = 0.75;
 constexpr int FirstWidth = 1280;
@@ -53,18 +53,15 @@ class WorkArea : public QWidget {
     Strip = MakeToolStrip(this);
     for (Control* Item : WorkControls) MakeWidget(*Item, this);
     Divider = MakePaneDivider(this);
-    // The scales of the spectrum follow one resize behind.
-    Settled.setObjectName("settled");
-    Settled.setSingleShot(true);
-    Settled.setInterval(SettleMilliseconds);
-    QObject::connect(&Settled, &QTimer::timeout, this, [] { Dispatch([] { Fire(Main.frmNMR.Resize); }); });
+    BeforeDispatch = NoteKeyHolder;
     AfterDispatch = [this] {
       ShowWorkHint(Hint);
+      KeepKeysOnView();
       PlacePaneDivider(Divider);
     };
   }
 
-  ~WorkArea() override { AfterDispatch = {}; }
+  ~WorkArea() override { BeforeDispatch = AfterDispatch = {}; }
 
  protected:
   void resizeEvent(QResizeEvent*) override {
@@ -75,14 +72,12 @@ class WorkArea : public QWidget {
     Strip->setGeometry(0, 0, width(), Top);
     Hint->setGeometry(0, Top, width(), std::max(height() - Top - Bottom, 1));
     Dispatch([] { Fire(Main.frmNMR.Resize); });
-    Settled.start();
   }
 
  private:
   QLabel* Hint = nullptr;
   QWidget* Strip = nullptr;
   QWidget* Divider = nullptr;
-  QTimer Settled{this};
 };
 
 class FrameWindow : public QMainWindow {

@@ -42,7 +42,11 @@ class RenderView : public KeyedSurface {
 
  protected:
   void paintEvent(QPaintEvent*) override {
-    if (View.Atoms.empty()) return;
+    if (View.Atoms.empty()) {
+      QPainter Painter(this);
+      if (ShowsFocus) PaintFocusFrame(Painter, rect());
+      return;
+    }
     const qreal Ratio = devicePixelRatioF();
     const QSize DeviceSize =
         QSize(static_cast<int>(std::ceil(width() * Ratio)), static_cast<int>(std::ceil(height() * Ratio)))
