@@ -35,17 +35,18 @@ constexpr std::array<EngineRow, 2> Engines = {{{"builtin", "Built-in model"}, {"
 struct FieldRow {
   const char* Key;
   const char* Caption;
+  const char* Name;  // for a screen reader
   const char* Default;
   bool IsNumber;
 };
 constexpr std::array<FieldRow, 7> Fields = {{
-    {"Processes", "&Processes (0: one a core):", "0", true},
-    {"Launcher", "&Launcher line (%n: processes):", "", false},
-    {"Program", "P&rogram of the engine:", "", false},
-    {"Scratch", "Scratch &directory:", "", false},
-    {"Memory", "&Memory in MB (0: half of what is free):", "0", true},
-    {"TimeLimit", "&Time limit in minutes (0: none):", "0", true},
-    {"CacheSize", "&Kept results in MB (0: none):", "200", true},
+    {"Processes", "&Processes (0: one a core):", "Processes", "0", true},
+    {"Launcher", "&Launcher line (%n: processes):", "Launcher line", "", false},
+    {"Program", "P&rogram of the engine:", "Program of the engine", "", false},
+    {"Scratch", "Scratch &directory:", "Scratch directory", "", false},
+    {"Memory", "&Memory in MB (0: half of what is free):", "Memory in MB", "0", true},
+    {"TimeLimit", "&Time limit in minutes (0: none):", "Time limit in minutes", "0", true},
+    {"CacheSize", "&Kept results in MB (0: none):", "Kept results in MB", "200", true},
 }};
 constexpr Double LargestNumber = 100000;
 
@@ -264,11 +265,15 @@ void SetUpControls() {
     Box.AccessibleName = Name;
   };
   SetUp(D.Label1, "&Shieldings by:", D.Combo1, "Engine of the shieldings");
-  SetUp(D.Label2, "&Couplings by:", D.Combo2, "Engine of the couplings");
+  SetUp(D.Label2, "Co&uplings by:", D.Combo2, "Engine of the couplings");
   SetUp(D.Label3, "Level of t&heory:", D.Combo3, "Level of theory");
   D.Combo1.Items = D.Combo2.Items = Titles;
   D.Check1.Caption = "Shifts on the line of measured o&nes";
-  for (std::size_t Row = 0; Row < Fields.size(); ++Row) D.Label5[Row].Caption = Fields[Row].Caption;
+  for (std::size_t Row = 0; Row < Fields.size(); ++Row) {
+    D.Label5[Row].Caption = Fields[Row].Caption;
+    D.Text1[Row].AccessibleName = Fields[Row].Name;
+  }
+  D.Label4.AccessibleName = "Result";
   SetUpButton(D.Command3, "T&est", Command3_Click);
   SetUpButton(D.Command4, "Optimise &Geometry", Command4_Click);
   SetUpOkAndCancel(D.Command1, "OK", Command1_Click, D.Command2, Command2_Click);

@@ -28,6 +28,7 @@ Failure FailureOf(const std::function<void()>& Call) {
 class BusTest : public testing::Test {
  protected:
   BusTest() {
+    UseHostBus([this](int Descriptor) { Watched = Descriptor; });
     Platform.Host.LinkTimeout = -1;
     Platform.DoEvents = [this] {
       ++NumServices;
