@@ -69,37 +69,13 @@ TEST_F(BackendTest, ParamInput) {
   W.ModifySlaterExponents = True;
   W.NMRFrequency = 500;
   W.CalculateCoupling = -1.0F;
-  Texts Expected = {"SemiEmpiricalMethod = krdo2",
-                    "TotalCharge = -1",
-                    "SpinMultiplicity = 1",
-                    "SCFConvergenceLimit = 0.0001",
-                    "SCFIterationLimit = 50",
-                    "SCFAccelerateConvergence = No",
-                    "LogPrintLevel = 0",
-                    "ModifySlaterExponents = Yes",
-                    "ComputeThreeCenterTerms = No",
-                    "IncludeDOrbitalsForSecondRow = No",
-                    "NMRFrequency = 500",
-                    "CalculateShielding = No",
-                    "CalculateShieldTensor = No",
-                    "CalculateCoupling = Yes",
-                    "NMRSelectionBegin",
-                    "3",
-                    "mol 2 atom 2",
-                    "mol 1 atom 1",
-                    "mol 2 atom 1",
-                    "NMRSelectionEnd",
-                    "AtomsBegin",
-                    "3",
-                    "forcefield krdo",
-                    "mol 1",
-                    "atom 1 H H H - 0 0 0 0 0",
-                    "endmol 1",
-                    "mol 2",
-                    "atom 1 C C C - 0 0 0 0 0",
-                    "atom 2 H H H - 0 0 0 0 0",
-                    "endmol 2",
-                    "AtomsEnd"};
+  Texts Expected = Pieces(
+      "SemiEmpiricalMethod = krdo2|TotalCharge = -1|SpinMultiplicity = 1|SCFConvergenceLimit = "
+      "0.0001|SCFIterationLimit = 50|SCFAccelerateConvergence = No|LogPrintLevel = 0|ModifySlaterExponents = "
+      "Yes|ComputeThreeCenterTerms = No|IncludeDOrbitalsForSecondRow = No|NMRFrequency = 500|CalculateShielding = "
+      "No|CalculateShieldTensor = No|CalculateCoupling = Yes|NMRSelectionBegin|3|mol 2 atom 2|mol 1 atom 1|mol 2 atom "
+      "1|NMRSelectionEnd|AtomsBegin|3|forcefield krdo|mol 1|atom 1 H H H - 0 0 0 0 0|endmol 1|mol 2|atom 1 C C C - 0 0 "
+      "0 0 0|atom 2 H H H - 0 0 0 0 0|endmol 2|AtomsEnd");
   for (int Time = 0; Time < 2; ++Time) {
     ASSERT_EQ(WriteParamInput(Settings.ParamInputFile), -1);
     EXPECT_EQ(SplitLines(ReadBytes(Settings.ParamInputFile)), Expected) << Time;
@@ -257,21 +233,9 @@ TEST_F(BackendTest, ObservedAndCountedSpins) {
   }
 }
 
-const Texts ParamResults = {"stage 1",
-                            "2",
-                            "1 6",
-                            "FIELD",
-                            "200",
-                            "SHIELDING",
-                            "30.5 130",
-                            "tensor follows",
-                            "1 2 3 4 5 6 7 8 9",
-                            "10 11 12 13 14",
-                            "-1 0 0 0 -1 0 0 0 -1",
-                            "0 0 0 -1 0",
-                            "COUPLING",
-                            "0 1.5",
-                            "-1.5 0"};
+const Texts ParamResults = Pieces(
+    "stage 1|2|1 6|FIELD|200|SHIELDING|30.5 130|tensor follows|1 2 3 4 5 6 7 8 9|10 11 12 13 14|-1 0 0 0 -1 0 0 0 -1|0 "
+    "0 0 -1 0|COUPLING|0 1.5|-1.5 0");
 
 TEST_F(BackendTest, ParamResultsAndTheirCuts) {
   const Text Of = " from file " + Settings.ParamOutputFile + ".";
@@ -648,28 +612,6 @@ TEST_F(BackendTest, SizeQuestions) {
     EXPECT_EQ(Shown().Boxes, Texts{Size}) << Count;
     EXPECT_EQ(W.SpectraAvailable, 0) << Count << ": No counts as a failed run";
   }
-}
-
-TEST_F(BackendTest, WaitsForTheEndOfTheProcess) {
-  Text Calls;
-  std::deque<ProcessStatus> Statuses = {{true, 259}, {true, 259}, {true, 1}};
-  Platform.OpenProcess = [&](Long Process) {
-    Calls += 'O';
-    return Process;
-  };
-  Platform.DoEvents = [&] { Calls += 'D'; };
-  Platform.GetExitCodeProcess = [&](Long Handle) {
-    EXPECT_EQ(Handle, 77);
-    Calls += 'G';
-    const ProcessStatus Next = Statuses.front();
-    Statuses.pop_front();
-    return Next;
-  };
-  WaitForBackend(77);
-  EXPECT_EQ(Calls, "ODGDGDG");
-  Statuses = {{false, 0}};
-  WaitForBackend(77);
-  EXPECT_TRUE(Statuses.empty());
 }
 
 // A failure on the way never leaves the window busy.

@@ -72,20 +72,6 @@ TEST_F(DocumentTest, RoundTripGivesTheSameBytes) {
   EXPECT_EQ(Shown().Boxes, Texts{});
 }
 
-TEST_F(DocumentTest, EmptyDocument) {
-  const Text Path = TempPath("empty.nmr");
-  ASSERT_EQ(WriteDocument(Path), -1);
-  EXPECT_EQ(ReadBytes(Path),
-            "NMRSelectionBegin\r\n0\r\nNMRSelectionEnd\r\nQuantumSelectionBegin\r\n0\r\nQuantumSelectionEnd\r\n"
-            "EquivalentAtomsBegin\r\nEquivalentAtomsEnd\r\nLabelledAtomsBegin\r\n0\r\nLabelledAtomsEnd\r\n"
-            "OptionsBegin\r\nSemiEmpiricalMethod = \r\nTotalCharge = 0\r\nSpinMultiplicity = 0\r\n"
-            "SCFConvergenceLimit = 0\r\nSCFIterationLimit = 0\r\nSCFAccelerateConvergence = No\r\nLogPrintLevel = 0\r\n"
-            "ModifySlaterExponents = No\r\nComputeThreeCenterTerms = No\r\nIncludeDOrbitalsForSecondRow = No\r\n"
-            "NMRFrequency = 0\r\nCalculateShielding = No\r\nCalculateShieldTensor = No\r\nCalculateCoupling = No\r\n"
-            "OptionsEnd\r\nNMRAtomicNumbersBegin\r\nNMRAtomicNumbersEnd\r\nShieldingCouplingBegin\r\n"
-            "ShieldingCouplingEnd\r\nSpectraBegin\r\nSpectraEnd\r\n");
-}
-
 TEST_F(DocumentTest, BothResultsAreWrittenForEither) {
   WorkspaceState& W = Workspace;
   ASSERT_EQ(ReadContent(Full), -1);
@@ -288,7 +274,7 @@ TEST_F(DocumentTest, ResultLines) {
        {"COUPLING", "1 2", "3 4", "SHIELDING", "9 9"},
        -1,
        0,
-       [&] { return W.ShieldingAvailable == 0 && !AtEnd(W.FileNumber); }},
+       [&] { return W.ShieldingAvailable == 0 && !AtEnd(LineWork.FileNumber); }},
       {"any order",
        {"COUPLING", "1 2", "SHIELDING", "9 8", "COUPLING", "3 4"},
        -1,
@@ -322,29 +308,7 @@ TEST_F(DocumentTest, ResultLines) {
     W.NumNMRAtoms = Count;
     EXPECT_EQ(ReadShieldingCoupling("here", OpenContent("ShieldingCouplingEnd")), Count == 2340 ? -1 : 0);
     EXPECT_EQ(Shown().Boxes, Count == 2340 ? Texts{} : Texts{"warning Overflow."});
-    CloseFile(W.FileNumber);
-  }
-}
-
-// A nucleus counts as observed by element, label and type of spectrum.
-TEST_F(DocumentTest, CountsObservedNuclei) {
-  struct Row {
-    int Type;  // as the file has it
-    int Count;
-  };
-  for (const Row& R : {Row{1, 2}, Row{2, 1}, Row{3, 1}, Row{4, 0}, Row{5, 2}, Row{6, 1}}) {
-    ResetProgram();
-    Workspace.NumNMRAtoms = 10;
-    SetArray(Workspace.NMRAtom, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10});
-    SetArray(Workspace.NMRAtomicNumber, {1, 1, 1, 6, 6, 7, 9, 9, 15, 14});
-    Workspace.NumLabelledAtoms = 4;
-    SetArray(Workspace.LabelledAtom, {3, 4, 6, 7});
-    SetArray(Workspace.Shielding, std::vector<double>(10, 0.5));
-    SetArray(Workspace.ChemicalShift, std::vector<double>(10));
-    EXPECT_EQ(ReadSpectra("here", OpenContent("SPECTRATYPE\r\n" + std::to_string(R.Type) + "\r\nSpectraEnd\r\n")), -1);
-    EXPECT_EQ(Workspace.NumSpinHalfAtoms, R.Count) << R.Type;
-    EXPECT_EQ(Workspace.SpectrumSpan, 10000) << "all shifts lie under 1";
-    CloseFile(Workspace.FileNumber);
+    CloseFile(LineWork.FileNumber);
   }
 }
 
@@ -365,57 +329,6 @@ TEST_F(DocumentTest, EveryCutIsTold) {
   }
 }
 
-TEST_F(DocumentTest, EveryChangedByteIsSurvived) {
-  for (std::size_t Place = 0; Place < Full.size(); ++Place) {
-    for (const char Byte : {'\0', ' ', '9', '\r', '-', '\xFF'}) {
-      ResetProgram();
-      Text Content = Full;
-      Content[Place] = Byte;
-      ReadContent(Content);
-      EXPECT_EQ(fuzz::BrokenPromise(), "") << "byte " << int(Byte) << " at " << Place;
-    }
-  }
-}
-
-TEST_F(DocumentTest, UnreadableFiles) {
-  EXPECT_EQ(Read(TempPath("no-folder/a.nmr")), 0);
-  EXPECT_EQ(Read(TempPath("missing.nmr")), 0);
-  const Text Folder = MakeFolder("folder.nmr");
-  EXPECT_EQ(Read(Folder), 0);
-  const Text Empty = WriteFile("empty.nmr", "");
-  EXPECT_EQ(Read(Empty), 0);
-  EXPECT_EQ(Shown().Boxes,
-            (Texts{"warning Path not found.", "warning File not found.", "warning Path/File access error.",
-                   "warning Error ocurred when reading the information from file " + Empty + "."}));
-}
-
-TEST_F(DocumentTest, FormerContentOutlivesAFailedSave) {
-  ASSERT_EQ(ReadContent(Full), -1);
-  const Text Path = WriteFile("kept.nmr", "former");
-  Workspace.DocumentDirty = True;
-  {
-    const FullDisk Disk(100);
-    EXPECT_EQ(WriteDocument(Path), 0);
-  }
-  EXPECT_EQ(ReadBytes(Path + "~"), "former");
-  ExpectValues("DocumentDirty=-1 IsBusy=0");
-  EXPECT_EQ(Shown().Boxes, Texts{"warning Error saving the current information to file " + Path + "."});
-  EXPECT_EQ(WriteDocument(Path), -1);
-  EXPECT_EQ(ReadBytes(Path), Full);
-  EXPECT_FALSE(Exists(Path + "~"));
-}
-
-TEST_F(DocumentTest, NoRoomForTheCopyLeavesTheDocumentAlone) {
-  ASSERT_EQ(ReadContent(Full), -1);
-  const Text Path = WriteFile("whole.nmr", Text(200, 'x'));
-  {
-    const FullDisk Disk(100);
-    EXPECT_EQ(WriteDocument(Path), 0);
-  }
-  EXPECT_EQ(ReadBytes(Path), Text(200, 'x'));
-  EXPECT_EQ(Shown().Boxes, Texts{"warning Zelvanor cannot open file " + Path + "."});
-}
-
 TEST_F(DocumentTest, FailedSavesAreTold) {
   ASSERT_EQ(ReadContent(Full), -1);
   const Text Folder = MakeFolder("folder.nmr");
@@ -434,15 +347,6 @@ TEST_F(DocumentTest, FailedSavesAreTold) {
   EXPECT_EQ(WriteDocument("/dev/full"), 0);
   ASSERT_EQ(Shown().Boxes.size(), 4U) << "a save that fails is never silent";
   EXPECT_EQ(Shown().Boxes[3], "warning Error saving the current information to file /dev/full.");
-}
-
-TEST_F(DocumentTest, SectionFailureEndsTheWriting) {
-  ASSERT_EQ(ReadContent(Full), -1);
-  Workspace.NMRAtom[1] = 0;
-  const Text Path = TempPath("section.nmr");
-  EXPECT_EQ(WriteDocument(Path), 0);
-  EXPECT_EQ(Shown().Boxes, Texts{"warning Subscript out of range."});
-  EXPECT_EQ(Main.mnuFile.Enabled, -1);
 }
 
 }  // namespace

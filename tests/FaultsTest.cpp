@@ -143,29 +143,6 @@ TEST_F(FaultsTest, OpenOfWhatIsNoFileChangesNothing) {
   }
 }
 
-// The pointer turns into an hourglass between the check and the read: the file goes just then.
-TEST_F(FaultsTest, AFileThatVanishesBeforeTheRead) {
-  const std::pair<const char*, const char*> Rows[] = {
-      {"a.NMR", "warning File not found."},
-      {"a.mvs", "warning Could not open file \"%\": File not found."},
-      {"a.zmt", "plain File not found."},
-      {"a.dat", "warning File not found. | warning Unknown file format: %."}};
-  for (const auto& [Name, Expected] : Rows) {
-    ResetProgram();
-    const Text Path = WriteFile(Name, "x");
-    Platform.SetPointer = [&](MousePointer) { unlink(Path.c_str()); };
-    Shown().Files = {Path};
-    mnuFileOpen_Click();
-    const Text Head = Boxes().substr(0, Boxes().find(" | plain"));
-    if (Text(Name) != "a.zmt") {
-      EXPECT_EQ(Head, TextView(Expected).find('%') == TextView::npos ? Text(Expected) : Change(Expected, "%", Path));
-    } else {
-      EXPECT_NE(Boxes().find("File not found"), Text::npos) << Boxes();
-    }
-    ExpectValues("MoleculeLoaded=0 SpectraAvailable=0 ShieldingAvailable=0 IsBusy=0 NumAtoms=0", Name);
-  }
-}
-
 TEST_F(FaultsTest, EveryWriteTellsWhereItCannot) {
   UseOneAtom();
   W.SpectraType = 0;
@@ -269,18 +246,6 @@ TEST_F(FaultsTest, NoFailedSaveLosesTheFormerDocument) {
   EXPECT_EQ(WriteDocument(Path), -1);
   EXPECT_EQ(ReadBytes(Path), Fresh);
   EXPECT_FALSE(Exists(Path + "~"));
-}
-
-TEST_F(FaultsTest, ASaveBesideWhatIsNoCopy) {
-  UseOneAtom();
-  for (const ThingRow& Row : Things) {
-    if (Row.Is != Thing::Folder && Row.Is != Thing::Pipe) continue;
-    const Text Path = WriteFile(Text(Row.Name) + "-beside", "former");
-    fs::rename(Make(Row), Path + "~");
-    EXPECT_EQ(WriteDocument(Path), -1) << Row.Name;
-    EXPECT_TRUE(ReadBytes(Path).ends_with("SpectraEnd\r\n"));
-    EXPECT_TRUE(Exists(Path + "~"));
-  }
 }
 
 // The process that Work is run in ends by a signal, or by its return value.

@@ -8,17 +8,9 @@ class FileCommandsTest : public ProgramTest {};
 
 const Texts Water = {"mol 1", "atom 1 O O OW - 0 0 0 0 2 2 s 3 s", "atom 2 H H HW - 0 1 0 0 1 1 s",
                      "atom 3 H H HW - 0 0 1 0 1 1 s", "endmol 1"};
-const Texts Selections = {"NMRSelectionBegin",
-                          "0",
-                          "NMRSelectionEnd",
-                          "QuantumSelectionBegin",
-                          "0",
-                          "QuantumSelectionEnd",
-                          "EquivalentAtomsBegin",
-                          "EquivalentAtomsEnd",
-                          "LabelledAtomsBegin",
-                          "0",
-                          "LabelledAtomsEnd"};
+const Texts Selections = Pieces(
+    "NMRSelectionBegin|0|NMRSelectionEnd|QuantumSelectionBegin|0|QuantumSelectionEnd|EquivalentAtomsBegin|"
+    "EquivalentAtomsEnd|LabelledAtomsBegin|0|LabelledAtomsEnd");
 const Text WaterFile = JoinLines(Water);
 const Text WaterDocument = "BeginMVS\r\n" + WaterFile + "EndMVS\r\n" + JoinLines(Selections);
 
@@ -58,14 +50,6 @@ TEST_F(FileCommandsTest, DetectsTheKindOfAFile) {
   EXPECT_EQ(Shown().Boxes, Texts{});
   EXPECT_EQ(DetectFileType(TempPath("missing")), 0);
   EXPECT_EQ(Shown().Boxes, Texts{"warning File not found."});
-}
-
-TEST_F(FileCommandsTest, SuggestedNames) {
-  const std::pair<const char*, const char*> Rows[] = {
-      {"/home/a/water.mvs", "/home/a/water.NMR"},         {"/home/a.b/water.mvs", "/home/a.b/water.NMR"},
-      {"/home/a/two.dots.zmt", "/home/a/two.NMR"},        {"water.mvs", "water.NMR"},
-      {"C:\\work.x\\water.mvs", "C:\\work.x\\water.NMR"}, {"/w.mvs", "/w.NMR"}};
-  for (const auto& [Path, Name] : Rows) EXPECT_EQ(SuggestDocumentName(Path), Name) << Path;
 }
 
 struct QueryRow {
@@ -204,43 +188,6 @@ TEST_F(FileCommandsTest, OpensByEndingOrContent) {
     if (ShowsTable) Pointers.insert(Pointers.end(), {MousePointer::Hourglass, MousePointer::Default});
     EXPECT_EQ(Shown().Pointers, Pointers) << R.Name;
   }
-}
-
-TEST_F(FileCommandsTest, OpenThatGoesNoFartherChangesNothing) {
-  WorkspaceState& W = Workspace;
-  W.NumNMRAtoms = 7;
-  W.DocumentPath = "/x/a.nmr";
-  const Text Missing = TempPath("missing.nmr");
-  const Text Unknown = WriteFile("unknown.txt", "hello\n");
-  Shown().Files = {std::nullopt, Missing, Unknown};
-  for (int Time = 0; Time < 3; ++Time) mnuFileOpen_Click();
-  EXPECT_EQ(Shown().Boxes, (Texts{"warning Could not open file \"" + Missing + "\" File not found.",
-                                  "warning Unknown file format: " + Unknown + "."}));
-  W.DocumentDirty = True;
-  mnuFileOpen_Click();  // the question is cancelled
-  EXPECT_EQ(Shown().Dialogs.size(), 3U);
-  EXPECT_EQ(W.NumNMRAtoms, 7);
-  EXPECT_EQ(W.DocumentPath, "/x/a.nmr");
-  EXPECT_EQ(W.IsBusy, 0);
-  EXPECT_EQ(Main.mnuFile.Enabled, -1);
-  const FileDialog& Dialog = Shown().Dialogs[0];
-  EXPECT_EQ(Dialog.Title, "Open File");
-  EXPECT_EQ(Dialog.FileName, "*.NMR");
-  EXPECT_EQ(Dialog.Filter, "Zelvanor (*.NMR)|*.NMR |Morvantis (*.MVS)|*.MVS|MOPAC Z-Matrix (*.ZMT)|*.ZMT");
-  EXPECT_EQ(Dialog.DefaultExtension, "NMR");
-  EXPECT_EQ(Dialog.FilterIndex, 1);
-  EXPECT_FALSE(Dialog.Save);
-}
-
-TEST_F(FileCommandsTest, AnyFileReadsTheEarlierOneAgain) {
-  const Text Path = WriteFile("water.nmr", WaterDocument);
-  Shown().Files = {Path, "*.*"};
-  mnuFileOpen_Click();
-  Workspace.NumAtoms = 1;
-  mnuFileOpen_Click();
-  EXPECT_EQ(Shown().Boxes, Texts{});
-  EXPECT_EQ(Workspace.DocumentPath, Path);
-  EXPECT_EQ(Workspace.NumAtoms, 3);
 }
 
 TEST_F(FileCommandsTest, SaveAsSuggestsAndAsks) {

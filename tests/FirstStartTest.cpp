@@ -126,36 +126,6 @@ TEST_F(FirstStartTest, NothingIsMadeWhereSomethingIsThere) {
   }
 }
 
-TEST_F(FirstStartTest, SettingsThatAreThereStay) {
-  for (const char* Place : {".config/zelvanor/nmr.ini", ".local/share/zelvanor/nmr.ini"}) {
-    fs::remove_all(TempPath("home"));
-    fs::create_directories(fs::path(Home(Place)).parent_path());
-    WriteFile(Text("home/") + Place, "mine");
-    EXPECT_EQ(PrepareUserFiles(), "") << Place;
-    EXPECT_EQ(ReadBytes(Home(".local/share/zelvanor/nmr.ini")), "mine") << Place;
-    EXPECT_TRUE(Exists(Home(".config/zelvanor/win.ini"))) << Place;
-  }
-}
-
-TEST_F(FirstStartTest, BaseDirectories) {
-  setenv("XDG_CONFIG_HOME", "relative", 1);
-  EXPECT_EQ(ConfigFolder(), Home(".config"));
-  setenv("XDG_CONFIG_HOME", "/c//", 1);
-  EXPECT_EQ(ConfigFolder(), "/c");
-  setenv("XDG_DATA_HOME", "", 1);
-  EXPECT_EQ(DataFolder(), Home(".local/share"));
-  // Without HOME the user table knows.
-  for (const char* Value : {"", "home"}) {
-    setenv("HOME", Value, 1);
-    EXPECT_TRUE(DataFolder().empty() || DataFolder().starts_with('/')) << DataFolder();
-  }
-  // A relative entry of the system's directories is no place to look in.
-  fs::create_directories(TempPath("xdg/zelvanor"));
-  const Text Shared = WriteFile("xdg/zelvanor/win.ini", "");
-  setenv("XDG_CONFIG_DIRS", ("xdg::" + TempPath("xdg")).c_str(), 1);
-  EXPECT_EQ(FindWinIni(), Shared);
-}
-
 TEST_F(FirstStartTest, WhatCannotBeMadeIsTold) {
   const Text File = WriteFile("file", "");
   MakeFolder("data");
@@ -202,16 +172,6 @@ TEST_F(FirstStartTest, WhatCannotBeMadeIsTold) {
                                     " can't be used: there must be no blank in its name. "
                                     "Install Zelvanor in another directory.");
   EXPECT_FALSE(Exists(TempPath("home")));
-}
-
-TEST_F(FirstStartTest, TheProgramGoesOnAfterTheWarning) {
-  SetUser(WriteFile("file", ""));
-  Platform.PrepareUserFiles = PrepareUserFiles;
-  Form_Load("");
-  ASSERT_EQ(Shown().Boxes.size(), 3U) << Boxes();
-  EXPECT_TRUE(Shown().Boxes[0].starts_with("warning Can't make the working directory ")) << Boxes();
-  EXPECT_TRUE(Shown().Boxes[1].starts_with("warning There is neither ")) << Boxes();
-  EXPECT_EQ(Settings.NMRExePath, TempPath("prefix/bin"));
 }
 
 TEST_F(FirstStartTest, AFullDiskLeavesNoHalfFiles) {
@@ -262,13 +222,14 @@ TEST_F(FirstStartTest, AProgramThatMovedIsFollowed) {
   }
 }
 
-TEST_F(FirstStartTest, WhatHasGoneIsMadeAgain) {
-  ASSERT_EQ(PrepareUserFiles(), "");
-  for (const char* Gone : {".local", ".config/zelvanor/nmr.ini"}) {
-    fs::remove_all(Home(Gone));
-    EXPECT_EQ(PrepareUserFiles(), "") << Gone;
-    EXPECT_EQ(AllBelow(TempPath("home")), FreshFiles) << Gone;
-    EXPECT_EQ(ReadBytes(Home(".local/share/zelvanor/nmr.ini")), Defaults) << Gone;
+TEST_F(FirstStartTest, SettingsThatAreThereStay) {
+  for (const char* Place : {".config/zelvanor/nmr.ini", ".local/share/zelvanor/nmr.ini"}) {
+    fs::remove_all(TempPath("home"));
+    fs::create_directories(fs::path(Home(Place)).parent_path());
+    WriteFile(Text("home/") + Place, "mine");
+    EXPECT_EQ(PrepareUserFiles(), "") << Place;
+    EXPECT_EQ(ReadBytes(Home(".local/share/zelvanor/nmr.ini")), "mine") << Place;
+    EXPECT_TRUE(Exists(Home(".config/zelvanor/win.ini"))) << Place;
   }
 }
 

@@ -11,108 +11,10 @@ WorkspaceState& W = Workspace;
 
 class FrameTest : public ProgramTest {};
 
-MenuItem& ItemOf(const MenuRow& Row) { return Main.*Row.Item; }
-
 MenuItem& Named(const Text& Name) {
   Control* Found = FindControl(Name);
   EXPECT_TRUE(Found != nullptr && Found->Kind == ControlKind::MenuItem) << Name;
   return static_cast<MenuItem&>(*Found);
-}
-
-TEST_F(FrameTest, EveryMenuRowIsWhole) {
-  std::set<const MenuItem*> Seen;
-  std::set<Text> Names;
-  std::set<Text> Shortcuts;
-  for (const MenuRow& Row : MenuRows()) {
-    const MenuItem& Item = ItemOf(Row);
-    EXPECT_TRUE(Seen.insert(&Item).second) << Item.Name << " stands twice";
-    EXPECT_TRUE(Names.insert(Item.Name).second) << Item.Name << " names two items";
-    EXPECT_FALSE(Item.Caption.empty()) << Item.Name;
-    EXPECT_EQ(Item.Separator, Item.Caption == "-") << Item.Name;
-    EXPECT_TRUE(Item.Parent == nullptr || (Seen.contains(Item.Parent) && !Item.Parent->Separator))
-        << Item.Name << " comes before its parent";
-    EXPECT_TRUE(Item.Shortcut.empty() || Shortcuts.insert(Item.Shortcut).second) << Item.Shortcut;
-    EXPECT_EQ(FindControl(Item.Name), &Item);
-  }
-  for (const Control* Each : Main.frmNMR.Controls) {
-    if (Each->Kind == ControlKind::MenuItem) {
-      EXPECT_TRUE(Seen.contains(static_cast<const MenuItem*>(Each))) << Each->Name << " has no row";
-    }
-  }
-  // Of the items of one menu no two share an access key.
-  for (const MenuRow& Row : MenuRows()) {
-    std::set<char> Keys;
-    for (const MenuRow& Other : MenuRows()) {
-      const MenuItem& Item = ItemOf(Other);
-      if (Item.Parent != &ItemOf(Row) || Item.Separator) continue;
-      std::size_t Mark = Item.Caption.find('&');
-      while (Mark != Text::npos && Item.Caption[Mark + 1] == '&') Mark = Item.Caption.find('&', Mark + 2);
-      ASSERT_NE(Mark, Text::npos) << Item.Name;
-      EXPECT_TRUE(Keys.insert(UpperChar(Item.Caption[Mark + 1])).second)
-          << Item.Caption << " in " << ItemOf(Row).Caption;
-    }
-  }
-}
-
-TEST_F(FrameTest, MenuTree) {
-  struct Row {
-    const char* Name;
-    const char* Parent;
-    const char* Caption;
-    const char* Shortcut;
-  };
-  const Row Rows[] = {{"mnuFileNew", "mnuFile", "&New", "Ctrl+N"},
-                      {"mnuFileOpen", "mnuFile", "&Open...", "Ctrl+O"},
-                      {"mnuFileSave", "mnuFile", "&Save", "Ctrl+S"},
-                      {"mnuFileSaveAs", "mnuFile", "Save &As...", "Ctrl+A"},
-                      {"mnuFileGet", "mnuFile", "&Get Morvantis", "Ctrl+G"},
-                      {"mnuPreferences", "mnuFile", "Pre&ferences...", "Ctrl+F"},
-                      {"mnuCopy", "mnuEdit", "&Copy", "Ctrl+C"},
-                      {"mnuReplace", "mnuEdit", "&Replace Selected Entry By...", "Ctrl+P"},
-                      {"mnuLines", "mnuViewSpectra", "&Lines", ""},
-                      {"mnuLinesAndEnvelop", "mnuViewSpectra", "Lines &and Envelope", ""},
-                      {"mnuGaussian", "mnuViewWidths", "&Gaussian ", ""},
-                      {"mnuView3DBar", "mnuViewGraph", "&3D Bar", ""},
-                      {"mnuSetupNMRParam", "mnuSetup", "Shielding && &Coupling...", ""},
-                      {"mnuComputeNMR", "mnuCompute", "I  - Shielding && &Coupling", ""},
-                      {"mnuAbout", "mnuHelp", "&About Zelvanor ...", ""}};
-  for (const Row& R : Rows) {
-    const MenuItem& Item = Named(R.Name);
-    EXPECT_EQ(Item.Caption, R.Caption);
-    EXPECT_EQ(Item.Shortcut, R.Shortcut) << R.Name;
-    ASSERT_NE(Item.Parent, nullptr) << R.Name;
-    EXPECT_EQ(Item.Parent->Name, R.Parent) << R.Name;
-  }
-  const std::pair<const char*, const char*> Fills[] = {{"mnuFileSaveAs", "mnuFileFill0"},
-                                                       {"mnuFileGet", "mnuFileFill1"},
-                                                       {"mnuStopLog", "mnuFileFile2"},
-                                                       {"mnuPreferences", "mnuFileFill2"},
-                                                       {"mnuCopy", "mnuEditFill1"},
-                                                       {"mnuReplace", "mnuEditFill2"},
-                                                       {"mnuViewMolecule", "mnuViewFill1"},
-                                                       {"mnuViewShielding", "mnuViewFill2"},
-                                                       {"mnuViewCoupling", "mnuViewFill3"},
-                                                       {"mnuViewSpectra", "mnuViewFill4"},
-                                                       {"mnuMultipleLineWidths", "LinwidthFill"},
-                                                       {"mnuComputeSpectra", "mnuComputeFill"},
-                                                       {"mnuHelpUsing", "mnuHelpFill"}};
-  for (const auto& [Before, Fill] : Fills) {
-    const MenuItem* Sibling = nullptr;
-    for (const MenuRow& Row : MenuRows()) {
-      if (ItemOf(Row).Name == Fill) break;
-      if (ItemOf(Row).Parent == Named(Fill).Parent) Sibling = &ItemOf(Row);
-    }
-    ASSERT_NE(Sibling, nullptr) << Fill;
-    EXPECT_EQ(Sibling->Name, Before) << Fill;
-    EXPECT_TRUE(Named(Fill).Separator) << Fill;
-  }
-  std::set<Text> Disabled;
-  for (const MenuRow& Row : MenuRows()) {
-    if (!IsSet(ItemOf(Row).Enabled)) Disabled.insert(ItemOf(Row).Name);
-  }
-  EXPECT_EQ(Disabled, (std::set<Text>{"mnuStopLog", "mnuEditCalculateTypes", "mnuViewMolecule", "mnuViewShielding",
-                                      "mnuViewCoupling", "mnuViewSpectra", "mnuComputeNMR", "mnuComputeSpectra",
-                                      "mnuComputeAll"}));
 }
 
 TEST_F(FrameTest, MenuHelpTexts) {
@@ -288,32 +190,6 @@ TEST_F(FrameTest, ViewsAndToolbar) {
   EXPECT_EQ(Shown().Statuses.back(), " See version imformation.");
 }
 
-TEST_F(FrameTest, Keyboard) {
-  std::vector<int> Turns;
-  Rooms.TurnMolecule = [&](int Degrees) { Turns.push_back(Degrees); };
-  struct Row {
-    int Key;
-    int Shift;
-    bool Taken;
-    std::vector<int> Turns;
-  };
-  const Row Rows[] = {{32, 0, true, {}},        {33, 0, true, {}},  {35, 0, true, {7}},       {36, 0, true, {-7}},
-                      {35, ShiftKey, true, {}}, {36, 1, true, {}},  {35, CtrlKey, true, {7}}, {40, 0, true, {}},
-                      {31, 0, false, {}},       {41, 0, false, {}}, {65, 0, false, {}}};
-  for (const Row& R : Rows) {
-    for (int View = 1; View <= 4; ++View) {
-      Turns.clear();
-      W.ViewMode = View;
-      int Key = R.Key;
-      Form_KeyDown(Key, R.Shift);
-      EXPECT_EQ(Key, R.Taken && View == 1 ? 0 : R.Key) << "in view " << View;
-      EXPECT_EQ(Turns, View == 1 ? R.Turns : std::vector<int>{}) << R.Key << " in view " << View;
-    }
-  }
-  EXPECT_EQ(Shown().Statuses, Texts{" Scale to fit the molecule on the screen."});
-  Rooms.TurnMolecule = nullptr;
-}
-
 TEST_F(FrameTest, Layout) {
   struct Row {
     int Height;    // of the window, pixels; toolbar 30, status line 20, bars 10 each
@@ -349,60 +225,6 @@ Text UseSettings(const Text& Content) {
   const Text WinIni = WriteFile("start/win.ini", "[Morvantis]\nNMRExePath=" + Folder + "\n");
   Platform.WinIniPath = [WinIni] { return WinIni; };
   return Ini;
-}
-
-TEST_F(FrameTest, StartUpIsRefused) {
-  const Text Ini = UseSettings("[nmr]\nTotalCharge=7\n");
-  Platform.DecimalSeparator = [] { return Text(","); };
-  EXPECT_TRUE(EndsProgram([] { Form_Load(""); }));
-  Platform.OtherInstanceRuns = [] { return true; };
-  EXPECT_TRUE(EndsProgram([] { Form_Load(""); }));
-  EXPECT_EQ(Shown().Boxes,
-            (Texts{"error Sorry, Zelvanor will not run with the current Windows number format.  Please change the "
-                   "International Settings using the Windows Control Panel and use \".\" for the decimal separator.",
-                   "error Zelvanor is already running."}));
-  EXPECT_EQ(W.TotalCharge, 0) << "the settings have not been read";
-  EXPECT_EQ(ReadBytes(Ini), "[nmr]\nTotalCharge=7\n");
-}
-
-TEST_F(FrameTest, StartUpEndsWithAnEmptyWorkspace) {
-  const Text Ini = UseSettings("[nmr]\nTotalCharge=7\nSpectrumLineColor=RGB(1,0,0)\n[ReferenceShieldings]\nC=190\n");
-  Main.MouseMode = 3;
-  Form_Load("");
-  EXPECT_EQ(Shown().Boxes, Texts{"warning No running Morvantis."});
-  EXPECT_EQ(Main.LinkMode, 0);
-  EXPECT_EQ(Main.frmNMR.Caption, "Zelvanor - (untitled)");
-  ExpectValues("ViewMode=1 TotalCharge=7 ReferenceShielding(1)=190 NumReferenceElements=6");
-  const char* const Names[] = {"Proton",      "Carbon 13",     "Nitrogen 15", "Oxygen 15",
-                               "Fluorine 19", "Phosphorus 31", "Proton"};
-  EXPECT_EQ(Numbers(W.ReferenceElement, 7), (std::vector<int>{1, 6, 7, 8, 9, 15, 1}));
-  for (int Entry = 0; Entry < 7; ++Entry) EXPECT_EQ(W.ReferenceElementName[Entry], Names[Entry]);
-  EXPECT_EQ(W.ParamDescription, "Description of NMR shielding and coupling constants");
-  EXPECT_EQ(W.SpectDescription, "Description of NMR Spectrum");
-  ExpectValues("DocumentDirty=0 IsBusy=0");
-  EXPECT_EQ(Settings.MolSelectColor, Rgb(0, 255, 0));
-  EXPECT_EQ(Settings.SelectionColor, Rgb(0, 255, 128));
-  ExpectValues("PrefGraphColor=1 GraphClr=1 SelectedPeak=0");
-  EXPECT_EQ(Main.HelpFile, Settings.NMRExePath + "/nmr.hlp");
-  EXPECT_EQ(Main.MouseMode, 2);
-  EXPECT_EQ(Main.mnuLorentzian.Checked, -1);
-  EXPECT_EQ(Main.mnuReplace.Enabled, 0);
-  EXPECT_EQ((std::vector{Main.HScroll1.Min, Main.HScroll1.Max, Main.HScroll1.SmallChange, Main.HScroll1.LargeChange}),
-            (std::vector{1000, -1000, 10, 100}));
-  EXPECT_EQ((std::vector{Main.HScroll2.Min, Main.HScroll2.Max, Main.HScroll2.Value, Main.HScroll2.LargeChange}),
-            (std::vector{1, 100, 10, 10}));
-  for (int Button = 0; Button < NumToolButtons; ++Button) {
-    EXPECT_EQ(Main.picToolbar[Button].Enabled, ToFlag(Button == 1 || Button == 3)) << Button;
-  }
-  for (const auto& [Line, Mode] :
-       {std::pair{"MORVANTIS", 1}, {"morvantis", 0}, {"MORVANTIS x", 0}, {" MORVANTIS", 0}}) {
-    ResetProgram();
-    UseSettings("");
-    Form_Load(Line);
-    EXPECT_EQ(Main.LinkMode, Mode) << Line;
-    EXPECT_EQ(VariableText("StartedAlone"), Mode == 1 ? "0" : "-1") << Line;
-    EXPECT_EQ(Main.mnuFile.Enabled, -1) << "the closing Get enables it again";
-  }
 }
 
 TEST_F(FrameTest, ExitAsksAndSaves) {

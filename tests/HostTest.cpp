@@ -17,18 +17,6 @@ const Text TwoMolecules =
     "atom 4 - H HC - 0 0 0 1 1 1 s\natom 5 - H HC - 0 1 1 0 1 1 s\nendmol 1\nmol 2\n"
     "atom 1 O O OW - 0 5 0 0 2 2 s 3 s\natom 2 - H HW - 0 6 0 0 1 1 s\natom 3 - H HW - 0 5 1 0 1 1 s\nendmol 2\n";
 
-Text ManyAtoms(int Count) {
-  Text Content = "mol 1\n";
-  for (int Atom = 1; Atom <= Count; ++Atom) Content += Join("atom ", Long{Atom}, " - H HC - 0 0 0 0 0\n");
-  return Content + "endmol 1\n";
-}
-
-AtomList FirstAtoms(int Count) {
-  AtomList Atoms;
-  for (int Atom = 1; Atom <= Count; ++Atom) Atoms.push_back({1, Atom});
-  return Atoms;
-}
-
 // The program against a simulated host in the same process, whose FailAt-th call fails (from 1; 0: none).
 class HostTest : public ProgramTest {
  protected:
@@ -71,80 +59,6 @@ class HostTest : public ProgramTest {
   mutable int Calls = 0;
   int FailAt = 0;
 };
-
-struct TransferRow {
-  const char* What;
-  const char* Method;
-  AtomList Current;
-  Texts Asked;
-  AtomList CurrentAfter;
-};
-
-const Texts Beginning = {"execute [query-response-has-tag no]", "request molecule-count",
-                         "execute [query-response-has-tag no]", "request molecular-mechanics-method"};
-
-Texts operator+(Texts Left, const Texts& Right) {
-  Left.insert(Left.end(), Right.begin(), Right.end());
-  return Left;
-}
-
-TEST_F(HostTest, WhatTheTransferAsksOfTheHost) {
-  const Texts Count = {"execute [query-response-has-tag no]", "request selected-atom-count"};
-  const Texts Copy = {"execute [menu-select-select-all]", "execute [menu-edit-copy]", "execute [select-none]"};
-  const Texts Amber = {"execute [molecular-mechanics-method amber]"};
-  const Texts Save = {"execute [name-selection tmp_select_saved]"};
-  const Texts Restore = {"execute [select-name tmp_select_saved]"};
-  const Texts NoSets = {"request named-selection-count"};
-  const Texts OneName = {"request named-selection-name 1"};
-  // Four walks for sets that are not there, and the one that restores.
-  const Texts Walks = NoSets + OneName + OneName + OneName + OneName + OneName;
-  const TransferRow Rows[] = {
-      {"nothing selected", "amber", {}, Beginning + Count + Copy + NoSets, {}},
-      {"Amber in other letters", "AmbeR", {}, Beginning + Count + Copy + NoSets, {}},
-      {"another force field", "mm+", {}, Beginning + Amber + Count + Copy + NoSets, {}},
-      {"a selection over both molecules",
-       "amber",
-       {{2, 3}, {1, 2}},
-       Beginning + Count + Save + Copy + Restore + Walks + Texts{"execute [select-none]"} + Restore,
-       {{2, 3}, {1, 2}}},
-  };
-  for (const TransferRow& R : Rows) {
-    SCOPED_TRACE(R.What);
-    UseSystem(TwoMolecules, {});
-    Host.Method = R.Method;
-    Host.Current = R.Current;
-    mnuFileGet_Click();
-    EXPECT_EQ(Host.Log, R.Asked);
-    EXPECT_TRUE(Host.Current == R.CurrentAfter);
-    EXPECT_EQ(UpperCase(Host.Method), "AMBER");
-    EXPECT_EQ(Workspace.NumAtoms, 8);
-    EXPECT_EQ(Workspace.IsBusy, 0);
-    EXPECT_EQ(Main.mnuFile.Enabled, -1);
-  }
-}
-
-TEST_F(HostTest, AGetReplacesTheDocument) {
-  WorkspaceState& W = Workspace;
-  W.DocumentPath = W.ZMatrixPath = W.HostTextPath = W.DocumentTitle = "OLD.NMR";
-  W.ShieldingAvailable = W.CouplingAvailable = W.SpectraAvailable = W.AtomTypesChanged = True;
-  W.ViewMode = SpectrumViewMode;
-  mnuFileGet_Click();
-  EXPECT_EQ(Shown().Boxes, Texts{"warning Morvantis has no named selections.\r\rSelect and name the atoms with nuclear "
-                                 "spins as \"nmr-atoms\"."});
-  EXPECT_EQ(W.DocumentPath + W.ZMatrixPath + W.HostTextPath + W.DocumentTitle, "");
-  EXPECT_EQ(Main.frmNMR.Caption, "Zelvanor - (untitled)");
-  EXPECT_EQ(W.ShieldingAvailable + W.CouplingAvailable + W.SpectraAvailable + W.AtomTypesChanged, 0);
-  EXPECT_EQ(W.ParamResultsStale + W.SpectResultsStale + W.MoleculeLoaded + W.DocumentDirty, -4);
-  EXPECT_EQ(W.NMRAtomsValid, 0);
-  EXPECT_EQ(W.ViewMode, MoleculeView);
-
-  Shown() = {};
-  Shown().Answers = {BoxAnswer::Cancel};
-  Host.Log.clear();
-  mnuFileGet_Click();
-  EXPECT_EQ(Shown().Boxes, Texts{"question Save the changes to (untitled)?"});
-  EXPECT_EQ(Host.Log, Texts{});
-}
 
 TEST_F(HostTest, AFailureInTheTransferLeavesTheDocument) {
   UseSystem(TwoMolecules, {{"nmr-atoms", {{1, 2}}}});
@@ -215,28 +129,6 @@ TEST_F(HostTest, LinesOfTheClipboard) {
     for (std::size_t Line = 0; Line < R.Lines.size(); ++Line) {
       EXPECT_EQ(Workspace.HostTextLine[static_cast<int>(Line)].Trimmed(), R.Lines[Line]);
     }
-  }
-}
-
-TEST_F(HostTest, CarriageReturnsDoNotReachTheAtoms) {
-  Text Content;
-  for (const char C : TwoMolecules) Content += C == '\n' ? "\r\n" : Text(1, C);
-  UseSystem(Content, {{"other", {}}});
-  mnuFileGet_Click();
-  EXPECT_EQ(Shown().Boxes, Texts{});  // the force field's name is known
-  EXPECT_EQ(Workspace.NumAtoms, 8);
-  EXPECT_EQ(Workspace.AtomBondType(7, 0).View(), "s ");
-  EXPECT_EQ(Workspace.HostTextLine[0].Trimmed(), "forcefield amber");
-}
-
-TEST_F(HostTest, ASystemThatCannotBeReadLeavesNothing) {
-  for (const char* Content : {"mol 1\nendmol 1\n", "mol 1\natom 1 H H HC - 0 0 0 0 1 9 s\nendmol 1\n"}) {
-    UseSystem(Content, {{"nmr-atoms", {{1, 1}}}});
-    mnuFileGet_Click();
-    EXPECT_EQ(Shown().Boxes.size(), 1U);
-    EXPECT_EQ(Workspace.NumAtoms, 0);
-    EXPECT_EQ(Workspace.MoleculeLoaded + Workspace.DocumentDirty, 0);
-    EXPECT_EQ(Host.Log.back(), "execute [select-none]");  // the sets are not asked for
   }
 }
 
@@ -328,48 +220,6 @@ TEST_F(HostTest, SelectionsBecomeSets) {
   }
 }
 
-TEST_F(HostTest, TwentyAtomsAreTheMost) {
-  const NamedSelection NMR = {"nmr-atoms", FirstAtoms(21)};
-  UseSystem(ManyAtoms(21), {NMR,
-                            {"equivalent-atoms-4", FirstAtoms(20)},
-                            {"equivalent-atoms-5", FirstAtoms(21)},
-                            {"equivalent-atoms-6", FirstAtoms(2)}});
-  mnuFileGet_Click();
-  EXPECT_EQ(Shown().Boxes, Texts{"warning Selection equivalent-atoms-5 has too many atoms. Ignoring Set."});
-  EXPECT_EQ(Numbers(Workspace.EquivalentSetSize, 10), (std::vector<int>{0, 0, 0, 20, 0, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(Workspace.EquivalentAtom(3, 19), 20);
-}
-
-struct AnswerRow {
-  const char* Item;
-  const char* Answer;
-  std::vector<int> NMR;
-  std::vector<int> Elements;
-};
-
-TEST_F(HostTest, OddAnswersAmongTheSets) {
-  const AnswerRow Rows[] = {
-      {"selected-atom 2", "3 1", {2, 0, 0}, {1, 0, 0}},     // no comma: the rest stays 0
-      {"selected-atom 2", "3,\t 9", {2, 0, 0}, {1, 1, 0}},  // no such molecule, which shows last
-      {"selected-atom 2", " 2.6atoms,   1.", {2, 3, 4}, {1, 1, 1}},
-      {"selected-atom 2", "30000, 2", {2, 30005, 4}, {1, 1, 1}},
-      {"atomic-number 3 1", "carbon", {2, 3, 4}, {1, 0, 1}},
-      {"selected-atom-count", "none", {}, {}},
-      {"selected-atom-count", "-1", {}, {}},
-      {"selected-atom-count", "40000", {}, {}},
-  };
-  for (const AnswerRow& R : Rows) {
-    SCOPED_TRACE(Text(R.Item) + " = " + R.Answer);
-    UseSystem(TwoMolecules, {{"nmr-atoms", {{1, 2}, {1, 3}, {1, 4}}}});
-    Host.Answers = {{R.Item, R.Answer}, {"atomic-number 30000 2", "1"}, {"atomic-number 3 9", "1"}};
-    mnuFileGet_Click();
-    EXPECT_EQ(Shown().Boxes, Texts{});
-    EXPECT_EQ(Numbers(Workspace.NMRAtom, Workspace.NumNMRAtoms), R.NMR);
-    EXPECT_EQ(Numbers(Workspace.NMRAtomicNumber, Workspace.NumNMRAtoms), R.Elements);
-    EXPECT_EQ(Workspace.DocumentDirty, -1);
-  }
-}
-
 // Whatever fails among the sets, the user's selection comes back; a failure while it is given back ends the command.
 TEST_F(HostTest, AFailureAmongTheSetsRestoresTheSelection) {
   const std::vector<NamedSelection> Named = {{"nmr-atoms", Hydrogens}, {"equivalent-atoms-1", {{1, 2}}}};
@@ -393,18 +243,6 @@ TEST_F(HostTest, AFailureAmongTheSetsRestoresTheSelection) {
     EXPECT_EQ(Calls, Restoring ? Step : Step + RestoreCalls);
     EXPECT_TRUE(Restoring || Host.Current == User);
   }
-}
-
-TEST_F(HostTest, ASecondGetOpensTheConversationAnew) {
-  int Closed = 0;
-  Platform.Host.Close = [&Closed] { ++Closed; };
-  UseSystem(TwoMolecules, {{"nmr-atoms", Hydrogens}});
-  mnuFileGet_Click();
-  Shown().Answers = {BoxAnswer::No};
-  Host.Named[0].Atoms = {{2, 3}};
-  mnuFileGet_Click();
-  EXPECT_EQ(Closed, 2);
-  EXPECT_EQ(Numbers(Workspace.NMRAtom, Workspace.NumNMRAtoms), std::vector<int>{8});
 }
 
 TEST(HostSystemTest, APartOfASystemIsCopiedAsASystem) {

@@ -9,18 +9,10 @@ namespace {
 class HostTextTest : public ProgramTest {};
 
 // Two molecules: carbon monoxide with a lone pair atom, and a hydrogen.
-const Texts TwoMolecules = {"; made by hand",
-                            "forcefield amber",
-                            "sys 0",
-                            "view 1 0 0  0 1 0",
-                            "mol 1 one",
-                            "atom 7 C1 C CA s 0.25 1.5 -2 3E-2 2 2 d 3 s",
-                            "atom 8 Oxygen O O2 - -0.25 1 2 3 1 1 d",
-                            "atom 9 - Lp ** - 0 0 0 0 1 1 s",
-                            "endmol 1",
-                            "mol 2",
-                            "atom 1 H1 h HC verylongflags 1 0 0 0 0",
-                            "endmol 2"};
+const Texts TwoMolecules = Pieces(
+    "; made by hand|forcefield amber|sys 0|view 1 0 0  0 1 0|mol 1 one|atom 7 C1 C CA s 0.25 1.5 -2 3E-2 2 2 d 3 "
+    "s|atom 8 Oxygen O O2 - -0.25 1 2 3 1 1 d|atom 9 - Lp ** - 0 0 0 0 1 1 s|endmol 1|mol 2|atom 1 H1 h HC "
+    "verylongflags 1 0 0 0 0|endmol 2");
 
 void Store(const Texts& Lines) {
   Workspace.HostTextLineCount = static_cast<Long>(Lines.size());
@@ -136,28 +128,6 @@ TEST_F(HostTextTest, FaultsAndTheirMessages) {
   }
 }
 
-TEST_F(HostTextTest, KeepsTheLastViewLine) {
-  Store({"view a b", "view ", "view", "mol 1", "atom 1 H H H - 0 0 0 0 0", "endmol 1"});
-  ASSERT_EQ(ParseHostText("here"), -1);
-  EXPECT_EQ(Workspace.HostViewText, "a b ");
-  Store({"view  x\ty", "view z", "mol 1", "atom 1 H H H - 0 0 0 0 0", "endmol 1"});
-  ASSERT_EQ(ParseHostText("here"), -1);
-  EXPECT_EQ(Workspace.HostViewText, "z ");
-}
-
-// Any text that a file can hold gives a message or a result.
-TEST_F(HostTextTest, EveryCutOfALineGivesAResult) {
-  const Text Whole = "atom 7 C1 C CA s 0.25 1.5 -2 3E-2 2 1 d 2 s";
-  for (std::size_t Length = 0; Length <= Whole.size(); ++Length) {
-    ResetProgram();
-    Store({"mol 1", Whole.substr(0, Length), "atom 8 O O O - 0 0 0 0 0", "endmol 1"});
-    const Flag Result = ParseHostText("here");
-    const bool Complete = Length >= Whole.size() - 1;  // without its last bond type it can be read too
-    EXPECT_TRUE(!Complete || IsSet(Result)) << Length;
-    EXPECT_TRUE(IsSet(Result) || Shown().Boxes.size() == 1) << Whole.substr(0, Length);
-  }
-}
-
 TEST_F(HostTextTest, TheLargestSystem) {
   const Text Atom = "atom 1 H H H - 0 0 0 0 0\r\n";
   for (const int Count : {32767, 32768}) {
@@ -186,17 +156,6 @@ TEST_F(HostTextTest, ReadsFiles) {
   EXPECT_EQ(ReadHostFile(Missing), 0);
   EXPECT_EQ(Shown().Boxes, (Texts{"warning " + Empty + " is empty.",
                                   "warning Could not open file \"" + Missing + "\": File not found."}));
-}
-
-// A file of carriage returns alone is read as fast as any other.
-TEST_F(HostTextTest, LineEndsOfAnyKindTakeLinearTime) {
-  const Integer File = OpenContent(Text(1500000, '\r'));
-  const auto Start = std::chrono::steady_clock::now();
-  int Count = 0;
-  for (; !AtEnd(File); ++Count) LineInput(File);
-  CloseFile(File);
-  EXPECT_EQ(Count, 1500000);
-  EXPECT_LT(std::chrono::steady_clock::now() - Start, std::chrono::seconds(4));
 }
 
 Texts Written(Flag (*Write)(Integer)) {
@@ -246,14 +205,6 @@ TEST_F(HostTextTest, ConvertedSystemReadsBack) {
   ASSERT_EQ(ParseHostText("there"), -1);
   EXPECT_EQ(Written(WriteConvertedHostText), Lines);
   EXPECT_EQ(Shown().Boxes, Texts{});
-}
-
-TEST_F(HostTextTest, WriteFailures) {
-  Store({Text(256, 'x')});
-  EXPECT_EQ(WriteHostText(5), 0);
-  EXPECT_EQ(Shown().Boxes, Texts{}) << "the caller reports it";
-  EXPECT_EQ(WriteConvertedHostText(5), 0);
-  EXPECT_EQ(Shown().Boxes, Texts{"warning Bad file name or number."});
 }
 
 }  // namespace

@@ -87,15 +87,6 @@ TEST_F(ManualTest, ContentsList) {
   EXPECT_EQ(FailureOf([] { ReadHelpContents(TempPath("none.hlp")); }), failures::FileNotFound);
 }
 
-TEST_F(ManualTest, PagesStandWhereTheListReallyIs) {
-  MakeFolder("manual");
-  const Text List = WriteFile("manual/nmr.hlp", "1 index.md 1 A\n");
-  std::filesystem::create_symlink(List, TempPath("link.hlp"));
-  const auto Real = [](const Text& Path) { return std::filesystem::canonical(Path).string(); };
-  EXPECT_EQ(HelpFolder(TempPath("link.hlp")), Real(TempPath("manual")));
-  EXPECT_EQ(HelpFolder("/no/such/nmr.hlp"), "/no/such");
-}
-
 TEST_F(ManualTest, EveryFormAndViewHasItsPage) {
   const std::vector<HelpEntry> Entries = Contents();
   for (const HelpTopic& Row : HelpTopics()) EXPECT_NE(FindForm(Row.Form), nullptr) << Row.Form;
@@ -193,21 +184,6 @@ TEST_F(ManualTest, KnowsEverySettingMenuCommandAndControl) {
       EXPECT_TRUE(Usual || Page.find(Caption) != Text::npos) << Each->Name << ": " << Caption;
     }
   }
-}
-
-// The window's reader takes "<word" for HTML and swallows what follows.
-TEST_F(ManualTest, NoHtml) {
-  const std::regex Code("```[^]*?```|`[^`]*`");
-  for (const auto& [Page, Content] : ReadPages()) {
-    const Text Plain = std::regex_replace(Content, Code, "");
-    EXPECT_EQ(Matches(Plain, "(?:^|[^\\\\])(<[A-Za-z/!][^\n]*)"), Texts{}) << Page;
-  }
-}
-
-TEST_F(ManualTest, AnchorsAsOtherReadersMakeThem) {
-  EXPECT_EQ(HelpAnchor("Equivalence, chemical and magnetic"), "equivalence-chemical-and-magnetic");
-  EXPECT_EQ(HelpAnchor(" 3. Say `which` "), "3-say-which");
-  EXPECT_EQ(HelpAnchor("Section [nmr]"), "section-nmr");
 }
 
 }  // namespace

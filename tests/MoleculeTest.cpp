@@ -39,7 +39,7 @@ void ResetView(int Width, int Height) {
 class MoleculeTest : public ProgramTest {
  protected:
   MoleculeTest() {
-    MoleculeView1 = {};
+    ShownMolecule = {};
     ForgetSelection();
     ResetView(200, 100);
   }
@@ -76,42 +76,6 @@ class MoleculeTest : public ProgramTest {
   RenderControl& View = Main.MolRender1;
   RenderScene Scene;
 };
-
-void ExpectNear(const ViewMatrix& Actual, const ViewMatrix& Expected, Double Tolerance) {
-  for (std::size_t Row = 0; Row < 4; ++Row) {
-    for (std::size_t C = 0; C < 3; ++C) EXPECT_NEAR(Actual[Row][C], Expected[Row][C], Tolerance) << Row << ", " << C;
-  }
-}
-
-TEST_F(MoleculeTest, TurnsAboutTheAxesOfTheView) {
-  struct Row {
-    Double Angle;
-    int Axis;
-    ViewVector From;
-    ViewVector To;
-  };
-  const Row Rows[] = {
-      {RightAngle, 2, {1, 0, 0}, {0, 1, 0}},  {RightAngle, 2, {0, 1, 0}, {-1, 0, 0}},
-      {RightAngle, 0, {0, 1, 0}, {0, 0, 1}},  {RightAngle, 0, {0, 0, 1}, {0, -1, 0}},
-      {RightAngle, 1, {0, 0, 1}, {1, 0, 0}},  {RightAngle, 1, {1, 0, 0}, {0, 0, -1}},
-      {-RightAngle, 1, {1, 0, 0}, {0, 0, 1}}, {std::numbers::pi / 6, 2, {2, 0, 5}, {std::sqrt(3), 1, 5}},
-      {1, 3, {1, 2, 3}, {1, 2, 3}},           {1, -1, {1, 2, 3}, {1, 2, 3}},
-  };
-  for (const Row& R : Rows) {
-    ViewMatrix M = Identity;
-    RotateAxis(R.Angle, R.Axis, M);
-    ViewVector V = R.From;
-    TransformPoint(V, M);
-    for (std::size_t C = 0; C < 3; ++C) EXPECT_NEAR(V[C], R.To[C], 1e-15) << "axis " << R.Axis << ", part " << C;
-  }
-}
-
-TEST_F(MoleculeTest, TurnsTheTranslationToo) {
-  ViewMatrix M = Identity;
-  TranslateView(3, 4, 5, M);
-  RotateAxis(RightAngle, 2, M);
-  ExpectNear(M, {{{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {-4, 3, 5}}}, 1e-15);
-}
 
 TEST_F(MoleculeTest, TurningAboutAPointKeepsItInPlace) {
   ViewMatrix M{{{2, 0.5, 0}, {0, 2, 0.25}, {1, 0, 2}, {5, 0, 0}}};
@@ -150,21 +114,6 @@ TEST_F(MoleculeTest, FailsWhereNumbersEnd) {
   EXPECT_EQ(GetViewTransform(View, 9), 1.5e308);
   TurnMolecule(7);
   EXPECT_EQ(GetViewTransform(View, 0), 1.5e308);
-}
-
-TEST_F(MoleculeTest, MembersRefuseWhatIsNotThere) {
-  PutAtoms({{0, 0, 0, 1}, {1, 0, 0, 1}});
-  EXPECT_EQ(FailureOf([&] { SetThisAtom(View, 2); }), "Subscript out of range");
-  EXPECT_EQ(FailureOf([&] { SetThisAtom(View, -1); }), "Subscript out of range");
-  EXPECT_EQ(FailureOf([&] { GetViewTransform(View, 12); }), "Subscript out of range");
-  EXPECT_EQ(FailureOf([&] { SetThisBond(View, 1); }), "Subscript out of range");
-  EXPECT_EQ(FailureOf([&] { SetNeighborAtom(View, 2); }), "Subscript out of range");
-  EXPECT_EQ(FailureOf([&] { SetBondOrder(View, 5); }), "Invalid property value");
-  for (const int Type : {0, 4, -1}) {
-    EXPECT_EQ(FailureOf([&] { SetAtomRenderType(View, Type); }), "Invalid property value");
-    EXPECT_EQ(FailureOf([&] { SetBondRenderType(View, Type); }), "Invalid property value");
-  }
-  EXPECT_EQ(View.AtomRenderType, 3);
 }
 
 TEST_F(MoleculeTest, DrawsFromBackToFront) {
@@ -288,40 +237,6 @@ TEST_F(MoleculeTest, LeavesOutWhatCannotShow) {
   EXPECT_EQ(PickAtom(View, 100, 50), 0);
 }
 
-TEST_F(MoleculeTest, PicksTheNearestAtomUnderThePointer) {
-  // Two behind one another, a small one at the side.
-  PutAtoms({{0, 0, 0, 20}, {10, 0, 30, 8}, {60, 0, 0, 1}}, 0);
-  struct Row {
-    Double X, Y;
-    int Atom;
-  };
-  const Row Rows[] = {{100, 50, 0},  {110, 50, 1},   {117, 50, 1},    {119, 50, 0},   {100, 69, 0},
-                      {100, 71, -1}, {160, 53.9, 2}, {160, 54.1, -1}, {156.1, 50, 2}, {0, 0, -1}};
-  for (const Row& R : Rows) EXPECT_EQ(PickAtom(View, R.X, R.Y), R.Atom) << R.X << ", " << R.Y;
-}
-
-TEST_F(MoleculeTest, TellsClicksFromDrags) {
-  PutAtoms({{0, 0, 0, 10}}, 0);
-  Texts Clicks;
-  const auto OldAtom = std::exchange(View.AtomClick, [&](int Button, int Shift, int Atom) {
-    Clicks.push_back(Join("atom ", Long{Atom}, " ", Long{Button}, " ", Long{Shift}));
-  });
-  const auto OldNone =
-      std::exchange(View.NoAtomClick, [&](int Button, int) { Clicks.push_back(Join("none ", Long{Button})); });
-  const auto Press = [&](int Down, Single X, Single Y, int Up, Single UpX) {
-    RenderMouseDown(View, Down, 0, X * 15, Y * 15);
-    RenderMouseUp(View, Up, CtrlKey, UpX * 15, Y * 15);
-  };
-  Press(LeftButton, 100, 50, LeftButton, 103);
-  Press(RightButton, 100, 50, RightButton, 100);
-  Press(LeftButton, 20, 20, LeftButton, 20);
-  Press(LeftButton, 100, 50, LeftButton, 104);
-  Press(LeftButton, 100, 50, RightButton, 100);
-  EXPECT_EQ(Clicks, (Texts{"atom 0 1 2", "atom 0 2 2", "none 1"}));
-  View.AtomClick = OldAtom;
-  View.NoAtomClick = OldNone;
-}
-
 // A picture with a row and a column round it that nothing may touch.
 struct GuardedPicture {
   static constexpr int Width = 40;
@@ -436,22 +351,6 @@ TEST_F(MoleculeTest, HoldsNothingOfATableThatIsBroken) {
   LoadPair("s");
   ShowMoleculeView();
   EXPECT_EQ(GetAtomCount(View), 2);
-}
-
-// The fitted system touches the margin of the narrower side, turned or not.
-TEST_F(MoleculeTest, FitsTheTurnedSystem) {
-  Main.frmNMR.Width = TwipsFromPixels(400);
-  Main.frmNMR.Height = TwipsFromPixels(450);  // 400 by 400 for the view
-  LoadPair("s");
-  Workspace.AtomX[0] = -20;
-  Workspace.AtomX[1] = 20;
-  ShowMoleculeView();
-  const Double Scale = (200 - 24) / (20 + Double{View.Atoms[0].Radius});
-  EXPECT_NEAR(ViewScale(View), Scale, 1e-9);
-  RotateAboutCentre(View, 0, RightAngle, 0, {});
-  FitMolecule();
-  EXPECT_NEAR(ViewScale(View), 90, 1e-9);
-  EXPECT_NEAR(ProjectPoint(View, 0, 0, 0).X, 200, 1e-9);
 }
 
 TEST_F(MoleculeTest, TakesTheLookOfTheElements) {

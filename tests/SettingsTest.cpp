@@ -108,25 +108,6 @@ TEST_F(SettingsTest, ProfileWritesKeepEverythingElse) {
   EXPECT_FALSE(WritePrivateProfileStrings({{"nmr", "A", "1"}}, TempPath("no-folder/a.ini")));
 }
 
-TEST_F(SettingsTest, WrittenValuesAreReadAtOnce) {
-  const Text File = TempPath("turns.ini");
-  for (int Turn = 10; Turn < 90; ++Turn) {
-    ASSERT_TRUE(WritePrivateProfileStrings({{"nmr", "Turn", std::to_string(Turn)}}, File));
-    ASSERT_EQ(GetPrivateProfileString("nmr", "Turn", "", File), std::to_string(Turn));
-  }
-}
-
-TEST_F(SettingsTest, UnusableProfileIsAMissingOne) {
-  const Text Loop = TempPath("loop.ini");
-  ASSERT_EQ(symlink(Loop.c_str(), Loop.c_str()), 0);
-  for (const Text& File : {Loop, TempPath(Text(300, 'n')), Text("/dev/null/x.ini")}) {
-    Text Value;
-    EXPECT_NO_THROW(Value = GetPrivateProfileString("a", "b", "none", File)) << File;
-    EXPECT_EQ(Value, "none") << File;
-    EXPECT_NO_THROW(WritePrivateProfileStrings({{"a", "b", "c"}}, File)) << File;
-  }
-}
-
 TEST_F(SettingsTest, PathsOfWinIni) {
   const Text Long = "/" + Text(150, 'p');
   struct Row {
@@ -280,43 +261,15 @@ TEST_F(SettingsTest, EachValueAndItsLimits) {
   EXPECT_TRUE(Shown().Boxes[1].starts_with("error Error in ini file: "));
 }
 
-const Texts DefaultNmrLines = {"[nmr]",
-                               "AtomRenderType=1",
-                               "BondRenderType=1",
-                               "BackColor=RGB(255, 255, 255)",
-                               "LabelColor=RGB(255, 255, 0)",
-                               "BondColor=RGB(192, 192, 192)",
-                               "SelectionColor=RGB(0, 255, 128)",
-                               "SpectrumLineColor=RGB(0,255,0)",
-                               "SpectrumEnvelopColor=RGB(255,255,255)",
-                               "SpectrumSelectionColor=RGB(255,0,255)",
-                               "SemiEmpiricalMethod=KRDO2",
-                               "TotalCharge=0",
-                               "SpinMultiplicity=1",
-                               "SCFConvergenceLimit=0.01",
-                               "SCFIterationLimit=50",
-                               "SCFAccelerateConvergence=No",
-                               "LogPrintLevel=0",
-                               "MinimalIntensity=0.100000001490116",
-                               "AbsLineWidth=No",
-                               "MinAbsLineWidth=0",
-                               "MaxAbsLineWidth=10",
-                               "ModifySlaterExponents=Yes",
-                               "ComputeThreeCenterTerms=No",
-                               "IncludeDOrbitalsForSecondRow=No",
-                               "CalculateShielding=Yes",
-                               "CalculateShieldingTensor=Yes",
-                               "CalculateCoupling=Yes",
-                               "NMRFrequency=100",
-                               "SpectraType=Proton",
-                               "WeakCouplingApproximation=No",
-                               "[ReferenceShieldings]",
-                               "H=0",
-                               "C=0",
-                               "N=0",
-                               "O=0",
-                               "F=0",
-                               "P=0"};
+const Texts DefaultNmrLines = Pieces(
+    "[nmr]|AtomRenderType=1|BondRenderType=1|BackColor=RGB(255, 255, 255)|LabelColor=RGB(255, 255, "
+    "0)|BondColor=RGB(192, 192, 192)|SelectionColor=RGB(0, 255, "
+    "128)|SpectrumLineColor=RGB(0,255,0)|SpectrumEnvelopColor=RGB(255,255,255)|SpectrumSelectionColor=RGB(255,0,255)|"
+    "SemiEmpiricalMethod=KRDO2|TotalCharge=0|SpinMultiplicity=1|SCFConvergenceLimit=0.01|SCFIterationLimit=50|"
+    "SCFAccelerateConvergence=No|LogPrintLevel=0|MinimalIntensity=0.100000001490116|AbsLineWidth=No|MinAbsLineWidth=0|"
+    "MaxAbsLineWidth=10|ModifySlaterExponents=Yes|ComputeThreeCenterTerms=No|IncludeDOrbitalsForSecondRow=No|"
+    "CalculateShielding=Yes|CalculateShieldingTensor=Yes|CalculateCoupling=Yes|NMRFrequency=100|SpectraType=Proton|"
+    "WeakCouplingApproximation=No|[ReferenceShieldings]|H=0|C=0|N=0|O=0|F=0|P=0");
 
 Texts FilledLines(const Text& Content) {
   Texts Lines;
@@ -382,79 +335,36 @@ TEST_F(SettingsTest, CurrentOptionsAreWritten) {
   EXPECT_NE(ReadBytes(Ini).find("\nSpectraType=??\n"), Text::npos);
 }
 
-TEST_F(SettingsTest, ReferenceShieldings) {
-  ReadIni("[ReferenceShieldings]\nh=31.25\nC= 190 \nP=-1E2\nLp=5\n");
-  EXPECT_EQ(FirstOf(Workspace.ReferenceShielding, 7), (std::vector<Single>{31.25F, 190, 0, 0, 0, -100, 0}));
-  ResetProgram();
-  ReadIni("[ReferenceShieldings]\nH=31.25\nC=none\nP=5\n");
-  EXPECT_EQ(FirstOf(Workspace.ReferenceShielding, 7), (std::vector<Single>{31.25F, 0, 0, 0, 0, 0, 0}));
-  EXPECT_EQ(Shown().Boxes,
-            Texts{"error Error reading reference shieldings entry for \"C\" in section [ReferenceShieldings]"});
-}
-
-TEST_F(SettingsTest, SpectrumTypes) {
-  const char* const Words[5][2] = {{"Hydrogen", "proton"},
-                                   {"CARBON", "carbon-13"},
-                                   {"nitrogen", "Nitrogen-15"},
-                                   {"fluorine", "FLUORINE-19"},
-                                   {"Phosphorus", "phosphorus-31"}};
-  const char* const Forms[] = {"Proton", "Carbon-13", "Nitrogen-15", "Fluorine-19", "Phosphorus-31"};
-  for (int Index = 0; Index < 5; ++Index) {
-    for (const char* Word : Words[Index]) EXPECT_EQ(SpectrumTypeFromText(Word), Index) << Word;
-    EXPECT_EQ(TextFromSpectrumType(Index), Forms[Index]);
-  }
-  EXPECT_EQ(Shown().Boxes, Texts{});
-  EXPECT_EQ(SpectrumTypeFromText("Oxygen"), 0);
-  EXPECT_EQ(TextFromSpectrumType(-1), "??");
-  EXPECT_EQ(Shown().Boxes,
-            (Texts{"warning Spectrum type \"Oxygen\" is not supported by the current version of Zelvanor.",
-                   "warning Spectrum type \"-1\" is not supported by the current version of Zelvanor."}));
-  for (const int Index : {-1, 32}) SetSettingsText(Index, "x");
-  SetSettingsText(31, "y");
-  EXPECT_EQ(Settings.SettingsText[31], "y");
-}
-
 TEST_F(SettingsTest, Ranges) {
   struct Row {
     int Mode;
     double Value;
     const char* Problem;  // behind "Provide a value "; null: in range
   };
-  const Row Rows[] = {{1, 0, nullptr},
-                      {1, 10, nullptr},
-                      {1, -0.1, "greater than or equal to 0."},
-                      {1, 10.1, "less than or equal to 10."},
-                      {2, 10, nullptr},
-                      {2, 0, "greater than 0."},
-                      {2, 11, "less than or equal to 10."},
-                      {3, 0, "greater than 0."},
-                      {3, 10, "less than 10."},
-                      {3, 5, nullptr},
-                      {4, 0, nullptr},
-                      {4, 10, "less than 10."},
-                      {4, -1, "greater than or equal to 0."},
-                      {0, 0, "greater than 0."},
-                      {9, 10, "less than 10."}};
-  for (const Row& R : Rows) {
-    for (const Text& Item : {Text(), Text("width")}) {
-      Shown() = {};
-      const Flag Good = ToFlag(R.Problem == nullptr);
-      EXPECT_EQ(CheckRange(R.Value, R.Mode, 0, 10, Item, False), Good) << R.Mode << " " << R.Value;
-      EXPECT_EQ(Shown().Boxes, Texts{});
-      EXPECT_EQ(CheckRange(R.Value, R.Mode, 0, 10, Item, True), Good);
-      const Text Prefix = Item.empty() ? "" : "Error updating \"width\"\n";
-      EXPECT_EQ(Shown().Boxes, IsSet(Good) ? Texts{} : Texts{"error " + Prefix + "Provide a value " + R.Problem})
-          << R.Mode << " " << R.Value;
-    }
+  constexpr const char* NotBelow = "greater than or equal to 0.";
+  constexpr const char* NotAbove = "less than or equal to 10.";
+  for (const Row& R : {Row{1, 0, nullptr},
+                       {1, 10, nullptr},
+                       {1, -0.1, NotBelow},
+                       {1, 10.1, NotAbove},
+                       {2, 10, nullptr},
+                       {2, 0, "greater than 0."},
+                       {2, 11, NotAbove},
+                       {3, 0, "greater than 0."},
+                       {3, 10, "less than 10."},
+                       {3, 5, nullptr},
+                       {4, 0, nullptr},
+                       {4, 10, "less than 10."},
+                       {4, -1, NotBelow},
+                       {9, 10, "less than 10."}}) {
+    Shown() = {};
+    EXPECT_EQ(CheckRange(R.Value, R.Mode, 0, 10, "width", True), ToFlag(R.Problem == nullptr)) << R.Mode << R.Value;
+    EXPECT_EQ(Boxes(),
+              R.Problem == nullptr ? Text() : Text("error Error updating \"width\"\nProvide a value ") + R.Problem);
+    EXPECT_EQ(CheckRange(R.Value, R.Mode, 0, 10, "", False), ToFlag(R.Problem == nullptr));
   }
-  Shown() = {};
   EXPECT_EQ(ValidateNumberText(" 2.5 ", 1, 0, 10, "", True), 2.5);
   EXPECT_EQ(ValidateNumberText("2.5x", 1, 0, 10, "", True), std::nullopt);
-  EXPECT_EQ(ValidateNumberText("", 1, 0, 10, "", True), std::nullopt);
-  EXPECT_EQ(Shown().Boxes, Texts{});
-  EXPECT_EQ(ValidateNumberText("1E5", 1, -0.5, 1e15, "", True), 1e5);
-  EXPECT_EQ(ValidateNumberText("-1", 1, -0.5, 1e15, "", True), std::nullopt);
-  EXPECT_EQ(Shown().Boxes, Texts{"error Provide a value greater than or equal to -0.5."});
 }
 
 TEST_F(SettingsTest, Colours) {
@@ -519,19 +429,6 @@ TEST_F(SettingsTest, ColourSets) {
   InitColorSets();
   EXPECT_EQ(Shown().Boxes, Texts{"error ReInit"});
   EXPECT_EQ(Settings.CurrentColorSet, -1);
-}
-
-TEST_F(SettingsTest, RadiusSets) {
-  ReadIni("[nmr]\nDefaultRadiusSet=cpkradii\n[CPKRadii]\nDefault=1.5\nH=0\nHe=1000\nLi=1001\nBe=big\nB=-1\n");
-  EXPECT_EQ(Settings.CurrentRadiusSet, 1);
-  const std::pair<std::size_t, Single> Radii[] = {{0, 1.5F}, {1, 0.3F}, {2, 1000},  {3, 0.3F},
-                                                  {4, 0.3F}, {5, 0.3F}, {128, 1.5F}};
-  for (const auto& [Element, Is] : Radii) EXPECT_EQ(Settings.AtomRadii[Element], Is) << Element;
-  const auto Box = [](const Text& Symbol, const Text& Relation) {
-    return "error Error updating \"radius for " + Symbol + " from ini file\"\nProvide a value " + Relation;
-  };
-  EXPECT_EQ(Shown().Boxes, (Texts{Box("H", "greater than 0."), Box("Li", "less than or equal to 1000."),
-                                  Box("B", "greater than 0.")}));
 }
 
 }  // namespace

@@ -142,83 +142,12 @@ TEST_F(SpectrumTest, TallestLineInTheWindow) {
   EXPECT_EQ(V.VerticalScale, 7);
 }
 
-TEST_F(SpectrumTest, ColumnsOfFrequencies) {
-  struct Row {
-    double Low;
-    double High;
-    double Frequency;
-    Long Offset;
-    Long Column;
-  };
-  const Row Rows[] = {{-300, -100, -200, 0, 250}, {-300, -100, -300, 0, 0},    {-300, -100, -100, 0, 500},
-                      {-300, 700, -299, 0, 0},    {-300, 700, -297, 0, 2},     {-300, 700, -301, 0, 0},
-                      {-300, 700, -303, 0, -2},   {-300, -100, -200, 10, 230}, {-300, -100, -200, -10, 270},
-                      {-300, -100, -500, 0, -500}};
-  V.HorizontalScale = 2;
-  for (const Row& R : Rows) {
-    V.ViewLow = R.Low;
-    V.ViewHigh = R.High;
-    V.HorizontalOffset = R.Offset;
-    EXPECT_EQ(FGetPeakRX(R.Frequency), R.Column) << R.Frequency << " in " << R.Low << ".." << R.High;
-  }
-  V.ViewLow = V.ViewHigh;
-  EXPECT_EQ(FailureOf([] { FGetPeakRX(1); }), "Division by zero");
-}
-
-TEST_F(SpectrumTest, TransferTakesTheWholeList) {
-  Show({{100, 1}, {300, 2}});
-  ExpectValues("PeakFrequency(1)=-300 SpectrometerMHz=100 FullLow=-500 FullHigh=100 ViewLow=-500");
-  EXPECT_NEAR(V.ViewHigh, 100, 1e-9);
-  EXPECT_NEAR(V.LoadedHigh, 100, 1e-9);
-  EXPECT_EQ(V.HorizontalOffset, 0);
-  EXPECT_DOUBLE_EQ(V.HorizontalScale, 500.0 / 600);
-  ExpectValues("ListPeakCount=2 MaxIntensity=2.4");
-  EXPECT_NEAR(V.FrequencyRange, 600, 1e-9);
-  EXPECT_EQ(V.TotalIntensity, 3);
-  EXPECT_EQ(Main.Spectrum1.Visible, -1);
-  EXPECT_EQ(Main.MolRender1.Visible, 0);
-  EXPECT_EQ(Shown().Pointers, (std::vector{MousePointer::Hourglass, MousePointer::Default}));
-  W.ViewMode = ShieldingView;
-  RefreshView();
-  EXPECT_EQ(V.FrequencyRange, -1);
-  // The intensities of nuclei out of range do not count.
-  W.SpectrumSpan = 10000;
-  Show({{0.5, 1}, {100, 2}, {20000, 8}, {1, 1}});
-  EXPECT_EQ(V.TotalIntensity, 3);
-}
-
-TEST_F(SpectrumTest, EnvelopeOfOnePeak) {
-  Resize(10, 400);
-  for (const Flag Gaussian : {False, True}) {
-    for (const Long Offset : {0, 3, -2}) {
-      Use({{-200, 1}}, -200, -190);
-      V.DisplayMode = EnvelopeOnly;
-      V.UseGaussian = Gaussian;
-      V.HorizontalOffset = Offset;
-      V.CurrentLineWidth = 2;
-      ComputeLineWidths(true);
-      double Largest = 0;
-      for (int Column = 0; Column < 10; ++Column) {
-        const double D = Column + Offset;
-        const double Expected = !IsSet(Gaussian) ? 1 / (1 + D * D) : D * D < 60 ? std::exp(-D * D) : 8.8e-27;
-        EXPECT_NEAR(V.EnvelopeSamples[static_cast<std::size_t>(Column)], Expected, 1e-12) << Column << " " << Gaussian;
-        if (D >= 8 && IsSet(Gaussian)) {
-          EXPECT_DOUBLE_EQ(V.EnvelopeSamples[static_cast<std::size_t>(Column)], 8.8e-27) << Column;
-        }
-        Largest = std::max(Largest, Expected);
-      }
-      ExpectValues("PeakWork1(0)=1 PeakWork2(0)=1");
-      EXPECT_NEAR(V.EnvelopeScale, 400 / (1.2 * Largest), 1e-9 * V.EnvelopeScale);
-    }
-  }
-}
-
 TEST_F(SpectrumTest, EnvelopeLeavesFarPeaksOut) {
   Resize(10, 400);
   Use({{-139, 1}, {-140, 1}, {-200, 1}, {-250, 1}, {-251, 1}, {-200, 1}}, -200, -190);
   V.CurrentLineWidth = 2;
   ComputeLineWidths(false);
-  EXPECT_EQ(FirstOf(W.PeakWork2, 6), (std::vector<Single>{0, 1, 1, 1, 0, 0}));
+  EXPECT_EQ(FirstOf(V.PeakWork2, 6), (std::vector<Single>{0, 1, 1, 1, 0, 0}));
   EXPECT_NEAR(V.EnvelopeSamples[0], 1.0 / 3601 + 1 + 1.0 / 2501, 1e-12);
   EXPECT_EQ(V.EnvelopeScale, 0) << "no scale was asked for";
 
@@ -235,7 +164,7 @@ TEST_F(SpectrumTest, EnvelopeLeavesFarPeaksOut) {
   ExpectValues("PeakWork1(2)=0 EnvelopeSamples(0)=0");
   V.UseGaussian = False;
   ComputeLineWidths(true);
-  EXPECT_EQ(W.PeakWork2[2], 5e-21F);
+  EXPECT_EQ(V.PeakWork2[2], 5e-21F);
   EXPECT_NEAR(V.EnvelopeSamples[0], 2e20, 1e16);
 }
 
@@ -410,87 +339,11 @@ TEST_F(SpectrumTest, EnvelopeIsCutAtTheTop) {
   }
 }
 
-TEST_F(SpectrumTest, AVeryWideViewIsDrawn) {
-  Resize(2500, 400);
-  V.DisplayMode = LinesAndEnvelope;
-  V.CurrentLineWidth = 5;
-  Show({{100, 1}, {300, 2}});
-  EXPECT_EQ(LinesOf(LinePen).size(), 2U);
-  EXPECT_FALSE(LinesOf(EnvelopePen).empty());
-}
-
 void Press(int Button, double XPixels) { Spectrum1_MouseDown(Button, 0, static_cast<Single>(XPixels * 15), 30); }
 void Release(double XPixels) { Spectrum1_MouseUp(LeftButton, 0, static_cast<Single>(XPixels * 15), 30); }
 void Click(double XPixels) {
   Press(LeftButton, XPixels);
   Release(XPixels);
-}
-
-TEST_F(SpectrumTest, PicksTheNearestPeak) {
-  Show({{50, 0.5}, {300, 2}, {300, 1}});
-  W.PeakDegeneracy[1] = 3;
-  Shown().Statuses.clear();
-  Click(FGetPeakRX(-300) + 20);
-  ExpectValues("SelectedPeak=1 PickedPeak=1");
-  EXPECT_EQ(Shown().Statuses, Texts{" Shift=3.000 ppm  Freq=300 Hz  Inten=2  Degen=3  Width=0.5"});
-  Click(FGetPeakRX(-300) - 10);
-  ExpectValues("SelectedPeak=-1 PickedPeak=1");
-  EXPECT_EQ(Shown().Statuses.size(), 1U);
-  EXPECT_EQ(LinesOf(SelectionPen).size(), 2U) << "the mark goes at the next repaint";
-  Press(LeftButton, FGetPeakRX(-50));
-  Release(FGetPeakRX(-50) + 3);
-  EXPECT_EQ(V.SelectedPeak, 0);
-  EXPECT_EQ(Shown().Statuses.back(), " Shift=.500 ppm  Freq=50 Hz  Inten=0.5  Degen=1  Width=0.5");
-  ShowPeakReadout(-1);
-  EXPECT_EQ(V.PickedPeak, -1);
-  EXPECT_EQ(Shown().Statuses.back(), " ");
-  Release(10);
-  EXPECT_EQ(V.SelectedPeak, 0) << "no button was down";
-}
-
-TEST_F(SpectrumTest, ZoomsAndResets) {
-  for (const auto& [From, To] : {std::pair{100, 200}, {200, 100}}) {
-    Show({{100, 1}, {300, 2}});
-    V.PickedPeak = 1;
-    Press(LeftButton, From);
-    Spectrum1_MouseMove(LeftButton, 0, 45, 60);
-    ExpectValues("BandEndX=45 BandEndY=60");
-    Release(To);
-    EXPECT_NEAR(V.ViewLow, -380, 1e-9);
-    EXPECT_NEAR(V.ViewHigh, -260, 1e-9);
-    EXPECT_NEAR(V.HorizontalScale, 500 / 120.0, 1e-9);
-    EXPECT_EQ(V.BandActive, 0);
-    EXPECT_EQ(Main.HScroll1.LargeChange, 200);
-    EXPECT_EQ(Main.HScroll1.SmallChange, 2);
-    EXPECT_TRUE(Shown().Statuses.back().starts_with(" Shift=3.000"));
-    EXPECT_EQ(LinesOf(LinePen)[0].X1, FGetPeakRX(-300));
-  }
-  // Inside the zoom: 4 pixels are enough, and the band is taken within the window shown.
-  Press(LeftButton, 250);
-  Release(254);
-  EXPECT_NEAR(V.ViewLow, -380 + 250 * 0.24, 1e-9);
-  EXPECT_NEAR(V.ViewHigh - V.ViewLow, 0.96, 1e-9);
-  EXPECT_EQ(Main.HScroll1.LargeChange, 2);
-  EXPECT_EQ(Main.HScroll1.SmallChange, 1);
-
-  V.SelectedPeak = V.PickedPeak = 1;
-  SetValue(Main.HScroll1, 40);
-  Main.HScroll2.Value = 10;
-  Press(RightButton, 3);
-  ExpectValues("ViewLow=-500 ViewHigh=100 HorizontalOffset=0");
-  EXPECT_EQ(Main.HScroll1.Value, 0);
-  EXPECT_EQ(Main.HScroll1.LargeChange, 1000);
-  EXPECT_EQ(Main.HScroll1.SmallChange, 10);
-  ExpectValues("CurrentLineWidth=30 SelectedPeak=1 PickedPeak=1");
-}
-
-TEST_F(SpectrumTest, PanBarMovesTheWindowAtDrawingTime) {
-  Show({{100, 1}, {300, 2}});
-  SetValue(Main.HScroll1, -50);
-  ExpectValues("HorizontalOffset=50 ViewLow=-500");
-  EXPECT_EQ(LinesOf(LinePen)[0].X1, 167 - 42);
-  SetValue(Main.HScroll1, 5000);
-  EXPECT_EQ(V.HorizontalOffset, -1000) << "the bar ends there";
 }
 
 TEST_F(SpectrumTest, LineWidthBar) {
@@ -551,47 +404,6 @@ TEST_F(SpectrumTest, LineWidthBarFollowsTheSettings) {
               (std::vector{R.Min, R.Max, R.Large, R.Small, R.Value}))
         << R.Least << ".." << R.Most;
     ExpectValues("LineWidthBarLive=-1 PeakLineWidth(0)=0.5");
-  }
-}
-
-TEST_F(SpectrumTest, IntegratesARange) {
-  Show({{100, 1}, {300, 2}});
-  W.NumSpinHalfAtoms = 4;
-  IntegrateRange(350, 50);
-  EXPECT_EQ(Shown().Statuses.back(), " Integrated intensity from -3.500 to -0.500 ppm equivalent to 4.0 proton(s).");
-  W.SpectraType = 1;
-  IntegrateRange(350, 100);  // the ends do not belong to it
-  EXPECT_EQ(Shown().Statuses.back(), " Integrated intensity from -3.500 to -1.000 ppm equivalent to 2.7 carbon 13(s).");
-}
-
-TEST_F(SpectrumTest, DisplayCommands) {
-  Show({{100, 1}, {300, 2}});
-  SetVisible(Main.Spectrum1, False);
-  W.ViewMode = MoleculeView;
-  mnuEnvelop_Click();
-  EXPECT_EQ(W.ViewMode, SpectrumViewMode);
-  EXPECT_EQ(V.DisplayMode, 1);
-  EXPECT_EQ(Main.mnuViewWidths.Visible, -1);
-  EXPECT_EQ(Main.mnuViewValues.Caption, "Spectral &Values...");
-  EXPECT_EQ(Main.mnuEnvelop.Checked, -1);
-  mnuLinesAndEnvelop_Click();
-  EXPECT_EQ(V.DisplayMode, 2);
-  EXPECT_EQ(Main.mnuEnvelop.Checked, 0);
-  mnuLines_Click();
-  EXPECT_EQ(V.DisplayMode, 0);
-  EXPECT_EQ(Main.mnuViewWidths.Visible, 0);
-  EXPECT_EQ(Main.mnuLines.Checked, -1);
-  mnuGaussian_Click();
-  EXPECT_EQ(V.UseGaussian, -1);
-  V.UseGaussian = False;
-  mnuGaussian_Click();
-  EXPECT_EQ(V.UseGaussian, 0) << "it is checked already";
-  mnuLorentzian_Click();
-  EXPECT_EQ(Main.mnuGaussian.Checked, 0);
-  EXPECT_EQ(Main.mnuLorentzian.Checked, -1);
-  for (const Flag Checked : {True, False}) {
-    mnuMultipleLineWidths_Click();
-    EXPECT_EQ(Main.mnuMultipleLineWidths.Checked, Checked);
   }
 }
 

@@ -99,6 +99,7 @@ void ResetProgram() {
   ResetMainForm();
   Settings = {};
   Workspace = {};
+  LineWork = {};
   InitReferenceElements();
   Workspace.NumReferenceElements = NumReferenceEntries - 1;
   Workspace.ViewMode = MoleculeView;
@@ -158,6 +159,16 @@ FullDisk::FullDisk(unsigned Bytes) {
 }
 
 FullDisk::~FullDisk() { setrlimit(RLIMIT_FSIZE, &Former); }
+
+Texts Pieces(TextView Packed) {
+  Texts All;
+  for (std::size_t End = 0; End != TextView::npos; Packed.remove_prefix(std::min(Packed.size(), End + 1))) {
+    End = Packed.find('|');
+    All.emplace_back(Packed.substr(0, End));
+    if (End == TextView::npos) break;
+  }
+  return All;
+}
 
 Text JoinLines(const Texts& Lines) {
   Text Content;
@@ -223,9 +234,9 @@ void ExpectValues(const Text& Values, const Text& What) {
 }
 
 Integer OpenContent(TextView Content) {
-  Workspace.FileNumber = FreeFile();
-  OpenForInput(WriteFile("content", Content), Workspace.FileNumber);
-  return Workspace.FileNumber;
+  LineWork.FileNumber = FreeFile();
+  OpenForInput(WriteFile("content", Content), LineWork.FileNumber);
+  return LineWork.FileNumber;
 }
 
 std::vector<int> Numbers(const Array<Integer>& Values, int Count) {

@@ -69,6 +69,8 @@ class FullDisk {
   rlimit Former{};
 };
 
+// The pieces of a text between its bars.
+Texts Pieces(TextView Packed);
 // Lines, each with its CR LF.
 Text JoinLines(const Texts& Lines);
 Texts SplitLines(TextView Content);

@@ -28,10 +28,6 @@ Texts RowTexts(const GridControl& Grid, int Row) {
   return Result;
 }
 
-void Type(TextView Keys) {
-  for (const char Key : Keys) PressGridKey(Table, Key);
-}
-
 class TablesTest : public ProgramTest {
  protected:
   // Two protons, a carbon and a sulphur without a molecule; the clipboard is Clipboard.
@@ -67,47 +63,6 @@ class TablesTest : public ProgramTest {
   Text Clipboard = "former";
 };
 
-TEST_F(TablesTest, ShieldingRows) {
-  Show(ShieldingView);
-  EXPECT_EQ(RowTexts(Table, 0), (Texts{"Index", "1(H)", "2(H)", "3(C)", "4(S)"}));
-  EXPECT_EQ(RowTexts(Table, 1), (Texts{"Shielding", "29.5", "12.346", "100.0", "-3.125"}));
-  EXPECT_EQ(RowTexts(Table, 2), (Texts{"Shift", "1.5", "18.654", "80.0", "3.125"}));
-  EXPECT_EQ(RowTexts(Table, 3), (Texts{"Tau", "8.5", "-8.654", "-70.0", "6.875"}));
-}
-
-// What is typed at row 1, column 1 and what is stored then.
-TEST_F(TablesTest, TypedNumbers) {
-  struct Row {
-    const char* Keys;
-    double Stored;
-  };
-  for (const Row& R : {Row{"-12\r", -12}, Row{"1-", 1}, Row{"+3.5x", 3.5}, Row{".\r", 0}, Row{"1.2.3\r", 1.2},
-                       Row{"abc\r", 29.5}, Row{"0000000000000000000000000000000000000000000000012\r", 12},
-                       Row{"99999999999999999999999999999999999999999\r", 29.5}}) {
-    SCOPED_TRACE(R.Keys);
-    W.Shielding[0] = 29.5;
-    Show(ShieldingView);
-    PickCell(Table, 1, 1);
-    Type(R.Keys);
-    EXPECT_FLOAT_EQ(W.Shielding[0], static_cast<Single>(R.Stored));
-    EXPECT_EQ(TableEditing.EditFirstKey, True);
-    EXPECT_EQ(TableEditing.EditActive, False);
-  }
-}
-
-TEST_F(TablesTest, OpenValueIsStoredWhereItWasTyped) {
-  Show(CouplingView);
-  PickCell(Table, 4, 4);
-  Type("8");
-  // The other table has no such row.
-  Show(ShieldingView);
-  EXPECT_EQ(W.Coupling(3, 3), 8);
-  EXPECT_EQ(RowsOf(Table), 4);
-  EXPECT_EQ(TableEditing.EditView, -1);
-  EXPECT_EQ(W.DocumentDirty, True);
-  EXPECT_EQ(Table.Row, 3);
-}
-
 TEST_F(TablesTest, ImpossibleNumbersAreRepairedOnce) {
   W.NMRAtom[1] = 99;
   W.NMRAtom[2] = 4;
@@ -116,57 +71,6 @@ TEST_F(TablesTest, ImpossibleNumbersAreRepairedOnce) {
   EXPECT_EQ(Shown().Boxes, Texts{"warning Impossible index of NMR atom 99."});
   EXPECT_EQ(RowTexts(Table, 0), (Texts{"Coupling", "1(H)", "2(H)", "3(S)", "4(S)"}));
   EXPECT_EQ(W.NMRAtom[1], 2);
-}
-
-TEST_F(TablesTest, ReplacedCells) {
-  struct Row {
-    int View;
-    int Range[4];  // rows, columns
-    Flag Result;
-    const char* Box;
-  };
-  for (const Row& R : {Row{ShieldingView, {2, 3, 1, 1}, False, "warning Shieldings Only!"},
-                       Row{ShieldingView, {1, 3, 2, 1}, False, ""}, Row{ShieldingView, {1, 3, 1, 2}, True, ""},
-                       Row{ShieldingView, {1, 1, 0, 1}, False, "error Subscript out of range"},
-                       Row{CouplingView, {1, 2, 3, 4}, True, ""}, Row{MoleculeView, {1, 1, 1, 1}, False, ""}}) {
-    SCOPED_TRACE(R.View * 1000 + R.Range[0] * 100 + R.Range[2]);
-    Show(R.View);
-    Shown().Boxes.clear();
-    SetGridSelection(Table, R.Range[0], R.Range[1], R.Range[2], R.Range[3]);
-    EXPECT_EQ(ReplaceSelectedCells(2.5), R.Result);
-    EXPECT_EQ(Shown().Boxes.empty() ? Text() : Shown().Boxes[0].substr(0, Text(R.Box).size()), R.Box);
-  }
-  EXPECT_EQ(FirstOf(W.Shielding, 4), (std::vector<Single>{2.5, 2.5, 100, -3.125}));
-  EXPECT_EQ(W.Coupling(0, 2), 2.5F);
-  EXPECT_EQ(W.Coupling(3, 1), 2.5F);
-  EXPECT_EQ(W.Coupling(0, 1), 7);
-}
-
-TEST_F(TablesTest, ClipboardHasHeadersAroundTheSelection) {
-  Show(ShieldingView);
-  PickRange(Table, 3, 3, 2, 2);
-  EXPECT_EQ(CopyTableSelection(), True);
-  EXPECT_EQ(Clipboard, "Index\t2(H)\t3(C)\r\nShift\t18.654\t80.0\r\nTau\t-8.654\t-70.0");
-  Clipboard = "former";
-  SetGridSelection(Table, 1, 1, 2, 1);
-  CopyTableSelection();
-  EXPECT_EQ(Clipboard, "former");
-  CopyValuesSelection();
-
-  ShowShieldTensor();
-  PickRange(ValuesGrid(), 5, 5, 6, 5);
-  CopyValuesSelection();
-  EXPECT_EQ(Clipboard, "\t2(H)\r\n\tSigma(y)\r\nEigenvalues\t24.0\r\nIsotropic\t");
-  SetGridSelection(ValuesGrid(), 1, 1, 2, 1);
-  CopyValuesSelection();
-  EXPECT_EQ(Clipboard, "");
-  Platform.SetClipboard = [](const Text&) { throw Failure("Device I/O error"); };
-  Shown().Boxes.clear();
-  SetGridSelection(Table, 1, 1, 1, 1);
-  CopyTableSelection();
-  CopyValuesSelection();
-  EXPECT_EQ(Shown().Boxes, (Texts{"error Error occured while copying to clipboard:\r\nDevice I/O error.",
-                                  "error Error occured while copying to clipboard:\r\nDevice I/O error"}));
 }
 
 TEST_F(TablesTest, TensorPlaces) {
@@ -226,31 +130,6 @@ TEST_F(TablesTest, MostListedPeaksAndOneMore) {
                                  "maximum number of peaks is 5449."});
 }
 
-TEST_F(TablesTest, PlottedSelections) {
-  Show(ShieldingView);
-  struct Row {
-    int Range[4];  // rows, columns
-    int Result;
-    const char* Title;
-  };
-  for (const Row& R : {Row{{1, 1, 1, 2}, 0, "Shielding"}, Row{{3, 3, 2, 4}, 0, "Tau"},
-                       Row{{2, 3, 1, 4}, 0, "Shift and Tau"}, Row{{1, 1, 0, 2}, 1, "Shift and Tau"},
-                       Row{{1, 3, 2, 2}, 1, "Shift and Tau"}, Row{{1, 3, 1, 4}, 0, "Shielding and Shift"}}) {
-    SCOPED_TRACE(R.Range[0] * 1000 + R.Range[1] * 100 + R.Range[2] * 10 + R.Range[3]);
-    SetGridSelection(Table, R.Range[0], R.Range[1], R.Range[2], R.Range[3]);
-    EXPECT_EQ(PlotTableSelection(), R.Result);
-    EXPECT_EQ(MemberText(Graph(), ChartTitle), R.Title);
-  }
-  EXPECT_EQ(MemberNumber(Graph(), ChartNumPoints), 4);
-  EXPECT_EQ(MemberNumber(Graph(), ChartNumSets), 3);
-  EXPECT_EQ(Graph().Points.size(), 12U);
-  EXPECT_EQ(PointValue(Graph(), 2, 1), -8.654);
-  EXPECT_EQ(Graph().SetNames, (Texts{"Shielding", "Shift", "Tau"}));
-  EXPECT_EQ(Table.Row, 3);
-  EXPECT_EQ(Table.Col, 4);
-  EXPECT_EQ(Table.SelStartRow, 1);
-}
-
 // The bars of a picture: filled shapes in a set's colour that are no legend boxes.
 TEST_F(TablesTest, NegativeBarsHangFromZero) {
   ChartControl Chart(nullptr, "Test");
@@ -288,25 +167,6 @@ TEST_F(TablesTest, NegativeBarsHangFromZero) {
   }
 }
 
-TEST_F(TablesTest, LargestCouplingTableIsSmall) {
-  constexpr int NumAtoms = 2340;
-  W.NumNMRAtoms = NumAtoms;
-  W.NMRAtom.ReDim(NumAtoms);
-  W.NMRAtomicNumber.ReDim(NumAtoms);
-  for (int Atom = 0; Atom < NumAtoms; ++Atom) W.NMRAtom[Atom] = Atom + 1;
-  ExtendForResults();
-  W.Coupling.ReDim(NumAtoms, NumAtoms);
-  W.Coupling(NumAtoms - 1, NumAtoms - 1) = 1.25F;
-  Show(CouplingView);
-  EXPECT_EQ(RowsOf(Table), 2341);
-  EXPECT_EQ(CellText(Table, NumAtoms, NumAtoms), "1.250");
-  EXPECT_EQ(CellText(Table, 1, NumAtoms), "0.000");
-  const GridCells& Cells = Table.Cells;
-  const std::size_t Bytes =
-      Cells.Kinds.capacity() + 4 * Cells.Contents.capacity() + sizeof(Text) * Cells.Texts.capacity();
-  EXPECT_LT(Bytes, 40U << 20);
-}
-
 TEST(Grid, CellsSurviveANewSize) {
   GridControl Grid(nullptr, "Test");
   SetGridSize(Grid, 3, 3);
@@ -329,16 +189,6 @@ TEST(Grid, CellsSurviveANewSize) {
   EXPECT_EQ(FailureOf([&] { SetCellNumbers(Grid, 0, 2, Numbers, "0.0"); }), "Subscript out of range");
 }
 
-TEST(Grid, TextsTakeNoMoreRoomThanCells) {
-  GridControl Grid(nullptr, "Test");
-  const Single Number[] = {1.0F};
-  for (int Round = 0; Round < 100; ++Round) {
-    SetCellText(Grid, 1, 1, "typed");
-    SetCellNumbers(Grid, 1, 1, Number, "0.000");
-  }
-  EXPECT_EQ(Grid.Cells.Texts.size(), 1U);
-}
-
 TEST(Grid, MovesOfTheProgramLeaveTheSelection) {
   GridControl Grid(nullptr, "Test");
   SetGridSize(Grid, 5, 5);
@@ -354,6 +204,75 @@ TEST(Grid, MovesOfTheProgramLeaveTheSelection) {
   PickRange(Grid, 0, 0, 4, 1);
   EXPECT_EQ(Grid.Row, 1);
   EXPECT_EQ(Grid.SelStartCol, 0);
+}
+
+void Type(TextView Keys) {
+  for (const char Key : Keys) PressGridKey(Table, Key);
+}
+
+TEST_F(TablesTest, OpenValueIsStoredWhereItWasTyped) {
+  Show(CouplingView);
+  PickCell(Table, 4, 4);
+  Type("8");
+  // The other table has no such row.
+  Show(ShieldingView);
+  EXPECT_EQ(W.Coupling(3, 3), 8);
+  EXPECT_EQ(RowsOf(Table), 4);
+  EXPECT_EQ(TableEditing.EditView, -1);
+  EXPECT_EQ(W.DocumentDirty, True);
+  EXPECT_EQ(Table.Row, 3);
+}
+
+TEST_F(TablesTest, ClipboardHasHeadersAroundTheSelection) {
+  Show(ShieldingView);
+  PickRange(Table, 3, 3, 2, 2);
+  EXPECT_EQ(CopyTableSelection(), True);
+  EXPECT_EQ(Clipboard, "Index\t2(H)\t3(C)\r\nShift\t18.654\t80.0\r\nTau\t-8.654\t-70.0");
+  Clipboard = "former";
+  SetGridSelection(Table, 1, 1, 2, 1);
+  CopyTableSelection();
+  EXPECT_EQ(Clipboard, "former");
+  CopyValuesSelection();
+
+  ShowShieldTensor();
+  PickRange(ValuesGrid(), 5, 5, 6, 5);
+  CopyValuesSelection();
+  EXPECT_EQ(Clipboard, "\t2(H)\r\n\tSigma(y)\r\nEigenvalues\t24.0\r\nIsotropic\t");
+  SetGridSelection(ValuesGrid(), 1, 1, 2, 1);
+  CopyValuesSelection();
+  EXPECT_EQ(Clipboard, "");
+  Platform.SetClipboard = [](const Text&) { throw Failure("Device I/O error"); };
+  Shown().Boxes.clear();
+  SetGridSelection(Table, 1, 1, 1, 1);
+  CopyTableSelection();
+  CopyValuesSelection();
+  EXPECT_EQ(Shown().Boxes, (Texts{"error Error occured while copying to clipboard:\r\nDevice I/O error.",
+                                  "error Error occured while copying to clipboard:\r\nDevice I/O error"}));
+}
+
+TEST_F(TablesTest, PlottedSelections) {
+  Show(ShieldingView);
+  struct Row {
+    int Range[4];  // rows, columns
+    int Result;
+    const char* Title;
+  };
+  for (const Row& R : {Row{{1, 1, 1, 2}, 0, "Shielding"}, Row{{3, 3, 2, 4}, 0, "Tau"},
+                       Row{{2, 3, 1, 4}, 0, "Shift and Tau"}, Row{{1, 1, 0, 2}, 1, "Shift and Tau"},
+                       Row{{1, 3, 2, 2}, 1, "Shift and Tau"}, Row{{1, 3, 1, 4}, 0, "Shielding and Shift"}}) {
+    SCOPED_TRACE(R.Range[0] * 1000 + R.Range[1] * 100 + R.Range[2] * 10 + R.Range[3]);
+    SetGridSelection(Table, R.Range[0], R.Range[1], R.Range[2], R.Range[3]);
+    EXPECT_EQ(PlotTableSelection(), R.Result);
+    EXPECT_EQ(MemberText(Graph(), ChartTitle), R.Title);
+  }
+  EXPECT_EQ(MemberNumber(Graph(), ChartNumPoints), 4);
+  EXPECT_EQ(MemberNumber(Graph(), ChartNumSets), 3);
+  EXPECT_EQ(Graph().Points.size(), 12U);
+  EXPECT_EQ(PointValue(Graph(), 2, 1), -8.654);
+  EXPECT_EQ(Graph().SetNames, (Texts{"Shielding", "Shift", "Tau"}));
+  EXPECT_EQ(Table.Row, 3);
+  EXPECT_EQ(Table.Col, 4);
+  EXPECT_EQ(Table.SelStartRow, 1);
 }
 
 }  // namespace

@@ -71,32 +71,6 @@ TEST_F(TypingTest, TypesASystemOfAnyOrigin) {
   ExpectValues("AtomTypesChanged=-1 MoleculeLoaded=-1 NumMolecules=1 MoleculeAtomCount(0)=3");
 }
 
-TEST_F(TypingTest, ConditionsOfRules) {
-  // Types of carbon 1 of acetaldehyde-like rows, by one rule each that must or must not hold.
-  const Text Rows =
-      "\n\n\nC 1.39 0 0\nC .695 1.204 0\nC -.695 1.204 0\nC -1.39 0 0\nC -.695 -1.204 0\nC .695 -1.204 0\n"
-      "C 2.90 0 0\nH 1.235 2.139 0\nH -1.235 2.139 0\nH -2.47 0 0\nH -1.235 -2.139 0\nH 1.235 -2.139 0\n"
-      "O 3.51 1.07 0\nH 3.45 -.95 0\n";
-  const struct {
-    const char* Conditions;
-    bool Holds;
-  } Cases[] = {
-      {"", true},           {"bonds 3", true},      {"bonds 4", false},  {"bonds 2-3", true}, {"bonds 4+", false},
-      {"aromatic", true},   {"no aromatic", false}, {"ring", true},      {"ring 5", false},   {"ring 5-6", true},
-      {"no ring 6", false}, {":C", true},           {"2 :C", true},      {"3 :C", false},     {"3 ~C", true},
-      {"-C", true},         {"=C", false},          {"no =C, -C", true}, {"-N/C", true},      {"-*, no ~H", true},
-      {"-[C1]", true},      {"-[HC/HO]", false},    {"0 -C", false},
-  };
-  for (const auto& Case : Cases) {
-    SetFiles("Types\nHC\nO1\nC1\nC2\nHO\nX\n", Text("forcefield krdo\nHC H\nO1 O\nC1 C =O\nX C ~[C1], ") +
-                                                   (*Case.Conditions == '\0' ? "ring" : Case.Conditions) +
-                                                   " ; comment\nC2 C\n");
-    OpenText("benzaldehyde.zmt", Rows);
-    EXPECT_EQ(Boxes(), "") << Case.Conditions;
-    EXPECT_EQ(Types().substr(0, 5), Case.Holds ? "X C2 " : "C2 C2") << Case.Conditions;
-  }
-}
-
 TEST_F(TypingTest, ErrorsOfRulesNameTheirLines) {
   const struct {
     const char* Rule;
@@ -167,18 +141,6 @@ TEST_F(TypingTest, TypeFileHasToBeTheOneOfTheRules) {
   EXPECT_EQ(CompareTypeFile(WriteFile("words.txt", "H\nABCDxyz\n")), False) << "four characters count";
 }
 
-TEST_F(TypingTest, FilesThatAreMissingAreReportedAtACalculationOnly) {
-  std::remove((Settings.NMRParmPath + "/nmrtype.txt").c_str());
-  PrepareTypeRules(TypingTime::StartUp);
-  EXPECT_EQ(Boxes(), "");
-  PrepareTypeRules();
-  EXPECT_EQ(Boxes(), "plain Failure on " + Settings.NMRParmPath + "/nmrtype.txt: File not found.");
-  Shown().Boxes.clear();
-  WriteFile("parm/nmrtype.txt", "");
-  PrepareTypeRules();
-  EXPECT_EQ(Boxes(), "plain Empty type file.");
-}
-
 TEST_F(TypingTest, ShippedRulesGiveEveryElementAType) {
   Settings.NMRParmPath = ZELVANOR_DATA;
   Text Rows = "\n\n\n";
@@ -213,53 +175,6 @@ TEST_F(TypingTest, BrokenRuleFilesAreCompiledOrRefused) {
     }
   }
   EXPECT_GT(Refused, 100);
-}
-
-struct LogTest : ProgramTest {};
-
-TEST_F(LogTest, NamesTheFileOrLeavesEverything) {
-  const Text Log = WriteFile("old.log", "former\n");
-  const struct {
-    std::optional<Text> File;
-    std::optional<BoxAnswer> Answer;
-    Text Path;
-    Text Content;
-  } Cases[] = {
-      {std::nullopt, std::nullopt, "", "former\n"},
-      {Log, BoxAnswer::Cancel, "", "former\n"},
-      {Log, BoxAnswer::No, Log, "former\n"},
-      {Log, BoxAnswer::Yes, Log, " \r\n"},
-      {TempPath("new.log"), std::nullopt, TempPath("new.log"), " \r\n"},
-  };
-  for (const auto& Case : Cases) {
-    Shown().Boxes.clear();
-    Shown().Files = {Case.File};
-    if (Case.Answer) Shown().Answers = {*Case.Answer};
-    mnuStartLog_Click();
-    EXPECT_EQ(Workspace.LogFilePath, Case.Path);
-    EXPECT_EQ(ReadBytes(Log), Case.Content);
-    EXPECT_EQ(Boxes(), Case.Answer ? "question File already exists.  Do you wish to replace it (use No to append to "
-                                     "it)?"
-                                   : "");
-    EXPECT_EQ(IsSet(Main.mnuStartLog.Enabled), Case.Path.empty());
-    EXPECT_EQ(IsSet(Main.mnuStopLog.Enabled), !Case.Path.empty());
-    mnuStopLog_Click();
-    EXPECT_EQ(Workspace.LogFilePath, "");
-    EXPECT_TRUE(IsSet(Main.mnuStartLog.Enabled));
-    EXPECT_FALSE(IsSet(Main.mnuStopLog.Enabled));
-  }
-  EXPECT_FALSE(Exists(TempPath("new.log"))) << "the backend makes the file";
-  const FileDialog& Dialog = Shown().Dialogs.front();
-  EXPECT_EQ(Dialog.Title + "|" + Dialog.FileName + "|" + Dialog.Filter + "|" + Dialog.DefaultExtension,
-            "Start Log|nmr.log|Log Files (*.LOG)|*.LOG|log");
-}
-
-TEST_F(LogTest, FileThatCantBeEmptiedIsNamedAllTheSame) {
-  Shown().Files = {Text("/dev/full")};
-  Shown().Answers = {BoxAnswer::Yes};
-  mnuStartLog_Click();
-  EXPECT_EQ(Workspace.LogFilePath, "/dev/full");
-  EXPECT_FALSE(IsSet(Main.mnuStartLog.Enabled));
 }
 
 }  // namespace zelvanor::test

@@ -8,7 +8,7 @@ class WorkspaceTest : public ProgramTest {};
 
 Texts TokensAfter(TextView Line, int& Count) {
   Count = Tokenize(Line);
-  return FirstOf(Workspace.Tokens, Workspace.Tokens.UpperBound() + 1);
+  return FirstOf(LineWork.Tokens, LineWork.Tokens.UpperBound() + 1);
 }
 
 TEST_F(WorkspaceTest, TokensOfOneLineAfterAnother) {
@@ -31,22 +31,7 @@ TEST_F(WorkspaceTest, TokensOfOneLineAfterAnother) {
     EXPECT_EQ(TokensAfter(R.Line, Count), R.Tokens) << "'" << R.Line << "'";
     EXPECT_EQ(Count, R.Count) << "'" << R.Line << "'";
   }
-  EXPECT_EQ(FailureOf([] { Workspace.Tokens[6] = ""; }), "Subscript out of range");
-}
-
-TEST_F(WorkspaceTest, PlacesOfTokens) {
-  struct Row {
-    const char* Line;
-    int From;
-    int Start;
-    int End;
-  };
-  const Row Rows[] = {{"ab cd", 1, 1, 3}, {"ab cd", 3, 4, 3}, {" \tab", 1, 3, 1}, {"ab  ", 3, 0, 3},
-                      {"", 1, 0, 1},      {"ab", 3, 0, 3},    {"ab", 2, 2, 3}};
-  for (const Row& R : Rows) {
-    EXPECT_EQ(NextTokenStart(R.Line, R.From), R.Start) << "'" << R.Line << "' from " << R.From;
-    EXPECT_EQ(NextTokenEnd(R.Line, R.From), R.End) << "'" << R.Line << "' from " << R.From;
-  }
+  EXPECT_EQ(FailureOf([] { LineWork.Tokens[6] = ""; }), "Subscript out of range");
 }
 
 TEST_F(WorkspaceTest, ElementTable) {
@@ -63,16 +48,6 @@ TEST_F(WorkspaceTest, ElementTable) {
   const std::pair<const char*, int> Words[] = {{"cl", 17}, {"CL", 17}, {"lp", 0},  {"??", 104}, {"", -1},
                                                {" C", -1}, {"C ", -1}, {"Xx", -1}, {"1", -1}};
   for (const auto& [Symbol, Number] : Words) EXPECT_EQ(ElementNumber(Symbol), Number) << "'" << Symbol << "'";
-}
-
-TEST_F(WorkspaceTest, FlagTexts) {
-  for (const char* Word : {"Y", "y", "yes", "YES", "Yes", "true", "T", "t", "1"})
-    EXPECT_EQ(BoolFromText(Word), -1) << Word;
-  for (const char* Word : {"", " yes", "yes ", "on", "-1", "0", "no", "2", "ye", "truee"}) {
-    EXPECT_EQ(BoolFromText(Word), 0) << "'" << Word << "'";
-  }
-  EXPECT_EQ(TextFromBool(-1), "Yes");
-  for (const int Value : {0, 1, 2, -2}) EXPECT_EQ(TextFromBool(Value), "No") << Value;
 }
 
 TEST_F(WorkspaceTest, BoxesAndStatusLine) {
@@ -106,14 +81,6 @@ TEST_F(WorkspaceTest, BoxesAndStatusLine) {
   EXPECT_TRUE(EndsProgram(EndProgram));
 }
 
-TEST_F(WorkspaceTest, FileExistsMeansThatItCanBeRead) {
-  EXPECT_EQ(FileExists(WriteFile("there", "")), -1);
-  EXPECT_EQ(FileExists(TempPath("not-there")), 0);
-  EXPECT_EQ(FileExists(TempPath("no-folder/file")), 0);
-  EXPECT_EQ(FileExists(MakeFolder("folder")), 0);
-  EXPECT_EQ(FileExists(""), 0);
-}
-
 TEST_F(WorkspaceTest, NamesWithIndicesBeyondReason) {
   for (const char* Name : {"picToolbar(1E+30)", "picToolbar(-1)", "mnuFile(-1)", "picToolbar(99)"}) {
     EXPECT_EQ(FindControl(Name), nullptr) << Name;
@@ -124,66 +91,6 @@ TEST_F(WorkspaceTest, NamesWithIndicesBeyondReason) {
   EXPECT_EQ(Workspace.NMRAtom[5], 7) << "a short list grows";
   EXPECT_EQ(FailureOf([&] { Atoms.Write(2000000000, 0, "7"); }), "Subscript out of range");
   EXPECT_EQ(FailureOf([&] { Atoms.Write(-1, 0, "7"); }), "Subscript out of range");
-}
-
-TEST_F(WorkspaceTest, ClearWorkspaceEmptiesAllButTheTensor) {
-  WorkspaceState& W = Workspace;
-  W.NumAtoms = W.NumMolecules = W.NumQuantumAtoms = W.NumNMRAtoms = W.NumLabelledAtoms = W.NumEquivalentSets = 3;
-  AllocateAtomTable(3);
-  W.AtomNumber[0] = 9;
-  for (Array<Integer>* Each : {&W.MoleculeAtomCount, &W.QuantumAtom, &W.NMRAtom, &W.LabelledAtom, &W.NMRAtomicNumber}) {
-    SetArray(*Each, {4, 5, 6});
-  }
-  SetArray(W.Shielding, {1, 2, 3});
-  SetArray(W.ChemicalShift, {1, 2, 3});
-  SetArray(W.ShieldTensor, std::vector<double>(42, 2.5));
-  W.Coupling.ReDim(3, 3);
-  W.EquivalentSetSize[0] = W.EquivalentSetSize[9] = W.EquivalentSetSize[10] = 2;
-  W.NMRAtomsValid = W.ShieldingAvailable = W.CouplingAvailable = W.SpectraAvailable = W.MoleculeLoaded = True;
-  W.PeakCount = 5;
-
-  ClearWorkspace();
-  for (const Integer Count :
-       {W.NumAtoms, W.NumMolecules, W.NumQuantumAtoms, W.NumNMRAtoms, W.NumLabelledAtoms, W.NumEquivalentSets}) {
-    EXPECT_EQ(Count, 0);
-  }
-  for (const int Upper : {W.AtomNumber.UpperBound(),
-                          W.AtomName.UpperBound(),
-                          W.AtomicNumber.UpperBound(),
-                          W.AtomElement.UpperBound(),
-                          W.AtomType.UpperBound(),
-                          W.AtomFlags.UpperBound(),
-                          W.AtomCharge.UpperBound(),
-                          W.AtomX.UpperBound(),
-                          W.AtomY.UpperBound(),
-                          W.AtomZ.UpperBound(),
-                          W.AtomCoordination.UpperBound(),
-                          W.AtomNeighbour.UpperRow(),
-                          W.AtomBondType.UpperRow(),
-                          W.AtomMolecule.UpperBound(),
-                          W.AtomInMolecule.UpperBound(),
-                          W.MoleculeAtomCount.UpperBound(),
-                          W.QuantumAtom.UpperBound(),
-                          W.NMRAtom.UpperBound(),
-                          W.LabelledAtom.UpperBound(),
-                          W.NMRAtomicNumber.UpperBound(),
-                          W.Shielding.UpperBound(),
-                          W.ChemicalShift.UpperBound(),
-                          W.Coupling.UpperRow(),
-                          W.Coupling.UpperColumn()}) {
-    EXPECT_EQ(Upper, 0);
-  }
-  EXPECT_EQ(W.AtomNumber[0], 0);
-  EXPECT_EQ(W.ShieldTensor.UpperBound(), 42);
-  ExpectValues(
-      "ShieldTensor(0)=2.5 EquivalentSetSize(9)=0 EquivalentSetSize(10)=2 NMRAtomsValid=0 ShieldingAvailable=0 "
-      "CouplingAvailable=0 SpectraAvailable=-1 MoleculeLoaded=-1");
-
-  SetPeaks({{1, 1}, {2, 1}});
-  ClearSpectrum();
-  EXPECT_EQ(W.PeakFrequency.UpperBound(), 0);
-  EXPECT_EQ(W.PeakWork2.UpperBound(), 0);
-  ExpectValues("PeakFrequency(0)=0 SpectraAvailable=0 PeakCount=2");
 }
 
 }  // namespace

@@ -81,13 +81,6 @@ TEST_F(ZMatrixTest, PlacesRowsInAllTheirForms) {
   }
 }
 
-TEST_F(ZMatrixTest, MoreKeywordLinesShiftTheRows) {
-  OpenRows("O\nH 0.96 1\n", "AM1 +\nPRECISE\ntitle\n\n");
-  EXPECT_EQ(Places(), "O 0 0 0, H 0.96 0 0") << "one more line";
-  OpenRows("O\nH 0.96 1\n", "AM1 &\nPRECISE\ntitle\n");
-  EXPECT_EQ(Places(), "O 0 0 0, H 0.96 0 0") << "in the place of a title";
-}
-
 TEST_F(ZMatrixTest, ReportsRowsByLine) {
   const Text Start = "O\nH 1 1\nH 1 1 90 1 1 2\n";
   const struct {
@@ -119,14 +112,6 @@ TEST_F(ZMatrixTest, ReportsRowsByLine) {
                            ": " + Case.What + ".");
     EXPECT_EQ(Workspace.NumAtoms, 0) << Case.Rows;
     EXPECT_FALSE(IsSet(Workspace.MoleculeLoaded)) << Case.Rows;
-  }
-}
-
-TEST_F(ZMatrixTest, FileWithoutAtomsIsReported) {
-  for (const char* Rows : {"", "XX\nXX 1 0\n", "\nO\n"}) {
-    OpenRows(Rows);
-    EXPECT_EQ(Boxes(), "warning There are no atoms in the Z-Matrix file - " + TempPath("rows.zmt") + ".") << Rows;
-    EXPECT_FALSE(IsSet(Workspace.MoleculeLoaded));
   }
 }
 
@@ -173,42 +158,6 @@ TEST_F(ZMatrixTest, BondsAreThoseThatAChemistDraws) {
   }
 }
 
-TEST_F(ZMatrixTest, TheFormerTreeGoesWhenTheNextIsThere) {
-  OpenRows("O\nH 1 1\n");
-  const Htr First = TreeHandleValue();
-  OpenRows("O\nH 1 1\nH 1 1 90 1\n");
-  const Htr Second = TreeHandleValue();
-  EXPECT_NE(First, Second);
-  EXPECT_EQ(CountTrees(), 1);
-  OpenRows("O\nQq 1 1\n");  // a file that can't be read leaves the tree that is there
-  EXPECT_EQ(TreeHandleValue(), Second);
-  EXPECT_EQ(CountTrees(), 1);
-}
-
-TEST_F(ZMatrixTest, DocumentOfAnImportedSystemGivesTheSameTable) {
-  OpenRows("O 0.1234567 1 3.3333333 1 -101.98765432 1\nH 1.1 1 3.4 1 -101.9 1\nC 0.0009999 1 2.2 1 -101.5 1\n");
-  const auto Table = [] {
-    Text All = Bonds() + Places();
-    for (int Atom = 0; Atom < Workspace.NumAtoms; ++Atom) {
-      for (const auto* Values : {&Workspace.AtomX, &Workspace.AtomY, &Workspace.AtomZ}) {
-        All += " " + std::to_string((*Values)[Atom]);
-      }
-      All += Text(Workspace.AtomType[Atom].View()) + Text(Workspace.AtomElement[Atom].View());
-    }
-    return All;
-  };
-  const Text Before = Table();
-  Workspace.SemiEmpiricalMethod = "KRDO1";
-  Workspace.SpinMultiplicity = 1;
-  Shown().Files.push_back(TempPath("saved.NMR"));
-  mnuFileSaveAs_Click();
-  Shown().Files.push_back(TempPath("saved.NMR"));
-  mnuFileOpen_Click();
-  EXPECT_EQ(Boxes(), "");
-  EXPECT_EQ(Workspace.NumAtoms, 3);
-  EXPECT_EQ(Table(), Before);
-}
-
 // Whatever a file holds, reading it ends with a result or a Failure.
 TEST_F(ZMatrixTest, BrokenFilesEndWithAResultOrAFailure) {
   const Text Whole = ReadBytes(Text(ZELVANOR_DATA) + "/../examples/acetonitrile.zmt");
@@ -236,23 +185,6 @@ TEST_F(ZMatrixTest, BrokenFilesEndWithAResultOrAFailure) {
   }
   EXPECT_GT(Read, 100);
   EXPECT_GT(Refused, 100);
-}
-
-TEST(MatchingTest, OddRingsAreNoObstacle) {
-  // Two triangles on a way: the search has to contract both, and every vertex gets a mate.
-  Matching M;
-  StartMatching(M, 8);
-  const int Edges[][2] = {{0, 1}, {1, 2}, {2, 0}, {2, 3}, {3, 4}, {4, 5}, {5, 6}, {6, 4}, {0, 7}};
-  for (const auto& [First, Second] : Edges) AddEdge(M, First, Second);
-  M.Mate = {1, 0, 3, 2, 5, 4, -1, -1};
-  EXPECT_TRUE(FindMate(M, 6));
-  EXPECT_EQ(std::count(M.Mate.begin(), M.Mate.end(), -1), 0);
-  for (int Vertex = 0; Vertex < 8; ++Vertex) {
-    const int Mate = M.Mate[static_cast<std::size_t>(Vertex)];
-    const auto& Own = M.Edges[static_cast<std::size_t>(Vertex)];
-    EXPECT_EQ(M.Mate[static_cast<std::size_t>(Mate)], Vertex);
-    EXPECT_NE(std::find(Own.begin(), Own.end(), Mate), Own.end());
-  }
 }
 
 }  // namespace zelvanor::test

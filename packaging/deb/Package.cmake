@@ -17,12 +17,13 @@ published increments, and simulates the spectrum of the spin system exactly. It
 shows spectrum, tables, plots and the molecule in three dimensions.
 .
 The package has the window (zelvanor), the same program for scripts without a
-display (zelvanor-batch), the backend of the calculations, a stand-in for the
-modelling program (morvantis-sim), the manual and examples.")
+display (zelvanor-batch), the reader of molecule files (zelvanor-convert), the
+backend of the calculations, a stand-in for the modelling program
+(morvantis-sim), the manual and examples.")
 # The libraries are found out from the programs; the drawings of the icons and the text need more than these.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, fonts-dejavu-core | fonts-liberation | fonts-freefont-ttf")
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, qt6-wayland")
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "default-dbus-session-bus | dbus-session-bus, qt6-wayland, openbabel")
 execute_process(COMMAND dpkg --print-architecture OUTPUT_VARIABLE ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE
                 ERROR_QUIET RESULT_VARIABLE NO_DPKG)
 if(NO_DPKG)

@@ -1,5 +1,7 @@
 #include "atomsets/AtomSetChecks.h"
 
+#include <vector>
+
 #include "atomsets/AtomSets.h"
 #include "shell/MainForm.h"
 #include "workspace/Helpers.h"
@@ -10,26 +12,25 @@ namespace {
 
 WorkspaceState& W = Workspace;
 
-// Takes over the count and the entries; any difference makes the document dirty and a stage stale. RecreateFor
-// allocates what hangs on a new count, TakeEntry sets what hangs on an entry.
-template <class Recreate, class Take>
-void TakeEntries(const WorkList& Work, Array<Integer>& Set, Integer& Count, Flag& Stale, Recreate RecreateFor,
-                 Take TakeEntry) {
+void MarkChanged(Flag& Stale) { W.DocumentDirty = Stale = True; }
+
+// Takes over the count and the entries; any difference makes the document dirty and a stage stale. Returns the entries
+// that changed.
+std::vector<int> TakeEntries(const WorkList& Work, Array<Integer>& Set, Integer& Count, Flag& Stale) {
   if (Work.Count != Count) {
-    W.DocumentDirty = Stale = True;
-    RecreateFor(Work.Count);
+    MarkChanged(Stale);
     Set.ReDim(Work.Count);
     Count = Work.Count;
   }
+  std::vector<int> Changed;
   for (int Entry = 0; Entry < Count; ++Entry) {
     if (Set[Entry] == Work.Atom[Entry]) continue;
-    W.DocumentDirty = Stale = True;
     Set[Entry] = Work.Atom[Entry];
-    TakeEntry(Entry);
+    Changed.push_back(Entry);
   }
+  if (!Changed.empty()) MarkChanged(Stale);
+  return Changed;
 }
-
-void DoNothing(int /*CountOrEntry*/) {}
 
 // An atom as messages name it: the atom in its molecule, and the molecule.
 Text PlaceOf(int AtomNumber) {
@@ -88,7 +89,7 @@ void CheckEquivalentAtoms() {
 
 bool TakeQuantumAtoms(const WorkList& Work) {
   if (Work.Count == 0 && W.NumQuantumAtoms == 0) return true;
-  TakeEntries(Work, W.QuantumAtom, W.NumQuantumAtoms, W.ParamResultsStale, DoNothing, DoNothing);
+  TakeEntries(Work, W.QuantumAtom, W.NumQuantumAtoms, W.ParamResultsStale);
   if (const int Outside = FindNMRAtomOutside(); Outside != 0) {
     ShowWarning(Join("NMR atom ", PlaceOf(Outside),
                      " isn't in the region of the quantum atoms, please reset the NMR atoms and/or NMR equivalent "
@@ -107,8 +108,13 @@ bool TakeNMRAtoms(const WorkList& Work) {
     ShowWarning("No NMR atom selection yet. Please make an NMR atom selection.");
     return false;
   }
-  TakeEntries(Work, W.NMRAtom, W.NumNMRAtoms, W.ParamResultsStale, RecreateNMRResults,
-              [](int Entry) { W.NMRAtomicNumber[Entry] = ElementOfAtom(W.NMRAtom[Entry]); });
+  if (Work.Count != W.NumNMRAtoms) {
+    MarkChanged(W.ParamResultsStale);
+    RecreateNMRResults(Work.Count);
+  }
+  for (const int Entry : TakeEntries(Work, W.NMRAtom, W.NumNMRAtoms, W.ParamResultsStale)) {
+    W.NMRAtomicNumber[Entry] = ElementOfAtom(W.NMRAtom[Entry]);
+  }
   EnableSubsets(True);
   if (W.NumQuantumAtoms != 0) {
     if (const int Outside = FindNMRAtomOutside(); Outside != 0) {
@@ -136,7 +142,7 @@ bool TakeLabelledAtoms(const WorkList& Work) {
       return false;
     }
   }
-  TakeEntries(Work, W.LabelledAtom, W.NumLabelledAtoms, W.SpectResultsStale, DoNothing, DoNothing);
+  TakeEntries(Work, W.LabelledAtom, W.NumLabelledAtoms, W.SpectResultsStale);
   return true;
 }
 

@@ -22,7 +22,7 @@ Integer ElementOfAtom(int AtomNumber) {
   return ElementNumber(TrimBlanks(W.AtomElement[AtomNumber - 1].View()));
 }
 
-Text AtomEntryText(int AtomNumber) {
+Text UpperCaseAtomEntry(int AtomNumber) {
   const int Atom = AtomNumber - 1;
   const auto Show = [](auto& Field) {
     Text Shown = UpperCase(TrimBlanks(Field.View()));
@@ -37,13 +37,13 @@ Text AtomEntryText(int AtomNumber) {
 void FillAtomList(ListBox& List, const Array<Integer>& Atoms, int Count) {
   std::vector<Text> Items;
   Items.reserve(static_cast<std::size_t>(std::max(Count, 0)));
-  for (int Entry = 0; Entry < Count; ++Entry) Items.push_back(AtomEntryText(Atoms[Entry]));
+  for (int Entry = 0; Entry < Count; ++Entry) Items.push_back(UpperCaseAtomEntry(Atoms[Entry]));
   SetItems(List, std::move(Items));
 }
 
 void FillWithAllAtoms(ListBox& List) {
   std::vector<Text> Items;
-  for (int Number = 1; Number <= CountListedAtoms(); ++Number) Items.push_back(AtomEntryText(Number));
+  for (int Number = 1; Number <= CountListedAtoms(); ++Number) Items.push_back(UpperCaseAtomEntry(Number));
   SetItems(List, std::move(Items));
 }
 
@@ -71,6 +71,7 @@ AtomNumbers NumbersIn(const Array<Integer>& Atoms, int Count) {
 }
 
 void AddAtomSetVariables() {
+  AddVariable("AtomSetMode", AtomSets.AtomSetMode);
   AddVariable("AtomSetDialogReload", AtomSets.AtomSetDialogReload);
   AddArray("ElementChoice", AtomSets.ElementChoice, [] { return NumElementChoices; });
   AddVariable("ElementChoiceAccepted", AtomSets.ElementChoiceAccepted);

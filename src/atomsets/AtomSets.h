@@ -11,7 +11,7 @@ namespace zelvanor {
 
 // What the dialogs of the atom sets share with one another and with the setup dialog that opens them.
 
-// AtomSetMode: the set that is edited.
+// Values of AtomSetMode.
 inline constexpr int QuantumMode = 1;
 inline constexpr int NMRMode = 2;
 inline constexpr int LabelledMode = 3;
@@ -20,6 +20,7 @@ inline constexpr int EquivalentMode = 4;
 inline constexpr int NumElementChoices = 7;  // H, C, N, O, F, P, and every atom
 
 struct AtomSetsState {
+  Integer AtomSetMode;  // which set the dialog edits
   // Set each time the setup dialog is activated. While it is clear the atom set dialog keeps its lists when it is
   // activated: the user comes back from the choice of elements to what stood there.
   Flag AtomSetDialogReload = False;
@@ -36,9 +37,9 @@ int CountListedAtoms();
 // The element number of a listed atom, by its 1-based number.
 Integer ElementOfAtom(int AtomNumber);
 
-// What a list says of an atom, as "M 1 A 3 C CT". Element and type go back to the atom table as they are shown, trimmed
-// and in upper case. Throws a Failure for a number that is no atom's.
-Text AtomEntryText(int AtomNumber);
+// Trims the element and the type of an atom in the atom table and puts them into upper case, and returns what a list
+// then says of it, as "M 1 A 3 C CT". Throws a Failure for a number that is no atom's.
+Text UpperCaseAtomEntry(int AtomNumber);
 void FillAtomList(ListBox& List, const Array<Integer>& Atoms, int Count);
 void FillWithAllAtoms(ListBox& List);
 

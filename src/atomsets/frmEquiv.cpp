@@ -312,7 +312,7 @@ void BuildEquivalentForm() {
 }
 
 void ShowEquivalentSets() {
-  W.AtomSetMode = EquivalentMode;
+  AtomSets.AtomSetMode = EquivalentMode;
   ShowModal(Dialog.frmEquiv);
 }
 

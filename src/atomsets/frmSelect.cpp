@@ -38,7 +38,7 @@ struct SelectForm {
 SelectForm Dialog;
 
 WorkList& WorkOfMode() {
-  switch (W.AtomSetMode) {
+  switch (AtomSets.AtomSetMode) {
     case QuantumMode:
       return Dialog.Quantum;
     case NMRMode:
@@ -50,8 +50,8 @@ WorkList& WorkOfMode() {
 
 // What List1 is made of; null: of all atoms.
 const WorkList* Candidates() {
-  if (W.AtomSetMode == LabelledMode) return &Dialog.NMR;
-  return W.AtomSetMode == NMRMode && Dialog.Quantum.Count != 0 ? &Dialog.Quantum : nullptr;
+  if (AtomSets.AtomSetMode == LabelledMode) return &Dialog.NMR;
+  return AtomSets.AtomSetMode == NMRMode && Dialog.Quantum.Count != 0 ? &Dialog.Quantum : nullptr;
 }
 
 void CopySet(WorkList& Work, const Array<Integer>& Set, Integer Count) {
@@ -76,9 +76,9 @@ void ShowTexts() {
       {"NMR Atom Selection", "All Atoms", "NMR Atoms", "&Select ..."},
       {"Labelled Atom Selection", "NMR Atoms", "Labelled Atoms", "&Select All"},
   };
-  const ModeTexts& Texts = Rows[W.AtomSetMode - 1];
+  const ModeTexts& Texts = Rows[AtomSets.AtomSetMode - 1];
   SetCaption(Dialog.frmSelect, Texts.Title);
-  SetCaption(Dialog.Label1, W.AtomSetMode == NMRMode && W.NumQuantumAtoms != 0 ? "Quantum Atoms" : Texts.Left);
+  SetCaption(Dialog.Label1, AtomSets.AtomSetMode == NMRMode && W.NumQuantumAtoms != 0 ? "Quantum Atoms" : Texts.Left);
   SetCaption(Dialog.Label2, Texts.Right);
   SetCaption(Dialog.Command5, Texts.SelectButton);
 }
@@ -89,7 +89,7 @@ void RefuseAllAtoms() {
   SetEnabled(Dialog.Command2, False);
   Text Message = "The All Atoms list box cannot display more than 5440 atoms.";
   if (Main.NumSelectedAtoms == 0 || WorkOfMode().Count == 0) {
-    Message += W.AtomSetMode == QuantumMode
+    Message += AtomSets.AtomSetMode == QuantumMode
                    ? "  Please make a quantum atom selection on the workspace of Zelvanor first and then reopen this "
                      "dialog box, Zelvanor will load the selection to the Quantum Atom list box."
                    : "  Please specify the quantum atoms first.";
@@ -123,7 +123,7 @@ void TakeMoleculeSelection() {
   if (Main.NumSelectedAtoms == 0) return;
   if (Work.Count != 0) {
     if (SelectionIsIn(Work)) return;
-    const char* Name = W.AtomSetMode == QuantumMode ? "quantum" : "NMR";
+    const char* Name = AtomSets.AtomSetMode == QuantumMode ? "quantum" : "NMR";
     if (AskYesNo(Join("Would you like to replace the previous ", Name, " atom selection by the current selection?")) !=
         BoxAnswer::Yes) {
       return;
@@ -144,7 +144,7 @@ void Reload() {
   SetEnabled(Dialog.Command2, True);
   ShowTexts();
   FillCandidates();
-  if (W.AtomSetMode != LabelledMode) TakeMoleculeSelection();
+  if (AtomSets.AtomSetMode != LabelledMode) TakeMoleculeSelection();
   ShowWork();
 }
 
@@ -196,7 +196,7 @@ void SelectByElement() {
 }
 
 void Command5_Click() {
-  if (W.AtomSetMode == NMRMode) return SelectByElement();
+  if (AtomSets.AtomSetMode == NMRMode) return SelectByElement();
   SetSelection(Dialog.List1, std::vector<bool>(Dialog.List1.Items.size(), true));
 }
 
@@ -210,7 +210,7 @@ void Command6_Click() {
 void Command4_Click() {
   try {
     bool Done = false;
-    switch (W.AtomSetMode) {
+    switch (AtomSets.AtomSetMode) {
       case QuantumMode:
         Done = TakeQuantumAtoms(Dialog.Quantum);
         break;
@@ -260,7 +260,7 @@ void BuildAtomSetForm() {
 }
 
 void ShowAtomSets(int Mode) {
-  W.AtomSetMode = Mode;
+  AtomSets.AtomSetMode = Mode;
   ShowTexts();  // the title has to be there when the window opens
   ShowModal(Dialog.frmSelect);
 }

@@ -142,14 +142,14 @@ Text BackendCommandLine(TextView Stage) {
 
 Flag EmptyResultFile(const Text& Path) {
   try {
-    W.FileNumber = FreeFile();
-    OpenForOutput(Path, W.FileNumber);
+    LineWork.FileNumber = FreeFile();
+    OpenForOutput(Path, LineWork.FileNumber);
   } catch (const Failure&) {
     ShowWarning(Join("Error opening file: ", Path, "."));
     return False;
   }
   try {
-    CloseFile(W.FileNumber);
+    CloseFile(LineWork.FileNumber);
     return True;
   } catch (const Failure& Problem) {
     WarnOfFailure(Problem);

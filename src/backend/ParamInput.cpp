@@ -16,22 +16,22 @@ namespace {
 WorkspaceState& W = Workspace;
 
 void WriteSelection(const char* Begin, const Array<Integer>& Entries, Integer Count, const char* End) {
-  PrintLine(W.FileNumber, Begin);
-  PrintLine(W.FileNumber, GeneralForm(Count));
-  WriteEntries(Entries, Count, W.FileNumber);
-  PrintLine(W.FileNumber, End);
+  PrintLine(LineWork.FileNumber, Begin);
+  PrintLine(LineWork.FileNumber, GeneralForm(Count));
+  WriteEntries(Entries, Count, LineWork.FileNumber);
+  PrintLine(LineWork.FileNumber, End);
 }
 
 bool WriteInput() {
-  if (!IsSet(WriteOptionLines(Settings.ParamInputFile, W.FileNumber))) return false;
+  if (!IsSet(WriteOptionLines(Settings.ParamInputFile, LineWork.FileNumber))) return false;
   WriteSelection(document::NMRBegin, W.NMRAtom, W.NumNMRAtoms, document::NMREnd);
   if (W.NumQuantumAtoms > 0) {
     WriteSelection(document::QuantumBegin, W.QuantumAtom, W.NumQuantumAtoms, document::QuantumEnd);
   }
-  PrintLine(W.FileNumber, "AtomsBegin");
-  PrintLine(W.FileNumber, GeneralForm(W.NumAtoms));
-  if (!IsSet(WriteSystem(W.FileNumber))) return false;
-  PrintLine(W.FileNumber, "AtomsEnd");
+  PrintLine(LineWork.FileNumber, "AtomsBegin");
+  PrintLine(LineWork.FileNumber, GeneralForm(W.NumAtoms));
+  if (!IsSet(WriteSystem(LineWork.FileNumber))) return false;
+  PrintLine(LineWork.FileNumber, "AtomsEnd");
   return true;
 }
 
@@ -40,14 +40,14 @@ bool WriteInput() {
 Flag WriteParamInput(const Text& Path) {
   Flag Result = False;
   try {
-    W.FileNumber = FreeFile();
-    OpenForOutput(Path, W.FileNumber);
+    LineWork.FileNumber = FreeFile();
+    OpenForOutput(Path, LineWork.FileNumber);
     Result = ToFlag(WriteInput());
-    CloseFile(W.FileNumber);
+    CloseFile(LineWork.FileNumber);
   } catch (const Failure&) {
     Result = False;
   }
-  CloseFileQuietly(W.FileNumber);
+  CloseFileQuietly(LineWork.FileNumber);
   if (!IsSet(Result)) ShowWarning(Join("Error writing the ", Settings.ParamInputFile, " file."));
   return Result;
 }

@@ -53,7 +53,7 @@ void ScanLine(TextView Line, int Count, Routine Store) {
 
 // The next line where the file's end means failure with this warning, or without one.
 TextView NextLine(const Text& WarningAtEnd = {}) {
-  if (!AtEnd(W.FileNumber)) return LineInput(W.FileNumber);
+  if (!AtEnd(LineWork.FileNumber)) return LineInput(LineWork.FileNumber);
   if (!WarningAtEnd.empty()) ShowWarning(WarningAtEnd);
   throw ReadRefused();
 }
@@ -154,7 +154,7 @@ void ReadSpectLines() {
   if (W.PeakCount <= 0) throw ReadRefused();
   // No list is longer than its file: a count that says so is not worth the memory.
   constexpr Double SpareRows = 1.0e6;
-  if (W.PeakCount > RemainingBytes(W.FileNumber) + SpareRows) throw Failure(failures::OutOfMemory);
+  if (W.PeakCount > RemainingBytes(LineWork.FileNumber) + SpareRows) throw Failure(failures::OutOfMemory);
   AllocatePeaks(W.PeakCount);
   const TextView Header = NextLine();
   const auto Holds = [&](const char* Word) { return Header.find(Word) != TextView::npos; };
@@ -171,8 +171,8 @@ template <class Routine>
 Flag ReadResultFile(const Text& Path, Routine ReadLines) {
   Flag Result = False;
   try {
-    W.FileNumber = FreeFile();
-    OpenForInput(Path, W.FileNumber);
+    LineWork.FileNumber = FreeFile();
+    OpenForInput(Path, LineWork.FileNumber);
     ReadLines();
     Result = True;
   } catch (const ReadRefused&) {
@@ -181,7 +181,7 @@ Flag ReadResultFile(const Text& Path, Routine ReadLines) {
     // A backend that never stopped writing is more than a result that can't be read.
     if (Problem.What == failures::FileTooLarge) WarnOfFailure(Problem);
   }
-  CloseFileQuietly(W.FileNumber);
+  CloseFileQuietly(LineWork.FileNumber);
   return Result;
 }
 

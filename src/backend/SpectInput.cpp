@@ -65,7 +65,7 @@ std::vector<Site> KeepCounted(const std::vector<Site>& All) {
   return Kept;
 }
 
-void Print(TextView Line) { PrintLine(W.FileNumber, Line); }
+void Print(TextView Line) { PrintLine(LineWork.FileNumber, Line); }
 
 void PrintSiteCounts(const std::vector<Site>& Sites) {
   Text Line;
@@ -153,15 +153,15 @@ Flag WriteSpectInput(const Text& Path) {
   bool Written = false;
   try {
     if (IsSet(FindSpinHalfNuclei())) {
-      W.FileNumber = FreeFile();
-      OpenForOutput(Path, W.FileNumber);
+      LineWork.FileNumber = FreeFile();
+      OpenForOutput(Path, LineWork.FileNumber);
       ComputeChemicalShifts();
       WriteSites(KeepCounted(BuildSites()));
-      CloseFile(W.FileNumber);
+      CloseFile(LineWork.FileNumber);
       Written = true;
     }
   } catch (const Failure&) {
-    CloseFileQuietly(W.FileNumber);
+    CloseFileQuietly(LineWork.FileNumber);
   }
   if (!Written) {
     ShowWarning(Join("Error writing the file ", Settings.SpectInputFile, "."));

@@ -14,12 +14,14 @@ bool EqualsIgnoringCase(TextView Left, TextView Right);
 // Without the blanks (not tabs) at both ends, or at the left alone.
 TextView TrimBlanks(TextView Value);
 TextView TrimLeftBlanks(TextView Value);
+// What stands between the words of a line.
+inline constexpr TextView Separators = " \t";
 // The words of a line between its blanks; nothing is quoted.
 std::vector<Text> SplitAtBlanks(const Text& Line);
 // Calls Take with each word between the blanks and tabs of a line, in order.
 template <class Visit>
 void ForEachWord(TextView Line, const Visit& Take) {
-  const auto Separates = [](char C) { return C == ' ' || C == '\t'; };
+  const auto Separates = [](char C) { return C == Separators[0] || C == Separators[1]; };
   const char* Place = Line.data();
   const char* const End = Place + Line.size();
   for (;;) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <numbers>
 #include <numeric>
 #include <set>
 
@@ -73,7 +74,7 @@ Double AngleAt(const BondGraph& Graph, int Atom, int First, int Second) {
   const Double A = Graph.Distance(Atom, First);
   const Double B = Graph.Distance(Atom, Second);
   const Double C = Graph.Distance(First, Second);
-  return std::acos(std::clamp((A * A + B * B - C * C) / (2 * A * B), -1.0, 1.0)) * 180.0 / 3.14159265358979323846;
+  return std::acos(std::clamp((A * A + B * B - C * C) / (2 * A * B), -1.0, 1.0)) * 180.0 / std::numbers::pi;
 }
 
 // Whether a nitrogen or oxygen can make one bond more and be positive: flat or stretched nitrogens, oxygens.
@@ -277,13 +278,17 @@ bool IsAromatic(const BondGraph& Graph, const std::vector<int>& Ring, const Bond
 
 }  // namespace
 
-void FindBondOrders(BondGraph& Graph) {
+void FindLocalizedOrders(BondGraph& Graph) {
   Valences V = OpenAll(Graph);
   PairAll(Graph, V);
   for (std::size_t Vertex = 0; Vertex < V.AtomOf.size(); ++Vertex) {
     const int Mate = V.Pairs.Mate[Vertex];
     if (Mate >= 0) ++LinkBetween(Graph, V.AtomOf[Vertex], V.AtomOf[static_cast<std::size_t>(Mate)]).Order;
   }
+}
+
+void FindBondOrders(BondGraph& Graph) {
+  FindLocalizedOrders(Graph);
   FindAromaticRings(Graph);
 }
 

@@ -30,7 +30,9 @@ void FindBonds(BondGraph& Graph);
 // The first pair of atoms that stand in one place, both -1 for none.
 std::array<int, 2> FindClash(const BondGraph& Graph);
 
-// Double, triple and aromatic bonds, from the elements' valences; the hydrogens have to be there.
+// Double and triple bonds from the elements' valences; all bonds are single before and the hydrogens have to be there.
+void FindLocalizedOrders(BondGraph& Graph);
+// The same, and aromatic ones.
 void FindBondOrders(BondGraph& Graph);
 
 // Makes the bonds of rings aromatic whose double bonds and lone pairs give them six electrons.

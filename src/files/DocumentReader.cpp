@@ -27,8 +27,8 @@ struct SelectionRefused {};
 
 // The atom number of an entry line "mol m atom a" that Tokenize has split.
 Integer ReadEntry(const char* SelectionName) {
-  const Integer Molecule = StrictInteger(W.Tokens[2]);
-  Integer Number = StrictInteger(W.Tokens[4]);
+  const Integer Molecule = StrictInteger(LineWork.Tokens[2]);
+  Integer Number = StrictInteger(LineWork.Tokens[4]);
   if (Molecule > W.NumMolecules + 1) {
     ShowWarning(Join("Molecular index ", Molecule, " in the ", SelectionName, " atom selection is invalid."));
     throw SelectionRefused();
@@ -40,8 +40,8 @@ Integer ReadEntry(const char* SelectionName) {
 // Count entry lines and the end line, which is not looked at. A line that is too short leaves its entry at 0.
 void ReadEntries(Array<Integer>& Entries, int Count, const char* SelectionName, Integer FileNumber) {
   for (int Entry = 0; Entry < Count; ++Entry) {
-    W.TokenCount = Tokenize(LineInput(FileNumber));
-    if (W.TokenCount >= EntryTokens) Entries[Entry] = ReadEntry(SelectionName);
+    LineWork.TokenCount = Tokenize(LineInput(FileNumber));
+    if (LineWork.TokenCount >= EntryTokens) Entries[Entry] = ReadEntry(SelectionName);
   }
   LineInput(FileNumber);
 }
@@ -72,8 +72,8 @@ void ReadEquivalentSets(const Text& Path, Integer FileNumber) {
       ++Set;
       W.NumEquivalentSets = Set;
     } else if (Line.starts_with("mol")) {
-      W.TokenCount = Tokenize(Line);
-      if (W.TokenCount < EntryTokens) continue;
+      LineWork.TokenCount = Tokenize(Line);
+      if (LineWork.TokenCount < EntryTokens) continue;
       const Integer Number = ReadEntry("equivalent");
       Integer& Size = W.EquivalentSetSize[Set - 1];
       W.EquivalentAtom(Set - 1, Size) = Number;
@@ -86,35 +86,35 @@ void ReadEquivalentSets(const Text& Path, Integer FileNumber) {
 
 // Opens the file again, so that the next line is its first one.
 void Rewind(const Text& Path) {
-  CloseFile(W.FileNumber);
-  OpenForInput(Path, W.FileNumber);
+  CloseFile(LineWork.FileNumber);
+  OpenForInput(Path, LineWork.FileNumber);
 }
 
 // The molecule block, if the file starts with one. False: leave with failure, the message has been shown.
 bool ReadMolecule(const Text& Path) {
-  if (TrimBlanks(LineInput(W.FileNumber)) != document::BeginHostBlock) {
+  if (TrimBlanks(LineInput(LineWork.FileNumber)) != document::BeginHostBlock) {
     Rewind(Path);
     return true;
   }
   W.MoleculeLoaded = True;
-  if (IsSet(ReadHostBlock(W.FileNumber)) && IsSet(ParseHostText(Path))) return true;
+  if (IsSet(ReadHostBlock(LineWork.FileNumber)) && IsSet(ParseHostText(Path))) return true;
   W.MoleculeLoaded = False;
   return false;
 }
 
 // The sections behind the selections, in any order, to the end of the file.
 bool ReadSections(const Text& Path) {
-  while (!AtEnd(W.FileNumber)) {
-    const TextView Line = LineInput(W.FileNumber);
+  while (!AtEnd(LineWork.FileNumber)) {
+    const TextView Line = LineInput(LineWork.FileNumber);
     Flag Read = True;
     if (Line.starts_with(document::OptionsBegin)) {
-      Read = ReadOptions(Path, W.FileNumber);
+      Read = ReadOptions(Path, LineWork.FileNumber);
     } else if (Line.starts_with(document::AtomicNumbersBegin)) {
-      Read = ReadNMRAtomicNumbers(Path, W.FileNumber);
+      Read = ReadNMRAtomicNumbers(Path, LineWork.FileNumber);
     } else if (Line.starts_with(document::ResultsBegin)) {
-      Read = ReadShieldingCoupling(Path, W.FileNumber);
+      Read = ReadShieldingCoupling(Path, LineWork.FileNumber);
     } else if (Line.starts_with(document::SpectraBegin)) {
-      Read = ReadSpectra(Path, W.FileNumber);
+      Read = ReadSpectra(Path, LineWork.FileNumber);
     }
     if (!IsSet(Read)) return false;
   }
@@ -123,7 +123,7 @@ bool ReadSections(const Text& Path) {
 
 bool ReadOpenDocument(const Text& Path) {
   if (!ReadMolecule(Path)) return false;
-  if (!IsSet(ReadSelections(Path, W.FileNumber))) return false;
+  if (!IsSet(ReadSelections(Path, LineWork.FileNumber))) return false;
   if (W.NumAtoms != 0 && W.NumNMRAtoms != 0) W.NMRAtomsValid = True;
   return ReadSections(Path);
 }
@@ -183,10 +183,10 @@ Flag ReadOptions(const Text& Path, Integer FileNumber) {
       const TextView Line = LineInput(FileNumber);
       if (Line.starts_with(document::OptionsEnd)) return True;
       if (Line.starts_with(document::OptionsBegin)) continue;
-      W.TokenCount = Tokenize(Line);
-      if (W.TokenCount < OptionTokens) {
+      LineWork.TokenCount = Tokenize(Line);
+      if (LineWork.TokenCount < OptionTokens) {
         WarnOfLine(Line, Path);
-      } else if (!TakeOption(W.Tokens[1], W.Tokens[3])) {
+      } else if (!TakeOption(LineWork.Tokens[1], LineWork.Tokens[3])) {
         ShowWarning(Join("Unknown option ", Quoted(Line), " from file ", Path));
       }
     }
@@ -199,11 +199,11 @@ Flag ReadOptions(const Text& Path, Integer FileNumber) {
 namespace {
 
 void TakeAtomicNumbers(TextView Line, const Text& Path) {
-  W.TokenCount = Tokenize(Line);
-  if (W.TokenCount != W.NumNMRAtoms) WarnOfLine(Line, Path);
+  LineWork.TokenCount = Tokenize(Line);
+  if (LineWork.TokenCount != W.NumNMRAtoms) WarnOfLine(Line, Path);
   for (int Atom = 0; Atom < W.NumNMRAtoms; ++Atom) W.NMRAtomicNumber[Atom] = DefaultElement;
-  const int Count = std::min<int>(W.TokenCount, W.NumNMRAtoms);
-  for (int Atom = 0; Atom < Count; ++Atom) W.NMRAtomicNumber[Atom] = StrictInteger(W.Tokens[Atom + 1]);
+  const int Count = std::min<int>(LineWork.TokenCount, W.NumNMRAtoms);
+  for (int Atom = 0; Atom < Count; ++Atom) W.NMRAtomicNumber[Atom] = StrictInteger(LineWork.Tokens[Atom + 1]);
 }
 
 // Fills the placeholder molecule of a document with fewer atoms than NMR atoms.
@@ -237,8 +237,8 @@ Flag ReadNMRAtomicNumbers(const Text& Path, Integer FileNumber) {
 
 Flag ReadDocument(const Text& Path) {
   try {
-    W.FileNumber = FreeFile();
-    OpenForInput(Path, W.FileNumber);
+    LineWork.FileNumber = FreeFile();
+    OpenForInput(Path, LineWork.FileNumber);
   } catch (const Failure& Problem) {
     WarnOfFailure(Problem);
     return False;
@@ -250,7 +250,7 @@ Flag ReadDocument(const Text& Path) {
   } catch (const Failure&) {
     ShowWarning(Join("Error ocurred when reading the information from file ", Path, "."));
   }
-  CloseFileQuietly(W.FileNumber);
+  CloseFileQuietly(LineWork.FileNumber);
   return Result;
 }
 

@@ -42,19 +42,19 @@ struct ResultsState {
 
 // Tokens of a list line that are taken: as many as there are NMR atoms, with a warning when the line has another count.
 int CheckListLine(TextView Line, const Text& Path) {
-  W.TokenCount = Tokenize(Line);
-  if (W.TokenCount != W.NumNMRAtoms) WarnOfLine(Line, Path);
-  return std::min<int>(W.TokenCount, W.NumNMRAtoms);
+  LineWork.TokenCount = Tokenize(Line);
+  if (LineWork.TokenCount != W.NumNMRAtoms) WarnOfLine(Line, Path);
+  return std::min<int>(LineWork.TokenCount, W.NumNMRAtoms);
 }
 
 void TakeTensorLine(ResultsState& State, TextView Line) {
-  W.TokenCount = Tokenize(Line);
+  LineWork.TokenCount = Tokenize(Line);
   const Integer First = TensorValues * State.TensorRow;
   // The two lines of an atom are told apart by their length alone.
-  const bool Components = W.TokenCount == TensorComponents;
+  const bool Components = LineWork.TokenCount == TensorComponents;
   const int From = Components ? First : First + TensorComponents;
-  for (int Token = 1; Token <= W.TokenCount; ++Token) {
-    W.ShieldTensor[From + Token - 1] = ReadListValue(W.Tokens[Token]);
+  for (int Token = 1; Token <= LineWork.TokenCount; ++Token) {
+    W.ShieldTensor[From + Token - 1] = ReadListValue(LineWork.Tokens[Token]);
   }
   if (!Components) ++State.TensorRow;
 }
@@ -67,9 +67,9 @@ bool TakeResultsLine(ResultsState& State, TextView Line, const Text& Path) {
   }
   const int Count = CheckListLine(Line, Path);
   if (State.Part == ResultsPart::Shielding) {
-    for (int Atom = 0; Atom < Count; ++Atom) W.Shielding[Atom] = StrictSingle(W.Tokens[Atom + 1]);
+    for (int Atom = 0; Atom < Count; ++Atom) W.Shielding[Atom] = StrictSingle(LineWork.Tokens[Atom + 1]);
   } else if (State.Part == ResultsPart::Coupling) {
-    for (int Atom = 0; Atom < Count; ++Atom) W.Coupling(State.Row, Atom) = ReadListValue(W.Tokens[Atom + 1]);
+    for (int Atom = 0; Atom < Count; ++Atom) W.Coupling(State.Row, Atom) = ReadListValue(LineWork.Tokens[Atom + 1]);
     if (State.Row == W.NumNMRAtoms - 1) return true;
     ++State.Row;
   }
@@ -103,8 +103,8 @@ struct SpectraState {
 };
 
 void TakePeakCount(TextView Line, Integer FileNumber) {
-  W.TokenCount = Tokenize(Line);
-  const Long Count = StrictLong(W.Tokens[1]);
+  LineWork.TokenCount = Tokenize(Line);
+  const Long Count = StrictLong(LineWork.Tokens[1]);
   // A list that is longer than the whole file is a damaged count: it is not worth the memory.
   constexpr Double SpareRows = 1.0e6;
   if (Count > RemainingBytes(FileNumber) + SpareRows) throw Failure(failures::OutOfMemory);
@@ -116,15 +116,15 @@ void TakePeakCount(TextView Line, Integer FileNumber) {
 
 void TakePeak(SpectraState& State, TextView Line) {
   if (State.Row >= W.PeakCount) return;
-  W.TokenCount = Tokenize(Line);
-  if (W.TokenCount != PeakTokens) {
+  LineWork.TokenCount = Tokenize(Line);
+  if (LineWork.TokenCount != PeakTokens) {
     ShowWarning("The actual number of data should be four for each peak of NMR spectrum.");
-    if (W.TokenCount < PeakTokens) W.Tokens.ReDimPreserve(PeakTokens);
+    if (LineWork.TokenCount < PeakTokens) LineWork.Tokens.ReDimPreserve(PeakTokens);
   }
-  W.PeakFrequency[State.Row] = StrictSingle(W.Tokens[1]);
-  W.PeakIntensity[State.Row] = StrictSingle(W.Tokens[2]);
-  W.PeakDegeneracy[State.Row] = StrictLong(W.Tokens[3]);
-  W.PeakLineWidth[State.Row] = StrictSingle(W.Tokens[4]);
+  W.PeakFrequency[State.Row] = StrictSingle(LineWork.Tokens[1]);
+  W.PeakIntensity[State.Row] = StrictSingle(LineWork.Tokens[2]);
+  W.PeakDegeneracy[State.Row] = StrictLong(LineWork.Tokens[3]);
+  W.PeakLineWidth[State.Row] = StrictSingle(LineWork.Tokens[4]);
   ++State.Row;
 }
 
@@ -139,9 +139,9 @@ void TakeSpectraType(TextView Line) {
 }
 
 void TakeReferences(TextView Line) {
-  W.TokenCount = Tokenize(Line);
-  const int Count = std::min<int>(W.TokenCount, W.NumReferenceElements);
-  for (int Entry = 0; Entry < Count; ++Entry) W.ReferenceShielding[Entry] = StrictSingle(W.Tokens[Entry + 1]);
+  LineWork.TokenCount = Tokenize(Line);
+  const int Count = std::min<int>(LineWork.TokenCount, W.NumReferenceElements);
+  for (int Entry = 0; Entry < Count; ++Entry) W.ReferenceShielding[Entry] = StrictSingle(LineWork.Tokens[Entry + 1]);
 }
 
 void TakeSpectraLine(SpectraState& State, TextView Line, Integer FileNumber) {

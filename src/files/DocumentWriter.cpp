@@ -60,21 +60,21 @@ void WriteEquivalentSets(Integer FileNumber) {
 // A piece between its two keyword lines.
 template <class Routine>
 bool WriteBetween(const char* Begin, const char* End, Routine WritePiece) {
-  PrintLine(W.FileNumber, Begin);
+  PrintLine(LineWork.FileNumber, Begin);
   if (!IsSet(WritePiece())) return false;
-  PrintLine(W.FileNumber, End);
+  PrintLine(LineWork.FileNumber, End);
   return true;
 }
 
 // The stored lines give no message of their own when they can't be written; the document does.
 Flag WriteMolecule() {
-  const Flag Written = WriteSystem(W.FileNumber);
+  const Flag Written = WriteSystem(LineWork.FileNumber);
   if (!IsSet(Written) && W.ZMatrixPath.empty()) throw Failure(failures::DeviceError);
   return Written;
 }
 
 bool WriteOpenDocument(const Text& Path) {
-  const Integer File = W.FileNumber;
+  const Integer File = LineWork.FileNumber;
   if (IsSet(W.MoleculeLoaded) && !WriteBetween(document::BeginHostBlock, document::EndHostBlock, WriteMolecule)) {
     return false;
   }
@@ -113,16 +113,16 @@ Flag OpenAndWrite(const Text& Path) {
   const EndHeld Held;
   bool Kept = false;
   try {
-    W.FileNumber = FreeFile();
+    LineWork.FileNumber = FreeFile();
     Kept = KeepFormerWherePossible(Path);
-    OpenForOutput(Path, W.FileNumber);
+    OpenForOutput(Path, LineWork.FileNumber);
   } catch (const Failure&) {
     ShowWarning(Join("Zelvanor cannot open file ", Path, "."));
     return False;
   }
   try {
     if (WriteOpenDocument(Path)) {
-      CloseFile(W.FileNumber);
+      CloseFile(LineWork.FileNumber);
       if (Kept) DropFormerContent(Path);
       W.DocumentDirty = False;
       return True;
@@ -130,7 +130,7 @@ Flag OpenAndWrite(const Text& Path) {
   } catch (const Failure&) {
     ShowWarning(Join("Error saving the current information to file ", Path, "."));
   }
-  CloseFileQuietly(W.FileNumber);
+  CloseFileQuietly(LineWork.FileNumber);
   return False;
 }
 

@@ -9,7 +9,7 @@ namespace zelvanor {
 // it replaces is kept beside it (same name with "~") until the new one is whole on the disk.
 Flag WriteDocument(const Text& Path);
 
-// The pieces of it. Each writes to the open file and reports its failure; Path serves messages.
+// The pieces of it. Each writes to the open file and reports its failure; Path is not looked at.
 Flag WriteSelections(const Text& Path, Integer FileNumber);
 Flag WriteNMRAtomicNumbers(const Text& Path, Integer FileNumber);
 Flag WriteShieldingCoupling(const Text& Path, Integer FileNumber);

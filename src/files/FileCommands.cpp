@@ -48,7 +48,7 @@ bool IsZMatrixRow(const Text& First, int Line, int TokenCount) {
 }
 
 void CountLine(KindCounts& Counts, int Line, int TokenCount) {
-  const Text First = UpperCase(W.Tokens[1]);
+  const Text First = UpperCase(LineWork.Tokens[1]);
   if (IsOneOf(First, {"SYS", "FORCEFIELD", "VIEW", "MOL", "ATOM", "ENDMOL"})) {
     ++Counts.HostText;
     ++Counts.Document;
@@ -185,18 +185,18 @@ FileKind DetectFileType(const Text& Path) {
   KindCounts Counts;
   bool Complete = false;
   try {
-    W.FileNumber = FreeFile();
-    OpenForInput(Path, W.FileNumber);
+    LineWork.FileNumber = FreeFile();
+    OpenForInput(Path, LineWork.FileNumber);
     int Line = 0;
-    while (!AtEnd(W.FileNumber)) {
-      W.TokenCount = Tokenize(LineInput(W.FileNumber));
-      if (W.TokenCount > 0) CountLine(Counts, ++Line, W.TokenCount);
+    while (!AtEnd(LineWork.FileNumber)) {
+      LineWork.TokenCount = Tokenize(LineInput(LineWork.FileNumber));
+      if (LineWork.TokenCount > 0) CountLine(Counts, ++Line, LineWork.TokenCount);
     }
     Complete = true;
   } catch (const Failure& Problem) {
     WarnOfFailure(Problem);
   }
-  CloseFileQuietly(W.FileNumber);
+  CloseFileQuietly(LineWork.FileNumber);
   return Complete ? DecideKind(Counts) : UnknownFile;
 }
 

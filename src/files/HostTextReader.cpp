@@ -64,7 +64,7 @@ void CountAtomsAndMolecules() {
 // Brings Tokens up to date: whoever looks at them after the reading finds the last line's.
 void TokenizeLast(ParseState& State) {
   if (State.LastLine.empty()) return;
-  W.TokenCount = Tokenize(State.LastLine);
+  LineWork.TokenCount = Tokenize(State.LastLine);
   State.LastLine = {};
 }
 
@@ -121,16 +121,16 @@ void ReadAtomLine(ParseState& State, TextView Line, int LineIndex) {
 
 void ReadViewLine(ParseState& State, TextView Line) {
   TokenizeLast(State);
-  W.TokenCount = Tokenize(Line);
+  LineWork.TokenCount = Tokenize(Line);
   W.HostViewText.clear();
-  for (int Token = 2; Token <= W.TokenCount; ++Token) W.HostViewText += W.Tokens[Token] + " ";
+  for (int Token = 2; Token <= LineWork.TokenCount; ++Token) W.HostViewText += LineWork.Tokens[Token] + " ";
 }
 
 void ReadForceFieldLine(ParseState& State, TextView Line) {
   TokenizeLast(State);
-  W.TokenCount = Tokenize(Line);
-  if (W.TokenCount != 2) return;
-  const Text Name = W.Tokens[2];
+  LineWork.TokenCount = Tokenize(Line);
+  if (LineWork.TokenCount != 2) return;
+  const Text Name = LineWork.Tokens[2];
   if (EqualsIgnoringCase(Name, "AMBER") || EqualsIgnoringCase(Name, "KRDO")) return;
   ShowWarning(Join("The current force field is ", Name, " in the file ", State.Title,
                    ".  Some atom types may not be available Zelvanor."));
@@ -214,8 +214,8 @@ void StoreHostLines(const std::vector<TextView>& Lines) {
 
 Flag ReadHostFile(const Text& Path) {
   try {
-    W.FileNumber = FreeFile();
-    OpenForInput(Path, W.FileNumber);
+    LineWork.FileNumber = FreeFile();
+    OpenForInput(Path, LineWork.FileNumber);
   } catch (const Failure& Problem) {
     ShowWarning(Join("Could not open file ", Quoted(Path), ": ", Problem.What, "."));
     return False;
@@ -223,7 +223,7 @@ Flag ReadHostFile(const Text& Path) {
   Flag Result = False;
   try {
     std::vector<TextView> Lines;
-    while (!AtEnd(W.FileNumber)) AppendHostLine(Lines, LineInput(W.FileNumber));
+    while (!AtEnd(LineWork.FileNumber)) AppendHostLine(Lines, LineInput(LineWork.FileNumber));
     if (Lines.empty()) {
       ShowWarning(Path + " is empty.");
     } else {
@@ -233,7 +233,7 @@ Flag ReadHostFile(const Text& Path) {
   } catch (const Failure& Problem) {
     WarnOfFailure(Problem);
   }
-  CloseFileQuietly(W.FileNumber);
+  CloseFileQuietly(LineWork.FileNumber);
   return Result;
 }
 

@@ -13,13 +13,13 @@ constexpr int TypeToken = 5;
 
 // An atom line with the type of the atom table in place of its own, every token followed by one blank.
 Text RebuildAtomLine(TextView Line, int Atom) {
-  W.TokenCount = Tokenize(Line);
+  LineWork.TokenCount = Tokenize(Line);
   Text Result;
-  for (int Token = 1; Token <= W.TokenCount; ++Token) {
+  for (int Token = 1; Token <= LineWork.TokenCount; ++Token) {
     if (Token == TypeToken) {
       Result += TrimBlanks(W.AtomType[Atom].View());
     } else {
-      Result += W.Tokens[Token];
+      Result += LineWork.Tokens[Token];
     }
     Result += ' ';
   }

@@ -2,6 +2,7 @@
 // second and third reference is positive when the bond in front has to be turned clockwise onto the one behind.
 
 #include <cmath>
+#include <numbers>
 
 #include "basic/NumberText.h"
 #include "files/ZMatrixRows.h"
@@ -11,7 +12,7 @@ namespace zelvanor {
 
 namespace {
 
-constexpr Double RadiansPerDegree = 3.14159265358979323846 / 180.0;
+constexpr Double RadiansPerDegree = std::numbers::pi / 180.0;
 // Two rows nearer than this (angstrom) stand in one place; three with a smaller sine of their angle on one line.
 constexpr Double SamePlace = 1e-4;
 constexpr Double OneLine = 1e-4;

@@ -221,14 +221,13 @@ void ThrowAtLine(int Line, const Text& What) { throw Failure(What, Line); }
 
 ZMatrixRows ReadZMatrixRows(const Text& Path) {
   constexpr int MostRows = 32767;  // an Integer counts them
-  WorkspaceState& W = Workspace;
-  W.FileNumber = FreeFile();
-  OpenForInput(Path, W.FileNumber);
+  LineWork.FileNumber = FreeFile();
+  OpenForInput(Path, LineWork.FileNumber);
   ZMatrixRows Rows;
   try {
-    int Line = PassHeader(W.FileNumber);
-    while (!AtEnd(W.FileNumber)) {
-      const TextView Content = LineInput(W.FileNumber);
+    int Line = PassHeader(LineWork.FileNumber);
+    while (!AtEnd(LineWork.FileNumber)) {
+      const TextView Content = LineInput(LineWork.FileNumber);
       ++Line;
       if (IsComment(Content)) continue;
       const Words All = SplitRow(TrimWhite(Content));
@@ -239,10 +238,10 @@ ZMatrixRows ReadZMatrixRows(const Text& Path) {
     TellKinds(Rows);
     for (std::size_t Row = 0; Row < Rows.size(); ++Row) CheckReferences(Rows[Row], static_cast<int>(Row) + 1);
   } catch (const Failure&) {
-    CloseFileQuietly(W.FileNumber);
+    CloseFileQuietly(LineWork.FileNumber);
     throw;
   }
-  CloseFile(W.FileNumber);
+  CloseFile(LineWork.FileNumber);
   return Rows;
 }
 

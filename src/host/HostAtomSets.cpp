@@ -76,9 +76,9 @@ void ReadNMRAtoms(Long NumSelections) {
   if (!FindSelection(NumSelections, NMRName)) return;
   SelectInHost(NMRName);
   const Integer NumSelected = ToInteger(RequestNumber("selected-atom-count"));
-  const Integer TensorBound =
+  const Integer NumTensorValues =
       TensorValues * NumSelected;  // too many atoms end here, before anything large is allocated
-  if (TensorBound < 0) throw Failure(failures::Subscript);
+  if (NumTensorValues < 0) throw Failure(failures::Subscript);
   W.NMRAtom.ReDim(NumSelected);
   W.NMRAtomicNumber.ReDim(NumSelected);
   W.Shielding.ReDim(NumSelected);

@@ -15,24 +15,16 @@
 
 namespace zelvanor {
 
-MoleculeViewState MoleculeView1;
+MoleculeViewState ShownMolecule;
 
 namespace {
 
 WorkspaceState& W = Workspace;
-MoleculeViewState& V = MoleculeView1;
-
-// Slots of the settings texts that nothing else takes.
-enum { AtomTypeSlot = 0, BondTypeSlot = 1, BackSlot = 2, LabelSlot = 3, BondSlot = 4 };
+MoleculeViewState& V = ShownMolecule;
 
 // A fitted system leaves this margin; a small one is not blown up beyond this many pixels to an angstrom.
 constexpr Double FitMargin = 24;
 constexpr Double LargestFitScale = 90;
-
-const Text& SettingAt(int Slot) { return Settings.SettingsText[static_cast<std::size_t>(Slot)]; }
-
-// These colours are not checked when the settings are read, so that a text that is none falls back in silence.
-Colour ColourSetting(int Slot, Colour Default) { return ReadColour(SettingAt(Slot)).value_or(Default); }
 
 Text LabelOf(int Atom) {
   enum { NoLabel, SymbolLabel, NameLabel, NumberLabel, TypeLabel, ChargeLabel };
@@ -92,11 +84,11 @@ void AddMoleculeVariables() {
 
 void InitMoleculeView() {
   RenderControl& Control = Main.MolRender1;
-  IgnoreFailure([&] { SetAtomRenderType(Control, StrictLong(SettingAt(AtomTypeSlot))); });
-  IgnoreFailure([&] { SetBondRenderType(Control, StrictLong(SettingAt(BondTypeSlot))); });
-  SetBackColor(Control, ColourSetting(BackSlot, White));
-  Control.LabelColor = ColourSetting(LabelSlot, Rgb(255, 255, 0));
-  Control.BondColor = ColourSetting(BondSlot, Rgb(192, 192, 192));
+  SetAtomRenderType(Control, Settings.AtomRenderType);
+  SetBondRenderType(Control, Settings.BondRenderType);
+  SetBackColor(Control, Settings.BackColor);
+  Control.LabelColor = Settings.LabelColor;
+  Control.BondColor = Settings.BondColor;
   Control.MarkColor = Settings.SelectionColor;
   GetViewTransform(Control, V.Fitted);
   PlaceMoleculeView();

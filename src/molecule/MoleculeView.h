@@ -27,7 +27,7 @@ struct MoleculeViewState {
   ViewMatrix Fitted{};
 };
 
-extern MoleculeViewState MoleculeView1;
+extern MoleculeViewState ShownMolecule;
 
 void AddMoleculeVariables();
 

@@ -1,6 +1,7 @@
 #include "molecule/MouseDrag.h"
 
 #include <cmath>
+#include <numbers>
 
 #include "molecule/MoleculeView.h"
 #include "platform/Picture.h"
@@ -11,7 +12,7 @@ namespace zelvanor {
 
 namespace {
 
-MoleculeViewState& V = MoleculeView1;
+MoleculeViewState& V = ShownMolecule;
 RenderControl& View = Main.MolRender1;
 
 constexpr int RotateMode = 2;
@@ -33,7 +34,7 @@ struct DragStep {
 
 void RotateBy(const DragStep& Step) {
   if (!(V.MouseViewSize > 0)) return;
-  const Double Angle = Pi / V.MouseViewSize;
+  const Double Angle = std::numbers::pi / V.MouseViewSize;
   // The near side of the system goes with the pointer.
   RotateAboutCentre(View, -Step.DY * Angle, Step.DX * Angle, 0, V.RotationCentre);
 }
@@ -42,7 +43,7 @@ void RotateBy(const DragStep& Step) {
 Double DirectionOf(Single X, Single Y) { return std::atan2(View.Height / 2.0 - Y, X - View.Width / 2.0); }
 
 void TurnInPlane(Single X, Single Y) {
-  const Double Swept = std::remainder(DirectionOf(X, Y) - DirectionOf(V.LastX, V.LastY), 2 * Pi);
+  const Double Swept = std::remainder(DirectionOf(X, Y) - DirectionOf(V.LastX, V.LastY), 2 * std::numbers::pi);
   RotateAboutCentre(View, 0, 0, Swept, V.RotationCentre);
 }
 

@@ -15,7 +15,7 @@ namespace zelvanor {
 namespace {
 
 WorkspaceState& W = Workspace;
-MoleculeViewState& V = MoleculeView1;
+MoleculeViewState& V = ShownMolecule;
 
 // The part of the atom table that the control draws.
 struct TableImage {

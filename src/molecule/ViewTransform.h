@@ -25,7 +25,7 @@ void MagnifyView(Double Factor, ViewMatrix& M);
 // where it is, to the precision of a Single.
 void RotateAboutCentre(RenderControl& Control, Double RX, Double RY, Double RZ, const ViewVector& Centre);
 
-inline constexpr Double Pi = 3.14159265358979;
-constexpr Double DegreesToRadians(Double Degrees) { return Degrees * Pi / 180; }
+// With pi to 15 digits: scripts see the view matrices that come from it.
+constexpr Double DegreesToRadians(Double Degrees) { return Degrees * 3.14159265358979 / 180; }
 
 }  // namespace zelvanor

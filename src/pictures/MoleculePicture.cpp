@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <functional>
+#include <numbers>
 #include <set>
 
 #include "basic/NumberText.h"
@@ -83,7 +84,7 @@ Text SvgCylinder(const DrawItem& Item) {
   const Axis Own = AxisOf(Item);
   return Join("<rect x=\"0\" y=\"", SvgNumber(-Item.Size / 2), "\" width=\"", SvgNumber(Own.Length), "\" height=\"",
               SvgNumber(Item.Size), "\" transform=\"translate(", SvgNumber(Item.X1), " ", SvgNumber(Item.Y1),
-              ") rotate(", SvgNumber(Own.Angle * 180 / 3.14159265358979), ")\" fill=\"url(#", SvgName("c", Item.Fill),
+              ") rotate(", SvgNumber(Own.Angle * 180 / std::numbers::pi), ")\" fill=\"url(#", SvgName("c", Item.Fill),
               ")\"/>\n");
 }
 
@@ -132,7 +133,7 @@ void FillWith(cairo_t* Context, cairo_pattern_t* Pattern) {
 
 void CairoRound(cairo_t* Context, const DrawItem& Item) {
   cairo_new_path(Context);
-  cairo_arc(Context, Item.X1, Item.Y1, Item.Size, 0, 2 * 3.14159265358979);
+  cairo_arc(Context, Item.X1, Item.Y1, Item.Size, 0, 2 * std::numbers::pi);
   if (Item.Form == DrawForm::Sphere) {
     const Double Light = LightOffset * Item.Size;
     cairo_pattern_t* Pattern =

@@ -85,7 +85,6 @@ struct MenuItem : Control {
   MenuItem(Form* Owner, Text Name) : Control(ControlKind::MenuItem, Owner, std::move(Name)) {}
   MenuItem* Parent = nullptr;  // null for a top menu
   Text Shortcut;               // as "Ctrl+N", empty for none
-  Text Help;
   Flag Checked = False;
   bool Separator = false;
   Event Click;

@@ -1,6 +1,7 @@
 #include "settings/Settings.h"
 
-#include <algorithm>
+#include <iterator>
+#include <type_traits>
 
 #include "basic/Numbers.h"
 #include "settings/ColorSets.h"
@@ -18,89 +19,147 @@ WorkspaceState& W = Workspace;
 constexpr const char* NmrSection = "nmr";
 
 enum class ItemForm {
-  PlainText,   // not checked
   WholeRange,  // whole number with limits
   Whole,       // whole number that fits an Integer
   Range,       // Single with limits, both included
   WidthRange,  // the same, with limits only while AbsLineWidth is set
   YesNo,
   ColorText,
+  QuietColor,  // a text that is no colour gives the default without a word
   ColorSet,
   RadiusSet,
   Word,  // one of Words
 };
 
 // One item of the section. Low, High and AfterWarning belong to the forms with a check. Take gets the item's value
-// (a whole number, a Flag, a colour) and may be null; TakeText gets the text of a Word.
+// (a whole number, a Flag, a colour) and TakeText the text of a Word. Give tells what is written at exit; without one
+// the text as it was read.
 struct SettingRow {
   int Slot;
   const char* Key;
   const char* Default;
   ItemForm Is;
+  bool Written = true;
   Double Low = 0;
   Double High = 0;
   const char* AfterWarning = "";
+  const char* Words = "";
   void (*Take)(Double Value) = nullptr;
   void (*TakeText)(const Text& Value) = nullptr;
-  const char* Words = "";
+  Text (*Give)() = nullptr;
 };
 
-template <class T>
-Flag AsFlag(T Value) {
-  return static_cast<Flag>(Value);
+// A value taken into an option of the document, and the option's text.
+template <auto Option>
+void TakeOption(Double Value) {
+  using T = std::remove_reference_t<decltype(W.*Option)>;
+  if constexpr (std::is_same_v<T, Flag>) {
+    W.*Option = static_cast<Flag>(Value);
+  } else if constexpr (std::is_same_v<T, Integer>) {
+    W.*Option = ToInteger(Value);
+  } else if constexpr (std::is_same_v<T, Long>) {
+    W.*Option = ToLong(Value);
+  } else if constexpr (std::is_same_v<T, Single>) {
+    W.*Option = ToSingle(Value);
+  } else {
+    W.*Option = Value;
+  }
+}
+template <auto Option>
+Text GiveOption() {
+  if constexpr (std::is_same_v<std::remove_reference_t<decltype(W.*Option)>, Flag>) {
+    return TextFromBool(W.*Option);
+  } else {
+    return GeneralForm(W.*Option);
+  }
+}
+template <auto Value>
+void TakeColour(Double Read) {
+  S.*Value = static_cast<Colour>(Read);
+}
+template <auto Preference>
+Text GiveColour() {
+  return TextFromColor(S.*Preference);
+}
+// A colour of the molecule view belongs to the preferences once they have been confirmed.
+template <auto Preference, auto Read>
+Text GiveMoleculeColour() {
+  return IsSet(S.PrefMoleculeSet) ? TextFromColor(S.*Preference) : S.SettingsText[Read];
 }
 
 constexpr const char* MethodWords = "|KRDO1|KRDO2|";
 constexpr const char* TypeWords = "|PROTON|CARBON-13|NITROGEN-15|FLUORINE-19|PHOSPHORUS-31|";
 
-// In the order in which they are read: AbsLineWidth stands before the two widths that it decides on.
-constexpr std::array<SettingRow, 31> Rows = {{
+// In the order in which they are read and written: AbsLineWidth stands before the two widths that it decides on. The
+// preferences keep the real colours, also while the spectrum is shown in monochrome.
+constexpr SettingRow Rows[] = {
     {.Slot = 0,
      .Key = "AtomRenderType",
      .Default = "1",
      .Is = ItemForm::WholeRange,
      .Low = 1,
      .High = 3,
-     .AfterWarning = "1"},
+     .AfterWarning = "1",
+     .Take = [](Double V) { S.AtomRenderType = ToLong(V); }},
     {.Slot = 1,
      .Key = "BondRenderType",
      .Default = "1",
      .Is = ItemForm::WholeRange,
      .Low = 1,
      .High = 3,
-     .AfterWarning = "1"},
-    {.Slot = 2, .Key = "BackColor", .Default = "RGB(255, 255, 255)", .Is = ItemForm::PlainText},
-    {.Slot = 3, .Key = "LabelColor", .Default = "RGB(255, 255, 0)", .Is = ItemForm::PlainText},
-    {.Slot = 4, .Key = "BondColor", .Default = "RGB(192, 192, 192)", .Is = ItemForm::PlainText},
+     .AfterWarning = "1",
+     .Take = [](Double V) { S.BondRenderType = ToLong(V); }},
+    {.Slot = 2,
+     .Key = "BackColor",
+     .Default = "RGB(255, 255, 255)",
+     .Is = ItemForm::QuietColor,
+     .Take = TakeColour<&SettingsState::BackColor>,
+     .Give = GiveMoleculeColour<&SettingsState::PrefBackColor, 2>},
+    {.Slot = 3,
+     .Key = "LabelColor",
+     .Default = "RGB(255, 255, 0)",
+     .Is = ItemForm::QuietColor,
+     .Take = TakeColour<&SettingsState::LabelColor>,
+     .Give = GiveMoleculeColour<&SettingsState::PrefLabelColor, 3>},
+    {.Slot = 4,
+     .Key = "BondColor",
+     .Default = "RGB(192, 192, 192)",
+     .Is = ItemForm::QuietColor,
+     .Take = TakeColour<&SettingsState::BondColor>},
     {.Slot = 5,
      .Key = "SelectionColor",
      .Default = "RGB(0, 255, 128)",
      .Is = ItemForm::ColorText,
-     .Take = [](Double V) { S.SelectionColor = static_cast<Colour>(V); }},
+     .Take = TakeColour<&SettingsState::SelectionColor>,
+     .Give = GiveMoleculeColour<&SettingsState::PrefMolSelectColor, 5>},
     {.Slot = 6,
      .Key = "SpectrumLineColor",
      .Default = "RGB(0, 255, 0)",
      .Is = ItemForm::ColorText,
-     .Take = [](Double V) { S.SpectrumLineColor = static_cast<Colour>(V); }},
+     .Take = TakeColour<&SettingsState::SpectrumLineColor>,
+     .Give = GiveColour<&SettingsState::PrefGraphColor>},
     {.Slot = 7,
      .Key = "SpectrumEnvelopColor",
      .Default = "RGB(255, 255, 255)",
      .Is = ItemForm::ColorText,
-     .Take = [](Double V) { S.SpectrumEnvelopColor = static_cast<Colour>(V); }},
+     .Take = TakeColour<&SettingsState::SpectrumEnvelopColor>,
+     .Give = GiveColour<&SettingsState::PrefEnvelopColor>},
     {.Slot = 8,
      .Key = "SpectrumSelectionColor",
      .Default = "RGB(255, 0, 255)",
      .Is = ItemForm::ColorText,
-     .Take = [](Double V) { S.SpectrumSelectionColor = static_cast<Colour>(V); }},
-    {.Slot = 9, .Key = "DefaultColorSet", .Default = "MorvantisColors", .Is = ItemForm::ColorSet},
-    {.Slot = 10, .Key = "DefaultRadiusSet", .Default = "BallsSticksRadii", .Is = ItemForm::RadiusSet},
+     .Take = TakeColour<&SettingsState::SpectrumSelectionColor>,
+     .Give = GiveColour<&SettingsState::PrefSelectionColor>},
+    {.Slot = 9, .Key = "DefaultColorSet", .Default = "MorvantisColors", .Is = ItemForm::ColorSet, .Written = false},
+    {.Slot = 10, .Key = "DefaultRadiusSet", .Default = "BallsSticksRadii", .Is = ItemForm::RadiusSet, .Written = false},
     {.Slot = 11,
      .Key = "SemiEmpiricalMethod",
      .Default = "KRDO2",
      .Is = ItemForm::Word,
      .AfterWarning = "KRDO2",
+     .Words = MethodWords,
      .TakeText = [](const Text& V) { W.SemiEmpiricalMethod = V; },
-     .Words = MethodWords},
+     .Give = [] { return W.SemiEmpiricalMethod; }},
     {.Slot = 12,
      .Key = "TotalCharge",
      .Default = "0",
@@ -108,7 +167,8 @@ constexpr std::array<SettingRow, 31> Rows = {{
      .Low = -10,
      .High = 10,
      .AfterWarning = "0",
-     .Take = [](Double V) { W.TotalCharge = ToInteger(V); }},
+     .Take = TakeOption<&WorkspaceState::TotalCharge>,
+     .Give = GiveOption<&WorkspaceState::TotalCharge>},
     {.Slot = 13,
      .Key = "SpinMultiplicity",
      .Default = "1",
@@ -116,7 +176,8 @@ constexpr std::array<SettingRow, 31> Rows = {{
      .Low = 1,
      .High = 1,
      .AfterWarning = "1",
-     .Take = [](Double V) { W.SpinMultiplicity = ToInteger(V); }},
+     .Take = TakeOption<&WorkspaceState::SpinMultiplicity>,
+     .Give = GiveOption<&WorkspaceState::SpinMultiplicity>},
     {.Slot = 14,
      .Key = "SCFConvergenceLimit",
      .Default = "0.01",
@@ -124,7 +185,8 @@ constexpr std::array<SettingRow, 31> Rows = {{
      .Low = 0,
      .High = 1000,
      .AfterWarning = "0.01",
-     .Take = [](Double V) { W.SCFConvergenceLimit = ToSingle(V); }},
+     .Take = TakeOption<&WorkspaceState::SCFConvergenceLimit>,
+     .Give = GiveOption<&WorkspaceState::SCFConvergenceLimit>},
     {.Slot = 15,
      .Key = "SCFIterationLimit",
      .Default = "50",
@@ -132,17 +194,20 @@ constexpr std::array<SettingRow, 31> Rows = {{
      .Low = 0,
      .High = 10000,
      .AfterWarning = "50",
-     .Take = [](Double V) { W.SCFIterationLimit = ToInteger(V); }},
+     .Take = TakeOption<&WorkspaceState::SCFIterationLimit>,
+     .Give = GiveOption<&WorkspaceState::SCFIterationLimit>},
     {.Slot = 16,
      .Key = "SCFAccelerateConvergence",
      .Default = "No",
      .Is = ItemForm::YesNo,
-     .Take = [](Double V) { W.SCFAccelerateConvergence = AsFlag(V); }},
+     .Take = TakeOption<&WorkspaceState::SCFAccelerateConvergence>,
+     .Give = GiveOption<&WorkspaceState::SCFAccelerateConvergence>},
     {.Slot = 17,
      .Key = "LogPrintLevel",
      .Default = "0",
      .Is = ItemForm::Whole,
-     .Take = [](Double V) { W.LogPrintLevel = ToInteger(V); }},
+     .Take = TakeOption<&WorkspaceState::LogPrintLevel>,
+     .Give = GiveOption<&WorkspaceState::LogPrintLevel>},
     {.Slot = 26,
      .Key = "MinimalIntensity",
      .Default = "0.1",
@@ -150,12 +215,14 @@ constexpr std::array<SettingRow, 31> Rows = {{
      .Low = 0,
      .High = 1000,
      .AfterWarning = "0.1",
-     .Take = [](Double V) { W.MinimalIntensity = V; }},
+     .Take = TakeOption<&WorkspaceState::MinimalIntensity>,
+     .Give = GiveOption<&WorkspaceState::MinimalIntensity>},
     {.Slot = 27,
      .Key = "AbsLineWidth",
      .Default = "No",
      .Is = ItemForm::YesNo,
-     .Take = [](Double V) { W.AbsLineWidth = AsFlag(V); }},
+     .Take = TakeOption<&WorkspaceState::AbsLineWidth>,
+     .Give = GiveOption<&WorkspaceState::AbsLineWidth>},
     {.Slot = 28,
      .Key = "MinAbsLineWidth",
      .Default = "0.0",
@@ -163,7 +230,8 @@ constexpr std::array<SettingRow, 31> Rows = {{
      .Low = 0,
      .High = 1000,
      .AfterWarning = "0",
-     .Take = [](Double V) { W.MinAbsLineWidth = ToSingle(V); }},
+     .Take = TakeOption<&WorkspaceState::MinAbsLineWidth>,
+     .Give = GiveOption<&WorkspaceState::MinAbsLineWidth>},
     {.Slot = 29,
      .Key = "MaxAbsLineWidth",
      .Default = "10.0",
@@ -171,32 +239,44 @@ constexpr std::array<SettingRow, 31> Rows = {{
      .Low = 0,
      .High = 1000,
      .AfterWarning = "10",
-     .Take = [](Double V) { W.MaxAbsLineWidth = ToSingle(V); }},
+     .Take = TakeOption<&WorkspaceState::MaxAbsLineWidth>,
+     .Give = GiveOption<&WorkspaceState::MaxAbsLineWidth>},
     {.Slot = 18,
      .Key = "ModifySlaterExponents",
      .Default = "Yes",
      .Is = ItemForm::YesNo,
-     .Take = [](Double V) { W.ModifySlaterExponents = AsFlag(V); }},
+     .Take = TakeOption<&WorkspaceState::ModifySlaterExponents>,
+     .Give = GiveOption<&WorkspaceState::ModifySlaterExponents>},
     {.Slot = 19,
      .Key = "ComputeThreeCenterTerms",
      .Default = "No",
      .Is = ItemForm::YesNo,
-     .Take = [](Double V) { W.ComputeThreeCenterTerms = AsFlag(V); }},
+     .Take = TakeOption<&WorkspaceState::ComputeThreeCenterTerms>,
+     .Give = GiveOption<&WorkspaceState::ComputeThreeCenterTerms>},
     {.Slot = 20,
      .Key = "IncludeDOrbitalsForSecondRow",
      .Default = "No",
      .Is = ItemForm::YesNo,
-     .Take = [](Double V) { W.IncludeDOrbitalsForSecondRow = AsFlag(V); }},
+     .Take = TakeOption<&WorkspaceState::IncludeDOrbitalsForSecondRow>,
+     .Give = GiveOption<&WorkspaceState::IncludeDOrbitalsForSecondRow>},
     {.Slot = 21,
      .Key = "CalculateShielding",
      .Default = "Yes",
      .Is = ItemForm::YesNo,
-     .Take = [](Double V) { W.CalculateShielding = AsFlag(V); }},
+     .Take = TakeOption<&WorkspaceState::CalculateShielding>,
+     .Give = GiveOption<&WorkspaceState::CalculateShielding>},
+    {.Slot = 31,
+     .Key = "CalculateShieldingTensor",
+     .Default = "Yes",
+     .Is = ItemForm::YesNo,
+     .Take = TakeOption<&WorkspaceState::CalculateShieldTensor>,
+     .Give = GiveOption<&WorkspaceState::CalculateShieldTensor>},
     {.Slot = 22,
      .Key = "CalculateCoupling",
      .Default = "Yes",
      .Is = ItemForm::YesNo,
-     .Take = [](Double V) { W.CalculateCoupling = ToSingle(V); }},
+     .Take = TakeOption<&WorkspaceState::CalculateCoupling>,
+     .Give = [] { return TextFromBool(ToInteger(W.CalculateCoupling)); }},
     {.Slot = 23,
      .Key = "NMRFrequency",
      .Default = "100",
@@ -204,29 +284,23 @@ constexpr std::array<SettingRow, 31> Rows = {{
      .Low = 1,
      .High = 1000000,
      .AfterWarning = "100",
-     .Take = [](Double V) { W.NMRFrequency = ToLong(V); }},
+     .Take = TakeOption<&WorkspaceState::NMRFrequency>,
+     .Give = GiveOption<&WorkspaceState::NMRFrequency>},
     {.Slot = 24,
      .Key = "SpectraType",
      .Default = "Proton",
      .Is = ItemForm::Word,
      .AfterWarning = "Proton",
+     .Words = TypeWords,
      .TakeText = [](const Text& V) { W.SpectraType = SpectrumTypeFromText(V); },
-     .Words = TypeWords},
+     .Give = [] { return TextFromSpectrumType(W.SpectraType); }},
     {.Slot = 30,
      .Key = "WeakCouplingApproximation",
      .Default = "No",
      .Is = ItemForm::YesNo,
-     .Take = [](Double V) { W.WeakCouplingApproximation = AsFlag(V); }},
-    {.Slot = 31,
-     .Key = "CalculateShieldingTensor",
-     .Default = "Yes",
-     .Is = ItemForm::YesNo,
-     .Take = [](Double V) { W.CalculateShieldTensor = AsFlag(V); }},
-}};
-
-// The slots in the order in which they are written. The names of the default sets are never written.
-constexpr std::array<int, 29> WriteOrder = {0,  1,  2,  3,  4,  5,  6,  7,  8,  11, 12, 13, 14, 15, 16,
-                                            17, 26, 27, 28, 29, 18, 19, 20, 21, 31, 22, 23, 24, 30};
+     .Take = TakeOption<&WorkspaceState::WeakCouplingApproximation>,
+     .Give = GiveOption<&WorkspaceState::WeakCouplingApproximation>},
+};
 
 void WarnOfValue(const SettingRow& Row, TextView Value) {
   ShowWarning(Join("The initial value ", "'", Value, "'", " for the item <", Row.Key, "> in the ", S.IniFile,
@@ -247,7 +321,7 @@ void ReadNumber(const SettingRow& Row, TextView Value) {
   if (Refused) WarnOfValue(Row, Trimmed);
   SetSettingsText(Row.Slot, Refused ? TextView(Row.AfterWarning) : TextView(Trimmed));
   const Double Taken = Refused ? Double{StrictSingle(Row.AfterWarning)} : Number;
-  if (Row.Take != nullptr) Row.Take(Taken);
+  Row.Take(Taken);
 }
 
 void ReadWord(const SettingRow& Row, const Text& Value) {
@@ -258,9 +332,11 @@ void ReadWord(const SettingRow& Row, const Text& Value) {
   Row.TakeText(Text(TrimBlanks(Taken)));
 }
 
-void ReadColor(const SettingRow& Row, const Text& Value) {
+void ReadColorItem(const SettingRow& Row, const Text& Value) {
   SetSettingsText(Row.Slot, Value);
-  const std::optional<Colour> Read = ColorFromText(Value);
+  const bool Quiet = Row.Is == ItemForm::QuietColor;
+  std::optional<Colour> Read = Quiet ? ReadColour(Value) : ColorFromText(Value);
+  if (!Read && Quiet) Read = ReadColour(Row.Default);
   if (!Read) throw Failure(failures::TypeMismatch);
   Row.Take(*Read);
 }
@@ -275,7 +351,8 @@ void ReadItem(const SettingRow& Row) {
     case ItemForm::Word:
       return ReadWord(Row, Value);
     case ItemForm::ColorText:
-      return ReadColor(Row, Value);
+    case ItemForm::QuietColor:
+      return ReadColorItem(Row, Value);
     default:
       SetSettingsText(Row.Slot, Value);
   }
@@ -283,40 +360,6 @@ void ReadItem(const SettingRow& Row) {
   if (Row.Is == ItemForm::YesNo) Row.Take(BoolFromText(Value));
   if (Row.Is == ItemForm::ColorSet) SelectColorSet(FindColorSet(Value));
   if (Row.Is == ItemForm::RadiusSet) SelectRadiusSet(FindRadiusSet(Value));
-}
-
-void UpdateOptionTexts() {
-  SetSettingsText(11, W.SemiEmpiricalMethod);
-  SetSettingsText(12, GeneralForm(W.TotalCharge));
-  SetSettingsText(13, GeneralForm(W.SpinMultiplicity));
-  SetSettingsText(14, GeneralForm(W.SCFConvergenceLimit));
-  SetSettingsText(15, GeneralForm(W.SCFIterationLimit));
-  SetSettingsText(16, TextFromBool(W.SCFAccelerateConvergence));
-  SetSettingsText(17, GeneralForm(W.LogPrintLevel));
-  SetSettingsText(18, TextFromBool(W.ModifySlaterExponents));
-  SetSettingsText(19, TextFromBool(W.ComputeThreeCenterTerms));
-  SetSettingsText(20, TextFromBool(W.IncludeDOrbitalsForSecondRow));
-  SetSettingsText(21, TextFromBool(W.CalculateShielding));
-  SetSettingsText(22, TextFromBool(ToInteger(W.CalculateCoupling)));
-  SetSettingsText(23, GeneralForm(W.NMRFrequency));
-  SetSettingsText(24, TextFromSpectrumType(W.SpectraType));
-  SetSettingsText(26, GeneralForm(W.MinimalIntensity));
-  SetSettingsText(27, TextFromBool(W.AbsLineWidth));
-  SetSettingsText(28, GeneralForm(W.MinAbsLineWidth));
-  SetSettingsText(29, GeneralForm(W.MaxAbsLineWidth));
-  SetSettingsText(30, TextFromBool(W.WeakCouplingApproximation));
-  SetSettingsText(31, TextFromBool(W.CalculateShieldTensor));
-}
-
-// The preferences keep the real colours, also while the spectrum is shown in monochrome.
-void UpdateColorTexts() {
-  SetSettingsText(6, TextFromColor(S.PrefGraphColor));
-  SetSettingsText(7, TextFromColor(S.PrefEnvelopColor));
-  SetSettingsText(8, TextFromColor(S.PrefSelectionColor));
-  if (!IsSet(S.PrefMoleculeSet)) return;
-  SetSettingsText(2, TextFromColor(S.PrefBackColor));
-  SetSettingsText(3, TextFromColor(S.PrefLabelColor));
-  SetSettingsText(5, TextFromColor(S.PrefMolSelectColor));
 }
 
 }  // namespace
@@ -335,12 +378,11 @@ void ReadSettings() {
 }
 
 void WriteSettings() {
-  UpdateOptionTexts();
-  UpdateColorTexts();
   std::vector<ProfileEntry> Entries;
-  for (const int Slot : WriteOrder) {
-    const auto Row = std::find_if(Rows.begin(), Rows.end(), [&](const SettingRow& R) { return R.Slot == Slot; });
-    Entries.push_back({NmrSection, Row->Key, S.SettingsText[static_cast<std::size_t>(Slot)]});
+  for (const SettingRow& Row : Rows) {
+    if (!Row.Written) continue;
+    if (Row.Give != nullptr) SetSettingsText(Row.Slot, Row.Give());
+    Entries.push_back({NmrSection, Row.Key, S.SettingsText[static_cast<std::size_t>(Row.Slot)]});
   }
   const std::vector<ProfileEntry> References = ReferenceShieldingEntries();
   Entries.insert(Entries.end(), References.begin(), References.end());
@@ -349,7 +391,7 @@ void WriteSettings() {
 
 std::vector<Text> SettingKeys() {
   std::vector<Text> Keys;
-  Keys.reserve(Rows.size());
+  Keys.reserve(std::size(Rows));
   for (const SettingRow& Row : Rows) Keys.emplace_back(Row.Key);
   return Keys;
 }

@@ -39,6 +39,12 @@ struct SettingsState {
   std::array<Colour, NumElementEntries> AtomColors{};
   std::array<Single, NumElementEntries> AtomRadii{};
 
+  // The molecule view's start.
+  Long AtomRenderType = 0;
+  Long BondRenderType = 0;
+  Colour BackColor = 0;
+  Colour LabelColor = 0;
+  Colour BondColor = 0;
   Colour SelectionColor = 0;     // mark of selected atoms
   Colour SpectrumLineColor = 0;  // as nmr.ini gave them; the spectrum view has its own
   Colour SpectrumEnvelopColor = 0;

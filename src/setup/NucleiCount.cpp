@@ -25,7 +25,7 @@ void SetResultFlags(int Count) {
 
 // What is new is zero, the couplings are those of the atoms that stay.
 void ResizeResults(int Old, Integer Count) {
-  const Integer TensorBound = TensorValues * Count;  // too many atoms end here, before anything has changed
+  const Integer NumTensorValues = TensorValues * Count;  // too many atoms end here, before anything has changed
   Array2<Single> Resized(Count, Count);
   // Atoms that were chosen but never computed have no couplings yet.
   const int Known = std::min(W.Coupling.UpperRow(), W.Coupling.UpperColumn());
@@ -39,7 +39,7 @@ void ResizeResults(int Old, Integer Count) {
   W.NMRAtomicNumber.ReDimPreserve(Count);
   W.Shielding.ReDimPreserve(Count);
   W.ChemicalShift.ReDimPreserve(Count);
-  W.ShieldTensor.ReDimPreserve(TensorBound);
+  W.ShieldTensor.ReDimPreserve(NumTensorValues);
 }
 
 void ClearResults(int Atom) {

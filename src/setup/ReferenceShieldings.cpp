@@ -31,7 +31,6 @@ void InitReferenceElements() {
   Workspace.ReferenceElement.ReDim(Last);
   Workspace.ReferenceElementName.ReDim(Last);
   Workspace.ReferenceShielding.ReDim(Last);
-  Workspace.ReferenceShieldingEdit.ReDim(Last);
   for (int Entry = 0; Entry <= Last; ++Entry) {
     const ReferenceRow& Row = References[static_cast<std::size_t>(Entry)];
     Workspace.ReferenceElement[Entry] = Row.Element;

@@ -5,6 +5,7 @@
 #include "basic/NumberText.h"
 #include "basic/Numbers.h"
 #include "platform/Form.h"
+#include "platform/Variables.h"
 #include "setup/ReferenceShieldings.h"
 #include "shell/Frame.h"
 #include "workspace/Helpers.h"
@@ -18,6 +19,9 @@ WorkspaceState& W = Workspace;
 
 constexpr Double LargestShielding = 100000;  // ppm
 
+// The values that the dialog works on; OK takes them over.
+Array<Single> ReferenceShieldingEdit{NumReferenceEntries - 1};
+
 struct ReferForm {
   Form frmRefer{"frmRefer"};
   ListBox List1{&frmRefer, "List1"};
@@ -29,14 +33,14 @@ struct ReferForm {
 ReferForm Dialog;
 
 // Values of the selected entry.
-Single& Edited() { return W.ReferenceShieldingEdit[Dialog.List1.ListIndex]; }
+Single& Edited() { return ReferenceShieldingEdit[Dialog.List1.ListIndex]; }
 Single InForce() { return W.ReferenceShielding[Dialog.List1.ListIndex]; }
 
 void Form_Load() { SetItems(Dialog.List1, ListReferenceNames()); }
 
 void Form_Activate() {
   for (int Entry = 0; Entry < W.NumReferenceElements; ++Entry) {
-    W.ReferenceShieldingEdit[Entry] = W.ReferenceShielding[Entry];
+    ReferenceShieldingEdit[Entry] = W.ReferenceShielding[Entry];
   }
   SetListIndex(Dialog.List1, 0);
   SetText(Dialog.Text1, GeneralForm(InForce()));
@@ -64,9 +68,9 @@ void Text1_Change() {
 // OK
 void Command1_Click() {
   // Only the spectrum that is being simulated hangs on its reference.
-  if (W.ReferenceShielding[W.SpectraType] != W.ReferenceShieldingEdit[W.SpectraType]) W.SpectResultsStale = True;
+  if (W.ReferenceShielding[W.SpectraType] != ReferenceShieldingEdit[W.SpectraType]) W.SpectResultsStale = True;
   for (int Entry = 0; Entry < W.NumReferenceElements; ++Entry) {
-    W.ReferenceShielding[Entry] = W.ReferenceShieldingEdit[Entry];
+    W.ReferenceShielding[Entry] = ReferenceShieldingEdit[Entry];
   }
   if (IsSet(W.SpectResultsStale)) {
     W.SpectraAvailable = False;
@@ -82,6 +86,7 @@ void Command2_Click() { HideForm(Dialog.frmRefer); }
 
 void BuildReferenceForm() {
   auto& D = Dialog;
+  AddArray("ReferenceShieldingEdit", ReferenceShieldingEdit, [] { return NumReferenceEntries; });
   D.frmRefer.Caption = "Reference Shielding";
   D.List1.AccessibleName = "Nucleus";
   D.List1.Click = List1_Click;

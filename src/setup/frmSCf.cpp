@@ -136,7 +136,7 @@ void Text3_Change() {
 }
 
 // One step of a spin button, unless the value stands at the end already.
-void Step(Integer& Value, int By, int End, TextField& Field) {
+void SpinField(Integer& Value, int By, int End, TextField& Field) {
   if (By > 0 ? Value >= End : Value <= End) return;
   Value += By;
   SetText(Field, GeneralForm(Value));
@@ -179,13 +179,13 @@ void SetUpFields() {
   D.Text2.KeyPress = Text2_KeyPress;
   D.Text2.Change = Text2_Change;
   D.Spin2.AccessibleName = "Charge on molecule";
-  D.Spin2.SpinDown = [] { Step(Dialog.Charge, -1, -LargestCharge, Dialog.Text2); };
-  D.Spin2.SpinUp = [] { Step(Dialog.Charge, 1, LargestCharge, Dialog.Text2); };
+  D.Spin2.SpinDown = [] { SpinField(Dialog.Charge, -1, -LargestCharge, Dialog.Text2); };
+  D.Spin2.SpinUp = [] { SpinField(Dialog.Charge, 1, LargestCharge, Dialog.Text2); };
   D.Label4.Caption = "Spin m&ultiplicity:";
   D.Text3.Change = Text3_Change;
   D.Spin3.AccessibleName = "Spin multiplicity";
-  D.Spin3.SpinDown = [] { Step(Dialog.Multiplicity, -1, 1, Dialog.Text3); };
-  D.Spin3.SpinUp = [] { Step(Dialog.Multiplicity, 1, LargestMultiplicity, Dialog.Text3); };
+  D.Spin3.SpinDown = [] { SpinField(Dialog.Multiplicity, -1, 1, Dialog.Text3); };
+  D.Spin3.SpinUp = [] { SpinField(Dialog.Multiplicity, 1, LargestMultiplicity, Dialog.Text3); };
 }
 
 }  // namespace

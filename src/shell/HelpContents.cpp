@@ -18,7 +18,7 @@ constexpr int DeepestLevel = 3;
 // The word that stands at the head of the line, which goes on behind it.
 TextView TakeWord(TextView& Line) {
   Line = TrimWhite(Line);
-  const TextView Word = Line.substr(0, Line.find_first_of(" \t"));
+  const TextView Word = Line.substr(0, Line.find_first_of(Separators));
   Line.remove_prefix(Word.size());
   return Word;
 }

@@ -123,7 +123,6 @@ void BuildMainForm() {
     Item.Parent = Row.Parent == nullptr ? nullptr : &(Main.*Row.Parent);
     Item.Caption = Row.Caption;
     Item.Shortcut = Row.Shortcut;
-    Item.Help = Row.Help;
     Item.Separator = Item.Caption == "-";
     SetEnabled(Item, ToFlag(!Row.StartsDisabled));
   }

@@ -38,6 +38,11 @@ struct PeakRange {
   Long Last = 0;  // behind the last
 };
 
+void ClearWorkArrays() {
+  V.PeakWork1.ReDim(W.PeakFrequency.UpperBound());
+  V.PeakWork2.ReDim(W.PeakFrequency.UpperBound());
+}
+
 // Fills the work arrays of the peaks near the window. The list falls: it ends at the first peak below.
 PeakRange FillWorkArrays() {
   const Double Span = GetHighLow();
@@ -50,6 +55,7 @@ PeakRange FillWorkArrays() {
   } else {
     Factor = Width > NoWidth ? Width * 0.5 : NoWidth * 0.5;
   }
+  if (V.PeakWork1.UpperBound() != W.PeakFrequency.UpperBound()) ClearWorkArrays();
   PeakRange Range{0, V.ViewPeakCount};
   for (Long Peak = 0; Peak < V.ViewPeakCount; ++Peak) {
     if (W.PeakFrequency[Peak] > Top) {
@@ -58,8 +64,8 @@ PeakRange FillWorkArrays() {
       Range.Last = Peak;
       break;
     } else {
-      W.PeakWork1[Peak] = ToSingle(Factor * Factor);
-      W.PeakWork2[Peak] = ToSingle(Factor * W.PeakIntensity[Peak]);
+      V.PeakWork1[Peak] = ToSingle(Factor * Factor);
+      V.PeakWork2[Peak] = ToSingle(Factor * W.PeakIntensity[Peak]);
     }
   }
   return Range;
@@ -70,7 +76,7 @@ Double FillEnvelope(const PeakRange& Range, int NumColumns) {
   const auto First = static_cast<std::size_t>(Range.First);
   const auto Count = static_cast<std::size_t>(std::max(Range.Last - Range.First, 0));
   const auto Part = [&](const Array<Single>& Values) { return Values.Span().subspan(First, Count); };
-  const EnvelopePeaks Peaks{Part(W.PeakFrequency), Part(W.PeakWork1), Part(W.PeakWork2)};
+  const EnvelopePeaks Peaks{Part(W.PeakFrequency), Part(V.PeakWork1), Part(V.PeakWork2)};
   const std::span<Double> Samples = std::span(V.EnvelopeSamples).first(static_cast<std::size_t>(NumColumns));
   const Double Start = V.HorizontalOffset + V.ViewLow;
   const Double Step = GetHighLow() / NumColumns;
@@ -83,6 +89,7 @@ Double FillEnvelope(const PeakRange& Range, int NumColumns) {
 }
 
 void TakePeakList(bool Negate) {
+  ClearWorkArrays();
   TakeViewSize();
   V.SpectrometerMHz = W.NMRFrequency;
   V.ViewPeakCount = W.PeakCount;

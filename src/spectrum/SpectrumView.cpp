@@ -4,6 +4,7 @@
 
 #include "platform/Variables.h"
 #include "shell/MainForm.h"
+#include "workspace/Workspace.h"
 
 namespace zelvanor {
 
@@ -60,6 +61,9 @@ void AddSpectrumVariables() {
   AddVariable("LineWidthBarLive", V.LineWidthBarLive);
   AddVariable("PickedPeak", V.PickedPeak);
   AddArray("EnvelopeSamples", V.EnvelopeSamples, EnvelopeColumns);
+  const auto CountPeaks = [] { return IsSet(Workspace.SpectraAvailable) ? Workspace.PeakCount : 0; };
+  AddArray("PeakWork1", V.PeakWork1, CountPeaks);
+  AddArray("PeakWork2", V.PeakWork2, CountPeaks);
 }
 
 int EnvelopeColumns() { return std::min<int>(SpectrumView.ViewWidth, MaxEnvelopeSamples); }

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "basic/Types.h"
+#include "basic/Array.h"
 #include "platform/Controls.h"
 
 namespace zelvanor {
@@ -30,10 +30,12 @@ struct SpectrumViewState {
   Double ViewLow = 0;  // limits of the window, before panning
   Double ViewHigh = 0;
   Double CenterFrequency = 0;
-  Double MaxIntensity = 0;         // 1.2 times the tallest line in the window
-  Double VerticalScale = 0;        // pixels per unit of intensity
-  Double EnvelopeScale = 0;        // pixels per unit of envelope
-  Long HorizontalOffset = 0;       // Hz, panning: added to both limits of the window
+  Double MaxIntensity = 0;   // 1.2 times the tallest line in the window
+  Double VerticalScale = 0;  // pixels per unit of intensity
+  Double EnvelopeScale = 0;  // pixels per unit of envelope
+  // Panning. The bar and the drawing take it as Hz that are added to both limits of the window, the routines that fit
+  // the window to the scale as pixels.
+  Long HorizontalOffset = 0;
   Double HorizontalScale = 0;      // pixels per Hz
   Double SpectrometerMHz = 0;      // of the peak list at hand
   Long SpectrometerFrequency = 0;  // MHz, as last told
@@ -52,6 +54,7 @@ struct SpectrumViewState {
   Flag LineWidthBarLive = False;
   Long PickedPeak = 0;  // of the read-out; -1 for none
   std::array<Double, MaxEnvelopeSamples> EnvelopeSamples{};
+  Array<Single> PeakWork1, PeakWork2;  // factors of each peak's line shape, beside the peak list
 };
 
 extern SpectrumViewState SpectrumView;

@@ -16,8 +16,6 @@ WorkspaceState& W = Workspace;
 constexpr int NotPlotted = 1;
 constexpr int Plotted = 0;
 
-void Step(const std::function<void()>& Work) { IgnoreFailure(Work); }
-
 // The title of a plot of the shielding table, by the first and last row.
 struct TitleRow {
   int First;
@@ -67,15 +65,15 @@ int PlotSelection(GridControl& Grid, bool EmptyIsZero) {
   WriteMember(Graph(), ChartNumSets, Grid.SelEndRow - Grid.SelStartRow + 1);
   for (int Row = Grid.SelStartRow; Row <= Grid.SelEndRow; ++Row) {
     for (int Col = Grid.SelStartCol; Col <= Grid.SelEndCol; ++Col) {
-      Step([&] { SetCurrentCell(Grid, Row, Col); });
-      Step([&] {
+      IgnoreFailure([&] { SetCurrentCell(Grid, Row, Col); });
+      IgnoreFailure([&] {
         const Text Value = CellText(Grid, Row, Col);
         if (Value.empty() && EmptyIsZero) return WriteMember(Graph(), ChartNextValue, 0.0);
         WriteMember(Graph(), ChartNextValue, Value);
       });
     }
   }
-  Step([&] { TakeLabels(Grid); });
+  IgnoreFailure([&] { TakeLabels(Grid); });
   return Plotted;
 }
 

@@ -27,24 +27,22 @@ void Write(int Row, int Col, const std::function<Text()>& Value) {
   IgnoreFailure([&] { SetCellText(Table(), Row, Col, Value()); });
 }
 
-void BringUpTable() {
-  SetVisible(Main.MolRender1, False);
-  SetVisible(Main.Spectrum1, False);
-  SetVisible(Table(), True);
-  Platform.SetPointer(MousePointer::Hourglass);
-  IgnoreFailure(PlaceTable);
-}
-
-// A fill counts as a move of the current cell. It goes away before anything of the grid changes, so that a value still
-// open in a cell is stored, and comes back to where it was, or as near as the new size lets it.
-struct FillMove {
+// The table while it is filled anew: it takes the place of the other views, under the hourglass. The current cell goes
+// away before anything of the grid changes, so that a value still open in it is stored, and comes back to where it was,
+// or as near as the new size lets it.
+struct TableFill {
   int Row = Table().Row;
   int Col = Table().Col;
 
-  FillMove() {
+  TableFill() {
+    SetVisible(Main.MolRender1, False);
+    SetVisible(Main.Spectrum1, False);
+    SetVisible(Table(), True);
+    Platform.SetPointer(MousePointer::Hourglass);
+    IgnoreFailure(PlaceTable);
     IgnoreFailure([] { SetCurrentCell(Table(), 0, 0); });
   }
-  ~FillMove() {
+  ~TableFill() {
     const int LastRow = RowsOf(Table()) - 1;
     const int LastCol = ColsOf(Table()) - 1;
     IgnoreFailure(
@@ -52,8 +50,8 @@ struct FillMove {
     SetEnabled(Main.mnuReplace, True);
     Platform.SetPointer(MousePointer::Default);
   }
-  FillMove(const FillMove&) = delete;
-  FillMove& operator=(const FillMove&) = delete;
+  TableFill(const TableFill&) = delete;
+  TableFill& operator=(const TableFill&) = delete;
 };
 
 // The labels of all atoms in row 0 and, for a square table, in column 0.
@@ -84,8 +82,7 @@ void PlaceTable() {
 }
 
 void ShowShieldingTable() {
-  BringUpTable();
-  const FillMove Move;
+  const TableFill Fill;
   IgnoreFailure([] { SetGridSize(Table(), TauRow + 1, W.NumNMRAtoms + 1); });
   WriteLabels(false);
   constexpr const char* Titles[] = {"Index", "Shielding", "Shift", "Tau"};
@@ -99,8 +96,7 @@ void ShowShieldingTable() {
 }
 
 void ShowCouplingTable() {
-  BringUpTable();
-  const FillMove Move;
+  const TableFill Fill;
   const int NumAtoms = W.NumNMRAtoms;
   IgnoreFailure([&] { SetGridSize(Table(), NumAtoms + 1, NumAtoms + 1); });
   WriteLabels(true);

@@ -42,27 +42,27 @@ Text ParmFile(TextView Name) { return Join(Settings.NMRParmPath, PathSeparator, 
 // A file's lines, or the failure of reading it.
 std::vector<Text> ReadLines(const Text& Path) {
   std::vector<Text> Lines;
-  W.FileNumber = FreeFile();
+  LineWork.FileNumber = FreeFile();
   try {
-    OpenForInput(Path, W.FileNumber);
+    OpenForInput(Path, LineWork.FileNumber);
     constexpr std::size_t MostLines = std::size_t{1} << 20;
-    while (!AtEnd(W.FileNumber)) {
+    while (!AtEnd(LineWork.FileNumber)) {
       if (Lines.size() == MostLines) throw Failure(failures::FileTooLarge);
-      Lines.emplace_back(LineInput(W.FileNumber));
+      Lines.emplace_back(LineInput(LineWork.FileNumber));
     }
   } catch (const Failure& Problem) {
-    CloseFileQuietly(W.FileNumber);
+    CloseFileQuietly(LineWork.FileNumber);
     throw Failure(Join("Failure on ", Path, ": ", Problem.What, "."));
   }
-  CloseFile(W.FileNumber);
+  CloseFile(LineWork.FileNumber);
   return Lines;
 }
 
 // The first word of a line, cut to a type's length.
 FixedText<TypeNameLength> TypeWord(TextView Line) {
-  const std::size_t First = Line.find_first_not_of(" \t");
+  const std::size_t First = Line.find_first_not_of(Separators);
   if (First == TextView::npos) return {};
-  return Line.substr(First, Line.find_first_of(" \t", First) - First);
+  return Line.substr(First, Line.find_first_of(Separators, First) - First);
 }
 
 void AddTypes(const TypeFileRow& Row, const std::vector<Text>& Lines) {
@@ -177,15 +177,15 @@ bool TypeFileMatches() { return T.TypeRuleHandle != 0 && CompareTypeFile(T.TypeF
 Flag CompareTypeFile(const Text& Path) {
   Flag Result = False;
   try {
-    W.FileNumber = FreeFile();
-    OpenForInput(Path, W.FileNumber);
-    if (AtEnd(W.FileNumber)) {
+    LineWork.FileNumber = FreeFile();
+    OpenForInput(Path, LineWork.FileNumber);
+    if (AtEnd(LineWork.FileNumber)) {
       ShowMessage(Join("Empty type file - ", Path, "."));
     } else {
-      LineInput(W.FileNumber);
+      LineInput(LineWork.FileNumber);
       Long Count = 1;
-      while (!AtEnd(W.FileNumber) && Result == False) {
-        const auto Word = TypeWord(LineInput(W.FileNumber));
+      while (!AtEnd(LineWork.FileNumber) && Result == False) {
+        const auto Word = TypeWord(LineInput(LineWork.FileNumber));
         ++Count;
         if (Count <= T.NumKnownAtomTypes && Word != T.KnownAtomTypes[Count - 1]) Result = True;
       }
@@ -195,7 +195,7 @@ Flag CompareTypeFile(const Text& Path) {
     Result = True;
     WarnOfFailure(Problem);
   }
-  CloseFileQuietly(W.FileNumber);
+  CloseFileQuietly(LineWork.FileNumber);
   return Result;
 }
 

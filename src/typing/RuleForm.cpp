@@ -24,10 +24,10 @@ constexpr BondMark BondMarks[] = {
     {'-', SingleOrder}, {'=', DoubleOrder}, {'#', TripleOrder}, {':', AromaticOrder}, {'~', NoOrder},
 };
 
-Words SplitAt(TextView Value, TextView Separators) {
+Words SplitAt(TextView Value, TextView Marks) {
   Words Result;
   for (std::size_t From = 0;;) {
-    const std::size_t End = std::min(Value.find_first_of(Separators, From), Value.size());
+    const std::size_t End = std::min(Value.find_first_of(Marks, From), Value.size());
     Result.push_back(TrimWhite(Value.substr(From, End - From)));
     if (End == Value.size()) return Result;
     From = End + 1;
@@ -35,7 +35,7 @@ Words SplitAt(TextView Value, TextView Separators) {
 }
 
 Words SplitWords(TextView Value) {
-  Words All = SplitAt(Value, " \t");
+  Words All = SplitAt(Value, Separators);
   std::erase(All, TextView());
   return All;
 }

@@ -57,7 +57,7 @@ void CompileLine(Compilation& Work, TextView Line) {
   constexpr TextView FieldWord = "forcefield";
   Line = TrimWhite(Line.substr(0, Line.find(';')));
   if (Line.empty()) return;
-  if (Line.starts_with(FieldWord) && Line.find_first_of(" \t") == FieldWord.size()) {
+  if (Line.starts_with(FieldWord) && Line.find_first_of(Separators) == FieldWord.size()) {
     const TextView Name = TrimWhite(Line.substr(FieldWord.size()));
     Work.Field = nullptr;
     for (ForceFieldRules& Known : Work.Fields) {
@@ -211,14 +211,13 @@ Flag FCompileHtrcLsz(Htrc Rules, const Text& Path) {
   Compilation Work;
   Work.Fields = Set->Fields;
   for (ForceFieldRules& Field : Work.Fields) Field.Rules.clear();
-  WorkspaceState& W = Workspace;
   try {
-    W.FileNumber = FreeFile();
-    OpenForInput(Path, W.FileNumber);
+    LineWork.FileNumber = FreeFile();
+    OpenForInput(Path, LineWork.FileNumber);
     constexpr std::size_t EnoughErrors = 10000;  // what is told is cut long before
-    for (int Line = 1; !AtEnd(W.FileNumber) && Work.Errors.size() < EnoughErrors; ++Line) {
+    for (int Line = 1; !AtEnd(LineWork.FileNumber) && Work.Errors.size() < EnoughErrors; ++Line) {
       try {
-        CompileLine(Work, LineInput(W.FileNumber));
+        CompileLine(Work, LineInput(LineWork.FileNumber));
       } catch (const Failure& Problem) {
         Work.Errors += Join(Work.Errors.empty() ? "" : "; ", "line ", Long{Line}, ": ", Problem.What);
       }
@@ -226,7 +225,7 @@ Flag FCompileHtrcLsz(Htrc Rules, const Text& Path) {
   } catch (const Failure& Problem) {
     Work.Errors = Problem.What;
   }
-  CloseFileQuietly(W.FileNumber);
+  CloseFileQuietly(LineWork.FileNumber);
   All().CompileError = Work.Errors;
   if (!Work.Errors.empty()) return False;
   Set->Fields = std::move(Work.Fields);

@@ -8,11 +8,10 @@
 
 namespace zelvanor {
 
+LineWorkState LineWork;
 std::function<void(TextView)> StatusSink;
 
 namespace {
-
-constexpr const char* Separators = " \t";
 
 BoxAnswer ShowBox(BoxKind Kind, BoxButtons Buttons, Text Message) {
   return Platform.ShowBox({Kind, Buttons, ProgramTitle, std::move(Message)});
@@ -33,7 +32,7 @@ Integer NextTokenEnd(TextView Value, Integer From) {
 Integer Tokenize(TextView Value) {
   // Lines may be longer than NextTokenStart and NextTokenEnd can count. The array grows to its largest size once, so
   // that the texts in it are written over and not made anew for each line.
-  Array<Text>& Tokens = Workspace.Tokens;
+  Array<Text>& Tokens = LineWork.Tokens;
   Integer Count = 0;
   ForEachWord(Value, [&](TextView Word) {
     ++Count;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "basic/Array.h"
 #include "basic/Elements.h"
 #include "basic/NumberText.h"
 #include "basic/TextTools.h"
@@ -15,11 +16,19 @@ inline constexpr const char* ProgramTitle = "Zelvanor";
 inline Integer MaxInteger(Integer A, Integer B) { return A > B ? A : B; }
 inline Integer MinInteger(Integer A, Integer B) { return A < B ? A : B; }
 
+// What readers and writers work with: one file is open at a time, and one line is split.
+struct LineWorkState {
+  Integer FileNumber;  // of the open file
+  Array<Text> Tokens;  // of the last Tokenize, from index 1
+  Integer TokenCount;  // where a reader keeps it
+};
+extern LineWorkState LineWork;
+
 // The 1-based place of the first character at From or behind it that is neither blank nor tab; 0 when there is none.
 Integer NextTokenStart(TextView Value, Integer From);
 // The 1-based place of the first blank or tab at From or behind it, or the text's length + 1.
 Integer NextTokenEnd(TextView Value, Integer From);
-// Splits at blanks and tabs into Workspace.Tokens, from index 1, and returns the number of tokens. A text without
+// Splits at blanks and tabs into LineWork.Tokens, from index 1, and returns the number of tokens. A text without
 // tokens leaves Tokens as they were: callers test the count.
 Integer Tokenize(TextView Value);
 

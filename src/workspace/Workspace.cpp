@@ -57,8 +57,6 @@ void AllocatePeaks(int NumPeaks) {
   W.PeakIntensity.ReDim(NumPeaks);
   W.PeakDegeneracy.ReDim(NumPeaks);
   W.PeakLineWidth.ReDim(NumPeaks);
-  W.PeakWork1.ReDim(NumPeaks);
-  W.PeakWork2.ReDim(NumPeaks);
 }
 
 void ClearSpectrum() {

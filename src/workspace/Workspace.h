@@ -69,8 +69,7 @@ struct WorkspaceState {
   Array<Single> PeakIntensity;
   Array<Long> PeakDegeneracy;
   Array<Single> PeakLineWidth;  // Hz
-  Array<Single> PeakWork1, PeakWork2;
-  Long SpectrumSpan = 0;  // ppm: a shift well outside every real one, where nuclei that are not observed are put
+  Long SpectrumSpan = 0;        // ppm: a shift well outside every real one, where nuclei that are not observed are put
 
   Integer NumSpinHalfNMRAtoms;
   Integer NumSpinHalfAtoms;
@@ -104,19 +103,16 @@ struct WorkspaceState {
   Array<Integer> ReferenceElement;
   Array<Text> ReferenceElementName;
   Array<Single> ReferenceShielding;
-  Array<Single> ReferenceShieldingEdit;
 
   // Document state. At most one of the three paths names the origin of the system.
   Text DocumentTitle;
   Text DocumentPath;
   Text HostTextPath;
   Text ZMatrixPath;
-  Integer FileNumber;  // of the file that the reader or writer at work holds open
   Text LogFilePath;
   Text ParamDescription;
   Text SpectDescription;
-  Integer ViewMode;     // 1 molecule, 2 shielding table, 3 coupling table, 4 spectrum
-  Integer AtomSetMode;  // which set the atom set dialog edits, 1..4
+  Integer ViewMode;  // 1 molecule, 2 shielding table, 3 coupling table, 4 spectrum
   Flag IsBusy = False;
 
   // Validity.
@@ -131,8 +127,6 @@ struct WorkspaceState {
   Flag AtomTypesChanged = False;  // AtomType is newer than HostTextLine
 
   // Text buffers.
-  Array<Text> Tokens;  // of the last Tokenize, from index 1
-  Integer TokenCount;
   Array<FixedText<HostLineLength>> HostTextLine;  // 0..HostTextLineCount: the system in the host text format
   Long HostTextLineCount = 0;
   Text HostViewText;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/Variables.h"
+#include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -67,8 +68,6 @@ void AddResults() {
   AddArray("PeakIntensity", W.PeakIntensity, CountPeaks);
   AddArray("PeakDegeneracy", W.PeakDegeneracy, CountPeaks);
   AddArray("PeakLineWidth", W.PeakLineWidth, CountPeaks);
-  AddArray("PeakWork1", W.PeakWork1, CountPeaks);
-  AddArray("PeakWork2", W.PeakWork2, CountPeaks);
   AddVariable("SpectrumSpan", W.SpectrumSpan);
   AddVariable("NumSpinHalfNMRAtoms", W.NumSpinHalfNMRAtoms);
   AddVariable("NumSpinHalfAtoms", W.NumSpinHalfAtoms);
@@ -102,7 +101,6 @@ void AddOptions() {
   AddArray("ReferenceElement", W.ReferenceElement, CountReferences);
   AddArray("ReferenceElementName", W.ReferenceElementName, CountReferences);
   AddArray("ReferenceShielding", W.ReferenceShielding, CountReferences);
-  AddArray("ReferenceShieldingEdit", W.ReferenceShieldingEdit, CountReferences);
 }
 
 void AddDocumentState() {
@@ -110,12 +108,10 @@ void AddDocumentState() {
   AddVariable("DocumentPath", W.DocumentPath);
   AddVariable("HostTextPath", W.HostTextPath);
   AddVariable("ZMatrixPath", W.ZMatrixPath);
-  AddVariable("FileNumber", W.FileNumber);
   AddVariable("LogFilePath", W.LogFilePath);
   AddVariable("ParamDescription", W.ParamDescription);
   AddVariable("SpectDescription", W.SpectDescription);
   AddVariable("ViewMode", W.ViewMode);
-  AddVariable("AtomSetMode", W.AtomSetMode);
   AddVariable("IsBusy", W.IsBusy);
   AddVariable("MoleculeLoaded", W.MoleculeLoaded);
   AddVariable("NMRAtomsValid", W.NMRAtomsValid);
@@ -126,11 +122,15 @@ void AddDocumentState() {
   AddVariable("ParamResultsStale", W.ParamResultsStale);
   AddVariable("SpectResultsStale", W.SpectResultsStale);
   AddVariable("AtomTypesChanged", W.AtomTypesChanged);
-  AddArray("Tokens", W.Tokens, [] { return W.Tokens.UpperBound(); });
-  AddVariable("TokenCount", W.TokenCount);
   AddArray("HostTextLine", W.HostTextLine, [] { return int(W.HostTextLineCount); });
   AddVariable("HostTextLineCount", W.HostTextLineCount);
   AddVariable("HostViewText", W.HostViewText);
+}
+
+void AddLineWork() {
+  AddVariable("FileNumber", LineWork.FileNumber);
+  AddArray("Tokens", LineWork.Tokens, [] { return LineWork.Tokens.UpperBound(); });
+  AddVariable("TokenCount", LineWork.TokenCount);
 }
 
 }  // namespace
@@ -142,6 +142,7 @@ void AddWorkspaceVariables() {
   AddResults();
   AddOptions();
   AddDocumentState();
+  AddLineWork();
 }
 
 }  // namespace zelvanor

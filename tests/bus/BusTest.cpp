@@ -28,7 +28,6 @@ Failure FailureOf(const std::function<void()>& Call) {
 class BusTest : public testing::Test {
  protected:
   BusTest() {
-    UseHostBus([this](int Descriptor) { Watched = Descriptor; });
     Platform.Host.LinkTimeout = -1;
     Platform.DoEvents = [this] {
       ++NumServices;
@@ -81,17 +80,6 @@ TEST_F(BusTest, CommandsAndItems) {
   EXPECT_FALSE(Asked.back().starts_with(First));
 }
 
-TEST_F(BusTest, NobodyAnswersUnderTheName) {
-  EXPECT_EQ(FailureOf([] { Platform.Host.Open(LinkTopic); }).Number, NoApplicationAnswers);
-  const Text Address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-  setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere", 1);
-  EXPECT_EQ(FailureOf([] { Platform.Host.Open(LinkTopic); }).Number, NoApplicationAnswers);
-  EXPECT_NE(FailureOf([this] { OpenHost(); }).What, "no failure");
-  setenv("DBUS_SESSION_BUS_ADDRESS", Address.c_str(), 1);
-  OpenHost();
-  EXPECT_NE(FailureOf([] { OpenServer(HostApplication, Topic, {}); }).What, "no failure") << "the name is taken";
-}
-
 TEST_F(BusTest, AHostThatDoesNotAnswerInTime) {
   OpenHost();
   Platform.Host.Open(LinkTopic);
@@ -105,18 +93,6 @@ TEST_F(BusTest, AHostThatDoesNotAnswerInTime) {
   EXPECT_GE(NumServices, 5) << "the window is served while the call waits";
   Serving = true;
   EXPECT_EQ(Platform.Host.Request("y"), "value of y") << "an answer that comes too late is not taken for the next";
-}
-
-TEST_F(BusTest, AHostThatDies) {
-  OpenHost();
-  Platform.Host.Open(LinkTopic);
-  Platform.DoEvents = [this] { Server.reset(); };  // in the middle of the call
-  EXPECT_EQ(FailureOf([] { Platform.Host.Request("x"); }).What, "Morvantis has ended the conversation");
-  EXPECT_EQ(FailureOf([] { Platform.Host.Execute("x"); }).What, "Morvantis has ended the conversation");
-  // Another one under the same name is not the partner of this conversation.
-  OpenHost();
-  EXPECT_EQ(FailureOf([] { Platform.Host.Execute("x"); }).What, "Morvantis has ended the conversation");
-  EXPECT_TRUE(Asked.empty());
 }
 
 TEST_F(BusTest, AnAnswerThatIsNoText) {

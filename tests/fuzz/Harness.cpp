@@ -164,6 +164,7 @@ void ResetProgram() {
   FillServices();
   State() = {};
   Workspace = Fresh.Document;
+  LineWork = {};
   Settings = Fresh.Options;
   SpectrumView = Fresh.View;
   if (MoleculeTree.TreeHandle != 0) DestroyHtr(MoleculeTree.TreeHandle);

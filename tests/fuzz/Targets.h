@@ -11,18 +11,8 @@ struct Target {
   bool (*Read)(TextView Input);
 };
 
-extern const Target BackendParamTarget;
-extern const Target BackendSpectTarget;
-extern const Target BackendTablesTarget;
-extern const Target DocumentTarget;
-extern const Target HostTextTarget;
-extern const Target ParamResultsTarget;
-extern const Target ProfileTarget;
-extern const Target ScriptTarget;
-extern const Target SettingsTarget;
-extern const Target SpectResultsTarget;
-extern const Target TypeFileTarget;
-extern const Target TypeRulesTarget;
-extern const Target ZMatrixTarget;
+extern const Target BackendParamTarget, BackendSpectTarget, BackendTablesTarget, DocumentTarget, HostTextTarget,
+    ParamResultsTarget, ProfileTarget, ScriptTarget, SettingsTarget, SpectResultsTarget, TypeFileTarget,
+    TypeRulesTarget, ZMatrixTarget;
 
 }  // namespace zelvanor::fuzz

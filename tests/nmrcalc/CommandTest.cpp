@@ -97,31 +97,6 @@ TEST(StageTwo, WritesThePeakListByRisingFrequency) {
   EXPECT_FALSE(std::filesystem::exists(Directory.Path + "/nmrspect.out.tmp"));
 }
 
-TEST(Failures, StandOnTheFirstLine) {
-  for (const int Stage : {1, 2}) {
-    const TemporaryDirectory Directory;
-    const std::string Output = Stage == 1 ? "nmrparam.out" : "nmrspect.out";
-    Directory.Write(Output, "an earlier result\n");
-    EXPECT_EQ(RunStageIn(Directory, Stage), 1);
-    const std::string Text = Directory.Read(Output);
-    EXPECT_EQ(Text.rfind("ERRMSG: Could not read " + Directory.Path, 0), 0u) << Text;
-    EXPECT_EQ(std::count(Text.begin(), Text.end(), '\n'), 1);
-    EXPECT_NE(Directory.Read("log").find("Failed: "), std::string::npos);
-  }
-}
-
-TEST(Failures, AResultThatCannotBeWritten) {
-  const TemporaryDirectory Directory;
-  Directory.Write("nmrspect.in", EthanolSpectrum);
-  std::filesystem::create_directory(Directory.Path + "/nmrspect.out");
-  EXPECT_EQ(RunStageIn(Directory, 2), 1);
-  std::filesystem::remove(Directory.Path + "/nmrspect.out");
-  if (!std::filesystem::exists("/dev/full")) return;
-  std::filesystem::create_symlink("/dev/full", Directory.Path + "/nmrspect.out");
-  EXPECT_EQ(RunStageIn(Directory, 2), 1);
-  EXPECT_NE(Directory.Read("log").find("Could not write"), std::string::npos);
-}
-
 TEST(CommandLines, AreCutAndJoined) {
   const TemporaryDirectory Directory;  // its name holds a blank
   const std::size_t Blank = Directory.Path.find(' ');

@@ -78,26 +78,6 @@ void ExpectComplaints(const Lines& Good, const std::vector<BadLine>& Rows, Reade
   }
 }
 
-// Every cut of the file, in lines and in bytes, is told, and nothing worse happens; and any byte may be anything.
-template <class Reader>
-void ExpectNoHarm(const Lines& Good, std::size_t EnoughLines, Reader Read) {
-  const TemporaryDirectory Directory;
-  for (std::size_t Count = 0; Count < EnoughLines; ++Count) {
-    const std::string Path = Directory.Write("input", Join({Good.begin(), Good.begin() + std::ptrdiff_t(Count)}));
-    const std::string Text = FailureOf([&] { Read(Path); });
-    EXPECT_NE(Text.find("the file ends where"), std::string::npos) << Count << " lines: " << Text;
-  }
-  const std::string Whole = Join(Good);
-  for (std::size_t Place = 0; Place < Whole.size(); ++Place) {
-    for (const char Byte : {'\0', '9', '\n', '\xff'}) {
-      std::string Changed = Whole;
-      Changed[Place] = Byte;
-      const std::string Path = Directory.Write("input", Changed);
-      FailureOf([&] { Read(Path); });
-    }
-  }
-}
-
 TEST(SpectrumInputFile, IsReadInEveryShape) {
   const TemporaryDirectory Directory;
   for (const char* End : {"\r\n", "\n"}) {
@@ -134,13 +114,6 @@ TEST(SpectrumInputFile, ComplaintsNameTheLine) {
                    [](const std::string& Path) { ReadSpectrumInput(Path); });
 }
 
-TEST(SpectrumInputFile, CutsAndChangedBytesDoNoHarm) {
-  ExpectNoHarm(GoodSpectrum, GoodSpectrum.size(), [](const std::string& Path) {
-    Log Silent;
-    SimulateSpectrum(ReadSpectrumInput(Path), 1e7, Silent);
-  });
-}
-
 TEST(ParamInputFile, IsRead) {
   const TemporaryDirectory Directory;
   const auto Input = ReadParamInput(Directory.Write("input", Join(GoodParam)));
@@ -172,13 +145,6 @@ TEST(ParamInputFile, ComplaintsNameTheLine) {
                     {20, "atom 1 - F ** - 0 0 0 0 13 2 s", "0 to 12"},
                     {21, "atom 2 - H ** - 0 0 zero 0 1 1 s", "a coordinate"}},
                    [](const std::string& Path) { ReadParamInput(Path); });
-}
-
-TEST(ParamInputFile, CutsAndChangedBytesDoNoHarm) {
-  ExpectNoHarm(GoodParam, GoodParam.size(), [](const std::string& Path) {
-    Log Silent;
-    EstimateParameters(Path, NMRCALC_DATA, Silent);
-  });
 }
 
 TEST(TableFiles, ComplaintsNameTheLine) {

@@ -90,15 +90,6 @@ TEST(Reach, TabReachesEveryControlOfEveryForm) {
   BringBackWindow();
 }
 
-TEST(Reach, TabReachesTheMainWindow) {
-  const std::set<const QWidget*> Stops = TabChain(&Window());
-  for (Control* Item : {static_cast<Control*>(&Main.MolRender1), static_cast<Control*>(&Main.ShieldTable),
-                        static_cast<Control*>(&Main.Spectrum1), static_cast<Control*>(&Main.HScroll1),
-                        static_cast<Control*>(&Main.HScroll2)}) {
-    EXPECT_TRUE(IsReached(Stops, WidgetOf(*Item))) << Item->Name;
-  }
-}
-
 char AccessKeyOf(const Text& Caption) {
   for (std::size_t Place = 0; Place + 1 < Caption.size(); ++Place) {
     if (Caption[Place] != '&') continue;
@@ -182,23 +173,6 @@ TEST(Spoken, GridCellsHaveTextsAndHeaders) {
   EXPECT_EQ(Table->rowDescription(0), "Shielding");
 }
 
-TEST(Spoken, ChartReadsItsValues) {
-  Form* Graph = FindForm("frmGraph");
-  ASSERT_NE(Graph, nullptr);
-  auto& Chart = *static_cast<ChartControl*>(FindControl("frmGraph.Graph1"));
-  DialogOf(*Graph, &Window());
-  WriteMember(Chart, ChartTitle, "Shift");
-  WriteMember(Chart, ChartNumPoints, 2);
-  WriteMember(Chart, ChartNumSets, 1);
-  WriteMember(Chart, ChartAutoNext, 1);
-  WriteMember(Chart, ChartNextValue, 1.25);
-  WriteMember(Chart, ChartNextValue, -3.0);
-  SetChartLabels(Chart, {"1-2(H)", "1-3(H)"}, {"Shift"});
-  const QString Words = Spoken(Chart)->text(QAccessible::Description);
-  EXPECT_EQ(Spoken(Chart)->role(), QAccessible::Chart);
-  EXPECT_TRUE(Words.startsWith("Shift; 1-2(H): Shift 1.25; 1-3(H): Shift -3.")) << Words.toStdString();
-}
-
 // A spectrum of four lines in the window.
 struct ShownSpectrum {
   ShownSpectrum() {
@@ -206,7 +180,7 @@ struct ShownSpectrum {
     Workspace.PeakCount = Count;
     Workspace.NMRFrequency = 400;
     for (auto* Values : {&Workspace.PeakFrequency, &Workspace.PeakIntensity, &Workspace.PeakLineWidth,
-                         &Workspace.PeakWork1, &Workspace.PeakWork2})
+                         &SpectrumView.PeakWork1, &SpectrumView.PeakWork2})
       Values->ReDim(Count);
     Workspace.PeakDegeneracy.ReDim(Count);
     for (int Peak = 0; Peak < Count; ++Peak) {

@@ -134,33 +134,6 @@ TEST(Drops, FileIsNoPlaceForUnsavedWork) {
   BringBackWindow();
 }
 
-// Reads what a dialog shows and closes it.
-QString FolderOfNextDialog() {
-  QString Folder;
-  QTimer::singleShot(50, [&Folder] {
-    auto* Dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
-    if (Dialog == nullptr) return;
-    Folder = Dialog->directory().absolutePath();
-    Dialog->close();
-  });
-  AskForFile(Asking(false));
-  return Folder;
-}
-
-TEST(Remembered, FoldersOfTheFileDialogs) {
-  const Documents Former;
-  const Documents Present;
-  QueueFile(PathFromQt(Former.Make("last.NMR")));
-  AskForFile(Asking(false));
-  EXPECT_EQ(FolderOfNextDialog(), QDir(Former.Folder.path()).absolutePath());
-  Workspace.DocumentPath = PathFromQt(Present.Make("now.NMR"));
-  EXPECT_EQ(FolderOfNextDialog(), QDir(Present.Folder.path()).absolutePath()) << "a document's own folder comes first";
-  Workspace.DocumentPath = PathFromQt(Present.Folder.filePath("gone/x.NMR"));
-  EXPECT_EQ(FolderOfNextDialog(), QDir(Former.Folder.path()).absolutePath()) << "a folder that is gone counts as none";
-  Workspace.DocumentPath.clear();
-  BringBackWindow();
-}
-
 TEST(Remembered, SizesOfDialogs) {
   static Form frmKept("frmKept");  // forms stay known to the program for good
   static ListBox List1(&frmKept, "List1");
@@ -230,17 +203,6 @@ TEST(Remembered, GarbageCountsAsNone) {
   }
   RememberSize("frmValues", {500, 400});
   EXPECT_EQ(RememberedSize("frmValues"), QSize(500, 400)) << "and can be written over";
-}
-
-TEST(Remembered, SettingsThatCantBeWrittenDoNoHarm) {
-  const QTemporaryDir Locked;
-  QDir(Locked.path()).mkpath("zelvanor/zelvanor.conf");  // a folder where the file would be
-  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, Locked.path());
-  RememberSize("frmGraph", {500, 400});
-  RememberFolderOf("/tmp/x");
-  RememberGeometry(Window());
-  EXPECT_FALSE(RememberedSize("frmOther").isValid());
-  QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, qEnvironmentVariable("XDG_CONFIG_HOME"));
 }
 
 TEST(Busy, StatusLineMovesWhileACommandWorks) {

@@ -2,21 +2,15 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QComboBox>
 #include <QDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
-#include <QPushButton>
-#include <QScrollBar>
 #include <QTest>
 #include <QTimer>
-#include <QWindow>
 
 #include "QtTestWindow.h"
 #include "platform/Form.h"
-#include "platform/Picture.h"
 #include "qt/Dispatch.h"
 #include "qt/controls/Boxes.h"
 #include "qt/controls/FormBuilder.h"
@@ -26,22 +20,10 @@ namespace zelvanor::tests {
 
 namespace {
 
-// A form with one control of each kind.
 struct TrialForm {
   Form frmTrial{"frmTrial"};
-  Label Label1{&frmTrial, "Label1"};
   TextField Text1{&frmTrial, "Text1"};
-  Label Label2{&frmTrial, "Label2"};
-  SpinButton Spin1{&frmTrial, "Spin1"};
-  CheckBox Check1{&frmTrial, "Check1"};
-  OptionButton Option1{&frmTrial, "Option1", 0};
-  OptionButton Option2{&frmTrial, "Option1", 1};
-  OptionButton Other{&frmTrial, "Other"};
-  ListBox List1{&frmTrial, "List1"};
   ListBox List2{&frmTrial, "List2", true};
-  ComboBox Combo1{&frmTrial, "Combo1"};
-  ScrollBar Bar1{&frmTrial, "Bar1"};
-  PictureSurface Surface1{&frmTrial, "Surface1"};
   CommandButton Command1{&frmTrial, "Command1"};
   CommandButton Command2{&frmTrial, "Command2"};
   std::vector<Text> Seen;
@@ -60,41 +42,12 @@ Event Note(const char* What) {
 QDialog* Dialog() {
   TrialForm& F = Trial();
   if (F.frmTrial.Layout.Is == Arrangement::Shape::Column) return DialogOf(F.frmTrial, &Window());
-  F.frmTrial.Caption = "Trial";
-  F.Label1.Caption = "&Set && count:";
-  F.Label2.Caption = "R&&D";
-  F.Command1.Caption = "&OK";
-  F.Command1.IsDefault = true;
-  F.Command2.Caption = "Cancel";
-  F.Command2.IsCancel = true;
-  F.Option1.Group = F.Option2.Group = "A";
-  F.Other.Group = "B";
-  SetItems(F.Combo1, {"one", "two", "three"});
-  SetItems(F.List1, {"H", "C", "N"});
-  F.Surface1.Width = F.Surface1.Height = TwipsFromPixels(60);
-  F.Text1.Change = Note("text");
-  F.Spin1.SpinUp = Note("up");
-  F.Spin1.SpinDown = Note("down");
-  F.Check1.Click = Note("check");
-  F.Option1.Click = Note("option 0");
-  F.Option2.Click = Note("option 1");
-  F.Other.Click = Note("other");
-  F.List1.Click = Note("list");
-  F.List1.DoubleClick = Note("double");
-  F.List2.Click = Note("many");
-  F.Combo1.Click = Note("combo");
-  F.Bar1.Change = Note("bar");
-  F.Surface1.MouseDown = [](int, int, Single, Single) { Trial().Seen.push_back("mouse"); };
-  F.Command1.Click = Note("ok");
-  F.Command2.Click = [] {
+  SetUpOkAndCancel(F.Command1, "&OK", Note("ok"), F.Command2, [] {
     Trial().Seen.push_back("cancel");
     HideForm(Trial().frmTrial);
-  };
-  F.frmTrial.Layout =
-      ColumnOf({RowOf({ItemOf(F.Label1), ItemOf(F.Text1)}), RowOf({ItemOf(F.Label2), ItemOf(F.Spin1)}),
-                ItemOf(F.Check1), GroupOf("Kind", {ItemOf(F.Option1), ItemOf(F.Option2), ItemOf(F.Other)}),
-                RowOf({ItemOf(F.List1), ItemOf(F.List2)}), ItemOf(F.Combo1), ItemOf(F.Bar1), ItemOf(F.Surface1),
-                RowOf({StretchOf(), ItemOf(F.Command1), ItemOf(F.Command2)})});
+  });
+  F.List2.Click = Note("many");
+  F.frmTrial.Layout = ColumnOf({ItemOf(F.Text1), ItemOf(F.List2), RowOf({ItemOf(F.Command1), ItemOf(F.Command2)})});
   return DialogOf(F.frmTrial, &Window());
 }
 
@@ -120,112 +73,6 @@ class FormWidgets : public testing::Test {
   ~FormWidgets() override { Dialog()->hide(); }
 };
 
-TEST_F(FormWidgets, FocusGoesWhereTheProgramPutsIt) {
-  for (const auto& [Target, Name] : {std::pair<Control*, const char*>{&Trial().Text1, "Text1"},
-                                     {&Trial().List2, "List2"},
-                                     {&Trial().Check1, "Check1"}}) {
-    SetFocus(*Target);
-    EXPECT_EQ(Dialog()->focusWidget(), Part<QWidget>(Name)) << Name;
-  }
-}
-
-TEST_F(FormWidgets, ButtonsSetTheirControls) {
-  TrialForm& F = Trial();
-  SetValue(F.Check1, 0);
-  SetValue(F.Option1, True);
-  TakeSeen();
-  QTest::mouseClick(Part<QAbstractButton>("Command1"), Qt::LeftButton);
-  EXPECT_EQ(TakeSeen(), Texts{"ok"});
-  QTest::keyClick(Part<QAbstractButton>("Check1"), Qt::Key_Space);
-  EXPECT_EQ(F.Check1.Value, 1);
-  EXPECT_EQ(TakeSeen(), Texts{"check"});
-  Part<QAbstractButton>("Option1(1)")->click();
-  EXPECT_EQ(TakeSeen(), Texts{"option 1"});
-  EXPECT_FALSE(IsSet(F.Option1.Value));
-  EXPECT_TRUE(IsSet(F.Option2.Value));
-  EXPECT_FALSE(Part<QAbstractButton>("Option1(0)")->isChecked());
-  Part<QAbstractButton>("Other")->click();
-  EXPECT_TRUE(Part<QAbstractButton>("Option1(1)")->isChecked()) << "another group";
-  // And the other way.
-  SetValue(F.Check1, 0);
-  SetValue(F.Option2, False);
-  EXPECT_FALSE(Part<QAbstractButton>("Check1")->isChecked());
-  EXPECT_FALSE(Part<QAbstractButton>("Option1(1)")->isChecked()) << "none of the group may be set";
-  SetValue(F.Option1, True);
-  EXPECT_TRUE(Part<QAbstractButton>("Option1(0)")->isChecked());
-  SetEnabled(F.Command1, False);
-  EXPECT_FALSE(Part<QAbstractButton>("Command1")->isEnabled());
-  SetEnabled(F.Command1, True);
-  SetVisible(F.Check1, False);
-  EXPECT_FALSE(Part<QWidget>("Check1")->isVisible());
-  SetVisible(F.Check1, True);
-  EXPECT_TRUE(Part<QWidget>("Check1")->isVisible());
-}
-
-TEST_F(FormWidgets, FieldsTypeKeyByKey) {
-  TrialForm& F = Trial();
-  auto* Line = Part<QLineEdit>("Text1");
-  SetText(F.Text1, "");
-  TakeSeen();
-  QTest::keyClicks(Line, "ab");
-  EXPECT_EQ(F.Text1.Value, "ab");
-  EXPECT_EQ(TakeSeen(), (Texts{"text", "text"}));
-  // Digits pass, a comma becomes a point, everything else is taken away; backspace is a key like others.
-  std::vector<int> Keys;
-  F.Text1.KeyPress = [&Keys](int& Key) {
-    Keys.push_back(Key);
-    if (Key == ',') {
-      Key = '.';
-    } else if (Key != 8 && (Key < '0' || Key > '9')) {
-      Key = 0;
-    }
-  };
-  SetText(F.Text1, "");
-  QTest::keyClicks(Line, "1x,59");
-  QTest::keyClick(Line, Qt::Key_Backspace);
-  F.Text1.KeyPress = {};
-  EXPECT_EQ(F.Text1.Value, "1.5");
-  EXPECT_EQ(Line->text(), "1.5");
-  EXPECT_EQ(Keys, (std::vector<int>{'1', 'x', ',', '5', '9', 8}));
-  // What the program makes of it within Change shows.
-  const Event Former = std::exchange(F.Text1.Change, [&F] {
-    if (F.Text1.Value.size() > 3) SetText(F.Text1, "9");
-  });
-  QTest::keyClicks(Line, "7");
-  F.Text1.Change = Former;
-  EXPECT_EQ(Line->text(), "9");
-  EXPECT_EQ(F.Text1.Value, "9");
-}
-
-TEST_F(FormWidgets, LabelsLeadToTheirFields) {
-  EXPECT_EQ(Part<QLabel>("Label1")->buddy(), Part<QWidget>("Text1"));
-  EXPECT_EQ(Part<QWidget>("Text1")->accessibleName(), "Set & count:");
-  Part<QPushButton>("Command1")->setFocus();
-  QTest::keyClick(Dialog()->windowHandle(), Qt::Key_S, Qt::AltModifier);
-  EXPECT_TRUE(Part<QWidget>("Text1")->hasFocus());
-}
-
-TEST_F(FormWidgets, ListsSelect) {
-  TrialForm& F = Trial();
-  auto* View = Part<QListView>("List1");
-  QTest::mouseClick(View->viewport(), Qt::LeftButton, {}, View->visualRect(View->model()->index(1, 0)).center());
-  EXPECT_EQ(F.List1.ListIndex, 1);
-  EXPECT_EQ(TakeSeen(), Texts{"list"});
-  QTest::mouseDClick(View->viewport(), Qt::LeftButton, {}, View->visualRect(View->model()->index(1, 0)).center());
-  EXPECT_EQ(TakeSeen(), Texts{"double"});
-  SetListIndex(F.List1, 2);
-  EXPECT_EQ(View->currentIndex().row(), 2);
-  SetListIndex(F.List1, -1);
-  EXPECT_FALSE(View->selectionModel()->hasSelection());
-  TakeSeen();
-  Part<QComboBox>("Combo1")->setFocus();
-  QTest::keyClick(Part<QComboBox>("Combo1"), Qt::Key_Down);
-  EXPECT_EQ(F.Combo1.ListIndex, 0);
-  EXPECT_EQ(TakeSeen(), Texts{"combo"});
-  SetListIndex(F.Combo1, 2);
-  EXPECT_EQ(Part<QComboBox>("Combo1")->currentText(), "three");
-}
-
 TEST_F(FormWidgets, LongListsSelectInOneGo) {
   constexpr int NumRows = 5440;
   TrialForm& F = Trial();
@@ -246,20 +93,6 @@ TEST_F(FormWidgets, LongListsSelectInOneGo) {
   EXPECT_TRUE(TakeSeen().empty()) << "the program's own selection is no click";
   SetItems(F.List2, {});
   EXPECT_EQ(View->model()->rowCount(), 0);
-}
-
-TEST_F(FormWidgets, BarsSpinsAndSurfacesGiveEvents) {
-  TrialForm& F = Trial();
-  SetRange(F.Bar1, 10, 0);
-  TakeSeen();
-  Part<QScrollBar>("Bar1")->setValue(3);
-  EXPECT_EQ(F.Bar1.Value, 7);
-  const auto Arrows = Part<QWidget>("Spin1")->findChildren<QAbstractButton*>();
-  ASSERT_EQ(Arrows.size(), 2);
-  QTest::mouseClick(Arrows[0], Qt::LeftButton);
-  QTest::mouseClick(Arrows[1], Qt::LeftButton);
-  QTest::mouseClick(Part<QWidget>("Surface1"), Qt::LeftButton);
-  EXPECT_EQ(TakeSeen(), (Texts{"bar", "up", "down", "mouse"}));
 }
 
 // Runs a step inside the event loop of the next modal window.
@@ -341,13 +174,6 @@ TEST(MessageBoxes, ShowPlainTextAndAnswer) {
     EXPECT_EQ(Text, "<b>a</b>\nb");
     EXPECT_EQ(Format, Qt::PlainText);
   }
-}
-
-TEST(FileDialogs, AnswerWithAQueuedFileOnce) {
-  QueueFile("/some/where.NMR");
-  EXPECT_EQ(AskForFile({}), std::optional<Text>("/some/where.NMR"));
-  Later([] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
-  EXPECT_EQ(AskForFile(FileDialog()), std::nullopt);
 }
 
 }  // namespace

@@ -34,38 +34,6 @@ struct Restored {
 // The action that shows a menu item.
 QAction* ActionOf(const MenuItem& Item) { return Shown<QAction>(Item.Name.c_str()); }
 
-TEST(Menus, MirrorTheirItems) {
-  for (const MenuRow& Row : MenuRows()) {
-    MenuItem& Item = Main.*Row.Item;
-    SCOPED_TRACE(Item.Name);
-    const QAction* Action = ActionOf(Item);
-    EXPECT_EQ(Action->isSeparator(), Item.Separator);
-    EXPECT_EQ(FromQt(Action->text()), Item.Separator ? Text() : Item.Caption);
-    EXPECT_EQ(FromQt(Action->shortcut().toString()), Item.Shortcut);
-    const Flag Visible = Item.Visible;
-    for (const Flag State : {False, True}) {
-      SetVisible(Item, State);
-      EXPECT_EQ(Action->isVisible(), IsSet(State));
-    }
-    for (const Flag State : {ToFlag(!IsSet(Item.Enabled)), Item.Enabled}) {
-      SetEnabled(Item, State);
-      EXPECT_EQ(Action->isEnabled(), IsSet(State));
-    }
-    SetVisible(Item, Visible);
-    for (const Flag State : {ToFlag(!IsSet(Item.Checked)), Item.Checked}) {
-      SetChecked(Item, State);
-      EXPECT_EQ(Action->isChecked(), IsSet(State));
-    }
-  }
-}
-
-TEST(Menus, NewCaptionShows) {
-  const Text Former = Main.mnuViewValues.Caption;
-  SetCaption(Main.mnuViewValues, "Spectral && &Values");
-  EXPECT_EQ(ActionOf(Main.mnuViewValues)->text(), "Spectral && &Values");
-  SetCaption(Main.mnuViewValues, Former);
-}
-
 TEST(Menus, MarkIsTheProgramsOwn) {
   // The item that is checked already does nothing when it is used again, and keeps its mark.
   ASSERT_TRUE(IsSet(Main.mnuLorentzian.Checked));
@@ -78,46 +46,11 @@ TEST(Menus, MarkIsTheProgramsOwn) {
 }
 
 TEST(Menus, PointingAtAnItemShowsItsHelp) {
-  for (MenuItem* Item : {&Main.mnuFileOpen, &Main.mnuCompute, &Main.mnuGaussian}) {
-    ActionOf(*Item)->hover();
-    EXPECT_EQ(FromQt(Shown<QLabel>("StatusBar")->text()), " " + Item->Help);
+  for (const MenuRow& Row : MenuRows()) {
+    if (*Row.Help == '\0') continue;
+    ActionOf(Main.*Row.Item)->hover();
+    EXPECT_EQ(FromQt(Shown<QLabel>("StatusBar")->text()), Text(" ") + Row.Help);
   }
-}
-
-TEST(Menus, OpeningASubmenuIsAClick) {
-  int Clicks = 0;
-  const Restored<Event> Keep(Main.mnuViewSpectra.Click);
-  Main.mnuViewSpectra.Click = [&] { ++Clicks; };
-  Q_EMIT ActionOf(Main.mnuViewSpectra)->menu()->aboutToShow();
-  EXPECT_EQ(Clicks, 1);
-}
-
-TEST(ToolStrip, HasAnIconForEveryButton) {
-  for (const ToolButton& Button : Main.picToolbar) {
-    EXPECT_TRUE(QFile::exists(":/icons/" + ToQt(Button.Icon) + ".svg")) << Button.Icon;
-  }
-}
-
-TEST(ToolStrip, ShowsStateAndGivesEvents) {
-  ToolButton& Button = Main.picToolbar[ToolOpen];
-  auto* Widget = Shown<QToolButton>("picToolbar(1)");
-  std::vector<Text> Seen;
-  const Restored<Event> Down(Button.MouseDown), Up(Button.MouseUp), Click(Button.Click);
-  Button.MouseDown = [&] { Seen.push_back("down"); };
-  Button.MouseUp = [&] { Seen.push_back("up"); };
-  Button.Click = [&] { Seen.push_back("click"); };
-  QTest::mouseClick(Widget, Qt::LeftButton);
-  EXPECT_EQ(Seen, (std::vector<Text>{"down", "up", "click"}));
-  EXPECT_FALSE(Widget->isChecked()) << "a click alone does not press a button in";
-  SetPressed(Button, True);
-  EXPECT_TRUE(Widget->isChecked());
-  SetPressed(Button, False);
-  EXPECT_FALSE(Widget->isChecked());
-  SetEnabled(Button, False);
-  Seen.clear();
-  QTest::mouseClick(Widget, Qt::LeftButton);
-  EXPECT_TRUE(Seen.empty()) << "a disabled button ignores clicks";
-  SetEnabled(Button, True);
 }
 
 struct BarRow {
@@ -174,65 +107,6 @@ TEST(ScrollBars, ValueThatTheProgramRefusesGoesBack) {
   EXPECT_EQ(Widget->value(), 20);
 }
 
-struct MouseRow {
-  Qt::MouseButton Button;
-  Qt::KeyboardModifiers Keys;
-  QPoint Place;
-  int Code;
-  int Shift;
-};
-
-TEST(Surface, MousePlacesAreTwips) {
-  const MouseRow Rows[] = {
-      {Qt::LeftButton, Qt::NoModifier, {1, 0}, 1, 0},
-      {Qt::RightButton, Qt::ShiftModifier, {10, 3}, 2, 1},
-      {Qt::MiddleButton, Qt::ControlModifier, {7, 5}, 4, 2},
-      {Qt::LeftButton, Qt::ShiftModifier | Qt::ControlModifier, {199, 99}, 1, 3},
-  };
-  const Restored<PictureSurface::MouseEvent> Down(Main.Spectrum1.MouseDown), Up(Main.Spectrum1.MouseUp);
-  Text Seen;
-  const auto Note = [&Seen](const char* What) {
-    return [&Seen, What](int Button, int Shift, Single X, Single Y) {
-      Seen += Text(What) + " " + std::to_string(Button) + " " + std::to_string(Shift) + " " + std::to_string(int(X)) +
-              "," + std::to_string(int(Y)) + ";";
-    };
-  };
-  Main.Spectrum1.MouseDown = Note("down");
-  Main.Spectrum1.MouseUp = Note("up");
-  SetVisible(Main.Spectrum1, True);
-  auto* Surface = Shown<QWidget>("Spectrum1");
-  for (const MouseRow& Row : Rows) {
-    Seen.clear();
-    QTest::mouseClick(Surface, Row.Button, Row.Keys, Row.Place);
-    const Text Rest = " " + std::to_string(Row.Code) + " " + std::to_string(Row.Shift) + " " +
-                      std::to_string(15 * Row.Place.x()) + "," + std::to_string(15 * Row.Place.y()) + ";";
-    EXPECT_EQ(Seen, "down" + Rest + "up" + Rest);
-  }
-  SetVisible(Main.Spectrum1, False);
-}
-
-TEST(Keyboard, TheWindowSeesKeysFirst) {
-  const Restored<std::function<void(int&, int)>> Keep(Main.frmNMR.KeyDown);
-  const Restored<Event> Open(Main.mnuFileOpen.Click);
-  int Opened = 0;
-  Main.mnuFileOpen.Click = [&] { ++Opened; };
-  std::vector<int> Codes;
-  bool Take = false;
-  Main.frmNMR.KeyDown = [&](int& Code, int Shift) {
-    Codes.push_back(Code + 1000 * Shift);
-    if (Take) Code = 0;
-  };
-  QTest::keyClick(Window().windowHandle(), Qt::Key_O, Qt::ControlModifier);
-  EXPECT_EQ(Opened, 1) << "a key that is not taken is a shortcut";
-  Take = true;
-  QTest::keyClick(Window().windowHandle(), Qt::Key_O, Qt::ControlModifier);
-  EXPECT_EQ(Opened, 1) << "a key that is taken goes no further";
-  QTest::keyClick(Window().windowHandle(), Qt::Key_Home);
-  QTest::keyClick(Window().windowHandle(), Qt::Key_End, Qt::ShiftModifier);
-  QTest::keyClick(Window().windowHandle(), Qt::Key_Space);
-  EXPECT_EQ(Codes, (std::vector<int>{2079, 2079, 36, 1035, 32}));
-}
-
 TEST(Keyboard, TakenKeysDoNotReachTheFocus) {
   const Restored<std::function<void(int&, int)>> Keep(Main.frmNMR.KeyDown);
   SetVisible(Main.HScroll2, True);
@@ -286,40 +160,6 @@ TEST(Busy, EventsServedWithinACommandStartNoOther) {
   EXPECT_EQ(Commands, 0);
 }
 
-TEST(Layout, FollowsTheWindow) {
-  for (Control* Each : {static_cast<Control*>(&Main.Spectrum1), static_cast<Control*>(&Main.HScroll1),
-                        static_cast<Control*>(&Main.HScroll2)}) {
-    SetVisible(*Each, True);
-  }
-  const Restored<Event> Keep(Main.frmNMR.Resize);
-  int Resizes = 0;
-  Main.frmNMR.Resize = [&, Former = Keep.Former] {
-    ++Resizes;
-    Former();
-  };
-  for (const QSize Size : {QSize(700, 500), QSize(1000, 400)}) {
-    Resizes = 0;
-    Window().resize(Size);
-    Wait(200);
-    EXPECT_GE(Resizes, 2) << "once at once, once more when it has settled";
-    const QSize Inner = Window().centralWidget()->size();
-    EXPECT_EQ(Main.frmNMR.Width, 15 * Inner.width());
-    EXPECT_EQ(Main.frmNMR.Height, 15 * Inner.height());
-    int Bottom = 30;  // of the toolbar
-    for (const char* Name : {"HScroll2", "Spectrum1", "HScroll1", "StatusBar"}) {
-      const QRect Place = Shown<QWidget>(Name)->geometry();
-      EXPECT_EQ(Place.top(), Bottom) << Name;
-      EXPECT_EQ(Place.width(), Inner.width()) << Name;
-      Bottom = Place.top() + Place.height();
-    }
-    EXPECT_EQ(Bottom, Inner.height());
-  }
-  for (Control* Each : {static_cast<Control*>(&Main.Spectrum1), static_cast<Control*>(&Main.HScroll1),
-                        static_cast<Control*>(&Main.HScroll2)}) {
-    SetVisible(*Each, False);
-  }
-}
-
 TEST(Dispatching, FailuresBecomeOneWarning) {
   ShownBoxes().clear();
   Dispatch([] { throw Failure("Disk full"); });
@@ -335,11 +175,6 @@ TEST(Texts, AreUtf8OrLatin1) {
   EXPECT_EQ(ToQtLines("a\rb\r\nc\nd"), "a\nb\nc\nd");
   EXPECT_EQ(PlainCaption("I  - Shielding && &Coupling"), "I  - Shielding & Coupling");
   EXPECT_EQ(PlainCaption("end&"), "end");
-}
-
-TEST(FileFilters, MatchBothCases) {
-  EXPECT_EQ(NameFilters("Zelvanor (*.NMR)|*.NMR |Two (a) kinds|*.Mvs;*.zmt|All|*.*|left over"),
-            (QStringList{"Zelvanor (*.nmr *.NMR)", "Two (*.mvs *.MVS *.zmt *.ZMT)", "All (*)"}));
 }
 
 // Counts of the pixels of one colour in each column of a row.

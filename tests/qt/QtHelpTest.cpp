@@ -48,18 +48,6 @@ class QtHelpTest : public testing::Test {
   }
 };
 
-// The widths of the pictures on the page; 0 is one that has not been found.
-std::vector<int> PictureWidths() {
-  std::vector<int> Widths;
-  for (QTextBlock Block = Page()->document()->begin(); Block.isValid(); Block = Block.next()) {
-    for (auto Piece = Block.begin(); !Piece.atEnd(); ++Piece) {
-      const QTextImageFormat Image = Piece.fragment().charFormat().toImageFormat();
-      if (Image.isValid()) Widths.push_back(static_cast<int>(Image.width()));
-    }
-  }
-  return Widths;
-}
-
 QStringList TreeTitles() {
   QStringList Titles;
   for (QTreeWidgetItemIterator Item(Help()->findChild<QTreeWidget*>()); *Item != nullptr; ++Item) {
@@ -69,14 +57,6 @@ QStringList TreeTitles() {
 }
 
 }  // namespace
-
-TEST_F(QtHelpTest, WithoutAManualTheStatusLineSaysSo) {
-  for (const Text File : {"/no/such/nmr.hlp", "/dev/null"}) {
-    ShowHelpWindow(File, HelpCommand::Contents, 1);
-    EXPECT_NE(Main.StatusBar.Value.find(File), Text::npos) << Main.StatusBar.Value;
-    EXPECT_TRUE(Help() == nullptr || !Help()->isVisible());
-  }
-}
 
 TEST_F(QtHelpTest, F1OpensThePageOfTheView) {
   struct Row {
@@ -173,49 +153,6 @@ TEST_F(QtHelpTest, SearchFindsPagesAndMarksTheWords) {
   EXPECT_EQ(Hits->count(), 0);
   Search("  ");
   EXPECT_EQ(Hits->count(), 0);
-}
-
-TEST_F(QtHelpTest, FindsInThePageAndGrows) {
-  ShowHelpWindow(Manual, HelpCommand::Context, TensorHelp);
-  Wait(20);
-  QTest::keyClick(Help(), Qt::Key_F, Qt::ControlModifier);
-  auto* Field = qobject_cast<QLineEdit*>(Help()->focusWidget());
-  ASSERT_NE(Field, nullptr);
-  QTest::keyClicks(Field, "anisotropy");
-  QTest::keyClick(Field, Qt::Key_Return);
-  const int First = Page()->textCursor().selectionStart();
-  EXPECT_EQ(Page()->textCursor().selectedText().toLower(), "anisotropy");
-  // Round the end of the page and back to the first place.
-  for (int Step = 0; Step < 20 && (Step == 0 || Page()->textCursor().selectionStart() != First); ++Step) {
-    QTest::keyClick(Field, Qt::Key_Return);
-  }
-  EXPECT_EQ(Page()->textCursor().selectionStart(), First);
-  const int Size = Page()->font().pointSize();
-  QTest::keyClick(Help(), Qt::Key_Plus, Qt::ControlModifier);
-  EXPECT_EQ(Page()->font().pointSize(), Size + 1);
-  QTest::keyClick(Help(), Qt::Key_0, Qt::ControlModifier);
-  EXPECT_EQ(Page()->font().pointSize(), Size);
-  QTest::keyClick(Field, Qt::Key_Escape);
-  EXPECT_TRUE(Help()->isVisible());
-  QTest::keyClick(Page(), Qt::Key_Escape);
-  EXPECT_FALSE(Help()->isVisible());
-}
-
-TEST_F(QtHelpTest, EveryPictureIsShown) {
-  delete Help();  // the first page of a fresh window has its pictures too
-  std::size_t NumPictures = 0;
-  for (const HelpEntry& Entry : ReadHelpContents(Manual)) {
-    if (Entry.Page.empty()) continue;
-    ShowHelpWindow(Manual, HelpCommand::Contents, 0);
-    for (const int Width : PictureWidths()) EXPECT_GT(Width, 0);
-    Page()->setSource(QUrl(PathToQt(Entry.Page)));
-    for (const int Width : PictureWidths()) {
-      ++NumPictures;
-      EXPECT_GT(Width, 0) << Entry.Page;
-      EXPECT_LE(Width, Page()->viewport()->width()) << Entry.Page;
-    }
-  }
-  EXPECT_GE(NumPictures, 15U);
 }
 
 }  // namespace zelvanor::tests

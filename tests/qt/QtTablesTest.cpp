@@ -43,34 +43,8 @@ QTableView* ShowTable(int View) {
   return Shown<QTableView>("ShieldTable");
 }
 
-QString TextAt(const QTableView* Table, int Row, int Col) { return Table->model()->index(Row, Col).data().toString(); }
-
 QPoint CentreOf(const QTableView* Table, int Row, int Col) {
   return Table->visualRect(Table->model()->index(Row, Col)).center();
-}
-
-TEST(Tables, HeadersAndCells) {
-  const QTableView* Table = ShowTable(ShieldingView);
-  EXPECT_EQ(Table->model()->rowCount(), 3);
-  EXPECT_EQ(Table->model()->columnCount(), 3);
-  EXPECT_EQ(Table->model()->headerData(1, Qt::Horizontal).toString(), "2(H)");
-  EXPECT_EQ(Table->model()->headerData(2, Qt::Vertical).toString(), "Tau");
-  EXPECT_EQ(TextAt(Table, 0, 2), "22.0");
-  EXPECT_GT(Table->height(), 100);
-}
-
-TEST(Tables, KeysGoToTheProgramAndArrowsMove) {
-  QTableView* Table = ShowTable(ShieldingView);
-  QTest::mouseClick(Table->viewport(), Qt::LeftButton, {}, CentreOf(Table, 0, 1));
-  QTest::keyClicks(Table, "31.5");
-  Wait(20);
-  EXPECT_EQ(TextAt(Table, 0, 1), "31.5");
-  EXPECT_EQ(W.Shielding[1], 21);
-  QTest::keyClick(Table, Qt::Key_Right);
-  Wait(20);
-  EXPECT_EQ(W.Shielding[1], 31.5F);
-  EXPECT_EQ(Grid.Col, 3);
-  EXPECT_EQ(Table->currentIndex().column(), 2);
 }
 
 TEST(Tables, RangesByMouseKeyboardAndHeader) {
