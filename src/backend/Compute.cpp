@@ -1,5 +1,7 @@
 #include "backend/Compute.h"
 
+#include <filesystem>
+
 #include "backend/ParamInput.h"
 #include "backend/Results.h"
 #include "backend/SpectInput.h"
@@ -70,6 +72,9 @@ bool AcceptSize() {
 bool RunStage2(const char* Purpose) {
   if (!AcceptSize()) return false;
   ShowStatus("Computing the NMR spectrum...");
+  // Not every backend writes a map; one of an earlier run would tell of other lines.
+  std::error_code Ignored;
+  std::filesystem::remove(std::filesystem::path(Settings.SpectOutputFile).replace_extension(".map"), Ignored);
   if (!IsSet(EmptyResultFile(Settings.SpectOutputFile)) || !IsSet(WriteSpectInput(Settings.SpectInputFile)) ||
       !RunBackend("2", Purpose) || !IsSet(ReadSpectResults(Settings.SpectOutputFile))) {
     return false;

@@ -30,7 +30,8 @@ SpinSettings ReadSpinSettings(const std::string& Path) {
   for (std::size_t Line = 0; Line < File.Lines.size(); ++Line) {
     const auto Words = SplitTokens(std::string_view(File.Lines[Line]).substr(0, File.Lines[Line].find(';')));
     if (Words.empty()) continue;
-    const auto* const Row = std::find_if(Rows.begin(), Rows.end(), [&](const SettingRow& R) { return R.Key == Words[0]; });
+    const auto* const Row =
+        std::find_if(Rows.begin(), Rows.end(), [&](const SettingRow& R) { return R.Key == Words[0]; });
     if (Row == Rows.end()) FailAtLine(File, Line, "there is no setting of the name " + std::string(Words[0]));
     bool& Before = Seen[static_cast<std::size_t>(Row - Rows.begin())];
     if (Before) FailAtLine(File, Line, std::string(Row->Key) + " is there twice");

@@ -43,6 +43,7 @@ double SumOfCubesOf(const std::vector<int>& TwiceSpins) {
 struct Growth {
   std::vector<std::size_t> Sites{};
   std::vector<double> Influence{};  // as Sites, 1 for the core
+  std::size_t Refused = NoSite;     // the first that was too large
 };
 
 // Takes in the site of the largest influence on the core, again and again: t is the sum over the members of their
@@ -72,6 +73,7 @@ Growth GrowCluster(const SpectrumInput& Input, const SpinPart& Part, const std::
     Degeneracies.push_back(Input.Sites[Site].Degeneracy);
     if (SumOfCubes(Degeneracies) > LargestCost) {
       Degeneracies.pop_back();
+      if (Result.Refused == NoSite) Result.Refused = Site;
       continue;
     }
     const double Influence = Reach[Best] / (1.0 + 2.0 * Reach[Best]);
@@ -308,10 +310,12 @@ std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart
   const double LargestCost = SumOfCubes(std::vector<int>(static_cast<std::size_t>(Level), 1));
   // By the members; the influence of each is the largest on any of the cores.
   std::map<std::vector<std::size_t>, std::map<std::size_t, double>> Clusters;
+  std::map<std::vector<std::size_t>, std::size_t> Refused;
   for (const auto& Core : Cores) {
     const Growth Members = GrowCluster(Input, Part, Core, LargestCost);
     std::vector<std::size_t> Key = Members.Sites;
     std::sort(Key.begin(), Key.end());
+    Refused.try_emplace(Key, Members.Refused);
     auto& Influences = Clusters[Key];
     for (std::size_t I = 0; I < Members.Sites.size(); ++I) {
       double& Influence = Influences[Members.Sites[I]];
@@ -320,7 +324,7 @@ std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart
   }
   std::vector<ClusterPlan> Plans;
   for (const auto& [Key, Influences] : Clusters) {
-    ClusterPlan Plan{.Sites = Key};
+    ClusterPlan Plan{.Sites = Key, .Refused = Refused[Key]};
     Growth Members{.Sites = Key};
     std::vector<int> Degeneracies;
     for (std::size_t I = 0; I < Key.size(); ++I) {

@@ -12,6 +12,8 @@ namespace nmrcalc {
 // of a cluster: the sites of its neighbourhood that matter most. A cluster is simulated exactly, and only the lines of
 // its cores are kept. The sites outside act on it as static fields.
 
+inline constexpr auto NoSite = static_cast<std::size_t>(-1);
+
 // One state of what stands outside: the frequency that it adds to each member of the cluster.
 struct FieldState {
   double Weight = 1.0;
@@ -27,7 +29,9 @@ struct ClusterPlan {
   std::vector<FieldState> Fields{};
   // What acts on the lines in first order alone: for each spin or small group of spins outside, its states.
   std::vector<std::vector<FieldState>> Weak{};
-  bool IsWhole = false;     // nothing is left outside
+  bool IsWhole = false;  // nothing is left outside
+  // The most influential site that was too large for the level; NoSite when there is none.
+  std::size_t Refused = NoSite;
   double Operations = 0.0;  // floating point operations, estimated
 };
 

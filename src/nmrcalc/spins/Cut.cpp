@@ -145,19 +145,23 @@ double BytesOfLevel(int Level) {
   return double(NumUsableCores()) * BytesPerSquare * std::exp2(2.0 * Level) * 2.0 / (3.1416 * Level);
 }
 
-// The error to tell: the sum over the sites of what moves between two levels. Sites in a cluster that is the whole part
-// are exact.
-double EstimateError(const SpectrumInput& Input, const LevelResult& Upper, const LevelResult& Lower) {
-  double Moved = 0.0;
-  double Area = 0.0;
+// What moves of a site between two levels. Where the site that matters most could not be taken in since, the two say
+// nothing of each other, and what was known before holds. Sites in a cluster that is the whole part are exact.
+void UpdateErrors(const LevelResult& Upper, const LevelResult& Lower, std::vector<double>& Errors) {
+  std::vector<std::size_t> LowerRefused(Errors.size(), NoSite);
+  for (const ClusterPlan& Plan : Lower.Plans) {
+    for (const std::size_t Core : Plan.Cores) LowerRefused[Plan.Sites[Core]] = Plan.Refused;
+  }
   for (const ClusterPlan& Plan : Upper.Plans) {
     for (const std::size_t Core : Plan.Cores) {
       const std::size_t Site = Plan.Sites[Core];
-      Area += CutNucleusIntensity * Input.Sites[Site].Degeneracy;
-      if (!Plan.IsWhole) Moved += CompareLines(Upper.SiteLines[Site], Lower.SiteLines[Site], ErrorLineWidth);
+      if (Plan.IsWhole) {
+        Errors[Site] = 0.0;
+      } else if (Plan.Refused == NoSite || Plan.Refused != LowerRefused[Site]) {
+        Errors[Site] = CompareLines(Upper.SiteLines[Site], Lower.SiteLines[Site], ErrorLineWidth);
+      }
     }
   }
-  return Area > 0.0 ? Moved / Area : 0.0;
 }
 
 void TakeLevel(const SpectrumInput& Input, const SpinPart& Part, LevelResult& Level, CutResult& Result) {
@@ -180,6 +184,14 @@ CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const Cu
   const auto Cores = FindCores(Input, Part);
   std::vector<LevelResult> Levels;  // the last three
   CutResult Result;
+  std::vector<double> Errors(Input.Sites.size());  // area that may be misplaced, by site
+  double Area = 0.0;
+  for (const auto& Core : Cores) {
+    for (const std::size_t Site : Core) {
+      Errors[Site] = CutNucleusIntensity * Input.Sites[Site].Degeneracy;
+      Area += Errors[Site];
+    }
+  }
   double Rate = 0.0;  // operations in a second, of the last level
   for (int Level = FirstLevel; Level <= HighestLevel; ++Level) {
     if (Limits.LastLevel > 0 && Level > Limits.LastLevel) break;
@@ -198,7 +210,8 @@ CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const Cu
     Levels.push_back(std::move(Next));
     Result.Level = Level;
     if (Levels.size() > 3) Levels.erase(Levels.begin());
-    if (Levels.size() >= 2) Result.Error = EstimateError(Input, Levels.back(), Levels.front());
+    if (Levels.size() >= 2) UpdateErrors(Levels.back(), Levels.front(), Errors);
+    Result.Error = std::accumulate(Errors.begin(), Errors.end(), 0.0) / Area;
     if (Levels.size() == 3 && Result.Error <= Limits.Tolerance) break;
   }
   TakeLevel(Input, Part, Levels.back(), Result);

@@ -75,7 +75,8 @@ std::string FormatMap(const std::vector<Line>& Lines, const LineOrigins& Origins
     First = Item.End;
   }
   std::string Text = "map 1 " + std::to_string(Lines.size()) + "\n";
-  std::string Last;  // a line of which nothing is known is one among many faint ones: it has the shares of its neighbour
+  std::string
+      Last;  // a line of which nothing is known is one among many faint ones: it has the shares of its neighbour
   for (std::size_t K = 0; K < Lines.size(); ++K) {
     std::string Own;
     if (AppendShares(Own, SumShares(std::move(Shares[K])), Members, Degeneracies)) Last = std::move(Own);

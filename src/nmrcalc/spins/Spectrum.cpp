@@ -85,7 +85,7 @@ PlannedPart PlanPart(const SpectrumInput& Input, SpinPart Part, double FreeBytes
   Plan.Cost = EstimateExactCost(Systems);
   if (!Fits(Plan.Cost)) return Plan;
   Plan.Systems = std::move(Systems);
-  constexpr double UsualSpeed = 4e10;   // operations a second
+  constexpr double UsualSpeed = 4e10;     // operations a second
   constexpr double WorthMeasuring = 0.2;  // s
   Plan.ExactSeconds = Plan.Cost.Operations / UsualSpeed;
   if (Plan.ExactSeconds > WorthMeasuring) {
@@ -140,7 +140,8 @@ bool CutPart(RunState& Run, const PlannedPart& Plan, double Share, CutResult& Cu
   const double Used = std::chrono::duration<double>(RunClock::now() - Run.Start).count();
   const double Left = Share * std::max(0.0, Run.Settings.TimeBudget - Used);
   CutLimits Limits{.Tolerance = 0.01 * Run.Settings.Tolerance, .Bytes = Run.FreeBytes};
-  Limits.Deadline = RunClock::now() + std::chrono::duration_cast<RunClock::duration>(std::chrono::duration<double>(Left));
+  Limits.Deadline =
+      RunClock::now() + std::chrono::duration_cast<RunClock::duration>(std::chrono::duration<double>(Left));
   const bool ExactFits = Plan.ExactSeconds < Left;
   if (ExactFits) Limits.ExactSeconds = Plan.ExactSeconds;
   Cut = SimulateCut(Run.Input, Plan.Part, Limits);
@@ -156,7 +157,8 @@ void TellCut(RunState& Run, const PlannedPart& Plan, const CutResult& Cut) {
   AddToLog(Run.Report, 0,
            "Part of " + std::to_string(Plan.Part.NumSpins) + " spins cut into " + std::to_string(Cut.NumClusters) +
                " clusters of " + std::to_string(Cut.SmallestCluster) + " to " + std::to_string(Cut.LargestCluster) +
-               " spins, estimated error " + FixedNumber(100.0 * Cut.Error, 3) + " percent of the area at 1 Hz line width");
+               " spins, estimated error " + FixedNumber(100.0 * Cut.Error, 3) +
+               " percent of the area at 1 Hz line width");
 }
 
 // The lines of a part, on the scale of its own first-order line or, where it is cut, with CutNucleusIntensity.
@@ -262,11 +264,8 @@ Spectrum SimulateSpectrum(const SpectrumInput& Input, const SpinSettings& Settin
       AddToLog(Report, 1, "equivalent sites taken together: " + std::to_string(Grouped.Members.size()) + " are left");
     }
   }
-  RunState Run{.Input = Grouped.Input,
-               .Settings = Settings,
-               .FreeBytes = FreeBytes,
-               .Start = RunClock::now(),
-               .Report = Report};
+  RunState Run{
+      .Input = Grouped.Input, .Settings = Settings, .FreeBytes = FreeBytes, .Start = RunClock::now(), .Report = Report};
   const std::vector<PlannedPart> Plans = PlanParts(Grouped.Input, FreeBytes);
   double Ahead = 0.0;  // spins of the parts to come that may be cut
   int LargestSpins = 0;
