@@ -1,21 +1,33 @@
 #include "program.h"
 
+#include <utility>
+
 #include "atomsets/AtomSets.h"
 #include "atomsets/frmEquiv.h"
 #include "atomsets/frmSelect.h"
 #include "atomsets/frmSelect2.h"
 #include "backend/Compute.h"
+#include "backend/ErrorBars.h"
 #include "backend/LogCommands.h"
+#include "backend/PeakMap.h"
 #include "basic/NumberText.h"
 #include "files/FileCommands.h"
 #include "files/ZMatrixImport.h"
 #include "host/GetCommand.h"
+#include "measured/Integrals.h"
+#include "measured/MeasuredCommands.h"
+#include "measured/MeasuredDrawing.h"
+#include "measured/MeasuredTrace.h"
+#include "measured/MeasuredView.h"
+#include "measured/frmExport.h"
+#include "measured/frmProcess.h"
 #include "molecule/AtomSelection.h"
 #include "molecule/MoleculeView.h"
 #include "molecule/MouseDrag.h"
 #include "molecule/TakeSystem.h"
 #include "molecule/frmRender.h"
 #include "platform/Paths.h"
+#include "platform/RenderScene.h"
 #include "platform/Variables.h"
 #include "settings/ColorSets.h"
 #include "settings/Settings.h"
@@ -69,6 +81,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuFileGet, mnuFileGet_Click},
     {&MainForm::mnuPreferences, mnuPreferences_Click},
     {&MainForm::mnuFileExit, mnuFileExit_Click},
+    {&MainForm::mnuFileOpenMeasured, mnuFileOpenMeasured_Click},
     {&MainForm::mnuCopy, mnuCopy_Click},
     {&MainForm::mnuReplace, mnuReplace_Click},
     {&MainForm::mnuStartLog, mnuStartLog_Click},
@@ -88,6 +101,17 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuLorentzian, mnuLorentzian_Click},
     {&MainForm::mnuGaussian, mnuGaussian_Click},
     {&MainForm::mnuViewRender, mnuViewRender_Click},
+    {&MainForm::mnuFileExport, mnuFileExport_Click},
+    {&MainForm::mnuMeasuredOverlay, mnuMeasuredOverlay_Click},
+    {&MainForm::mnuMeasuredStack, mnuMeasuredStack_Click},
+    {&MainForm::mnuMeasuredMirror, mnuMeasuredMirror_Click},
+    {&MainForm::mnuMeasuredEqualArea, mnuMeasuredEqualArea_Click},
+    {&MainForm::mnuMeasuredIntegrals, mnuMeasuredIntegrals_Click},
+    {&MainForm::mnuMeasuredProcess, mnuMeasuredProcess_Click},
+    {&MainForm::mnuMeasuredRemove, mnuMeasuredRemove_Click},
+    {&MainForm::mnuViewLabels, mnuViewLabels_Click},
+    {&MainForm::mnuViewTree, mnuViewTree_Click},
+    {&MainForm::mnuViewPane, mnuViewPane_Click},
     {&MainForm::mnuSetupNMRParam, mnuSetupNMRParam_Click},
     {&MainForm::mnuSetupNMRSpect, mnuSetupNMRSpect_Click},
     {&MainForm::mnuSetupReferenceShielding, mnuSetupReferenceShielding_Click},
@@ -128,16 +152,26 @@ void ConnectMainForm() {
   Main.Spectrum1.MouseDown = Spectrum1_MouseDown;
   Main.Spectrum1.MouseMove = Spectrum1_MouseMove;
   Main.Spectrum1.MouseUp = Spectrum1_MouseUp;
+  Main.Spectrum1.MouseWheel = Spectrum1_MouseWheel;
   Main.ShieldTable.AccessibleName = "Table of results";
   Main.ShieldTable.KeyPress = ShieldTable_KeyPress;
   Main.ShieldTable.RowColChange = ShieldTable_RowColChange;
   Main.ShieldTable.SelChange = ShieldTable_SelChange;
   Main.MolRender1.AccessibleName = "Molecule";
   Main.MolRender1.MouseDown = MolRender1_MouseDown;
-  Main.MolRender1.MouseMove = MolRender1_MouseMove;
+  Main.MolRender1.MouseMove = [](int Button, int Shift, Single X, Single Y) {
+    MolRender1_MouseMove(Button, Shift, X, Y);
+    // Beside the spectrum the atom that is pointed at marks its lines.
+    if (Button == 0 && PaneWidth() > 0) {
+      MarkLinesOfAtom(PickAtom(Main.MolRender1, Double{X} / TwipsPerPixelX, Double{Y} / TwipsPerPixelY));
+    }
+  };
   Main.MolRender1.MouseUp = MolRender1_MouseUp;
   Main.MolRender1.MouseWheel = MolRender1_MouseWheel;
-  Main.MolRender1.AtomClick = MolRender1_AtomClick;
+  Main.MolRender1.AtomClick = [](int Button, int Shift, int Atom) {
+    if (PaneWidth() > 0) MarkLinesOfAtom(Atom);
+    MolRender1_AtomClick(Button, Shift, Atom);
+  };
   Main.MolRender1.NoAtomClick = MolRender1_NoAtomClick;
   StatusSink = [](TextView Value) { SetStatus(Main.StatusBar, Value); };
 }
@@ -172,13 +206,31 @@ void ConnectRooms() {
     TakeSystem();
     UpdateAtomLabels(Main.MolRender1);
   };
-  Rooms.ShowSpectrumView = ShowSpectrumView;
+  Rooms.ShowSpectrumView = [] {
+    IgnoreFailure(TakeMeasuredIntoView);
+    // The pane beside it comes and goes without the window's changing its size.
+    static int LastPane = 0;
+    if (std::exchange(LastPane, PaneWidth()) != PaneWidth()) {
+      PlaceSpectrum();
+      IgnoreFailure(FollowSurface);
+    }
+    ShowSpectrumView();
+    if (PaneWidth() == 0) return;
+    IgnoreFailure(TakeSystem);
+    IgnoreFailure(PlaceMoleculeView);
+    IgnoreFailure([] { UpdateAtomLabels(Main.MolRender1); });
+  };
   Rooms.ForgetFrequencyRange = [] { SpectrumView.FrequencyRange = -1.0; };
   Rooms.TakeOpenedSpectrum = [] {
     // The molecule view knows the system even where the document comes up in the spectrum view.
     IgnoreFailure(TakeSystem);
     TakeOpenedSpectrum();
   };
+  Rooms.SpectrumKey = PressSpectrumViewKey;
+  Additions.BeforePaint = ShareSurface;
+  Additions.AfterPaint = DrawAdditions;
+  Additions.PeakPicked = ShowAtomsOfPeak;
+  Additions.RangeChosen = AddIntegral;
   Rooms.LinesCommand = mnuLines_Click;
   Rooms.EnvelopCommand = mnuEnvelop_Click;
   Rooms.LinesAndEnvelopCommand = mnuLinesAndEnvelop_Click;
@@ -226,6 +278,7 @@ void SetFixedState() {
   SetVisible(Main.ShieldTable, False);
   LayOutWindow();
   InitSpectrumView();
+  InitMeasuredView();
   SetChecked(Main.mnuLorentzian, True);
   SetChecked(Main.mnuGaussian, False);
   SetChecked(Main.mnuMultipleLineWidths, False);
@@ -277,6 +330,9 @@ void BuildProgram() {
   BuildValuesForm();
   BuildGraphForm();
   BuildReplaceForm();
+  BuildIntegralForm();
+  BuildProcessForm();
+  BuildExportForm();
   GiveHelpContexts();
   ConnectMainForm();
   ConnectRooms();
@@ -292,6 +348,11 @@ void BuildProgram() {
   AddTableVariables();
   AddZMatrixVariables();
   AddTypingVariables();
+  AddMeasuredVariables();
+  AddMeasuredViewVariables();
+  AddPeakMapSection();
+  AddErrorBarSection();
+  AddMeasuredSection();
   AddVariable("StartedAlone", StartedAlone);
 }
 

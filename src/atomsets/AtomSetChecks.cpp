@@ -65,6 +65,7 @@ void RecreateNMRResults(int Count) {
   W.Coupling.ReDim(Count, Count);  // first: it is the one that may not find the memory
   W.NMRAtomicNumber.ReDim(Count);
   W.Shielding.ReDim(Count);
+  W.ShieldingError.ReDim(Count);
   W.ChemicalShift.ReDim(Count);
 }
 

@@ -1,8 +1,7 @@
 #include "backend/Compute.h"
 
-#include <filesystem>
-
 #include "backend/ParamInput.h"
+#include "backend/PeakMap.h"
 #include "backend/Results.h"
 #include "backend/SpectInput.h"
 #include "platform/TextFiles.h"
@@ -48,6 +47,8 @@ bool RunBackend(TextView Stage, const char* Purpose) {
 
 bool RunStage1(const char* Purpose) {
   ShowStatus(Join("Computing the NMR ", ComputedItem(), "..."));
+  // Error bars of an earlier run, which a backend without them would leave in place.
+  if (IsSet(FileExists(Settings.ParamErrorFile)) && !IsSet(EmptyResultFile(Settings.ParamErrorFile))) return false;
   return IsSet(EmptyResultFile(Settings.ParamOutputFile)) && IsSet(WriteParamInput(Settings.ParamInputFile)) &&
          RunBackend("1", Purpose) && IsSet(ReadParamResults(Settings.ParamOutputFile));
 }
@@ -72,13 +73,12 @@ bool AcceptSize() {
 bool RunStage2(const char* Purpose) {
   if (!AcceptSize()) return false;
   ShowStatus("Computing the NMR spectrum...");
-  // Not every backend writes a map; one of an earlier run would tell of other lines.
-  std::error_code Ignored;
-  std::filesystem::remove(std::filesystem::path(Settings.SpectOutputFile).replace_extension(".map"), Ignored);
+  RemovePeakMap();
   if (!IsSet(EmptyResultFile(Settings.SpectOutputFile)) || !IsSet(WriteSpectInput(Settings.SpectInputFile)) ||
       !RunBackend("2", Purpose) || !IsSet(ReadSpectResults(Settings.SpectOutputFile))) {
     return false;
   }
+  ReadPeakMap();
   IgnoreFailure(Normalize);
   ShowStatus("Calculation has completed.");
   return true;

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "backend/ErrorBars.h"
 #include "basic/Numbers.h"
 #include "platform/TextFiles.h"
 #include "settings/SettingsState.h"
@@ -69,6 +70,7 @@ void AllocateParamResults(Integer Count) {
   W.NMRAtom.ReDimPreserve(Count);
   W.NMRAtomicNumber.ReDimPreserve(Count);
   W.Shielding.ReDim(Count);
+  W.ShieldingError.ReDim(Count);
   W.ChemicalShift.ReDim(Count);
   W.Coupling.ReDim(Count, Count);
 }
@@ -200,10 +202,13 @@ std::vector<int> FindMembers(int Set) {
 }
 
 void AverageShieldings(const std::vector<int>& Members, int Size) {
-  Double Sum = 0;
-  for (const int Atom : Members) Sum += W.Shielding[Atom];
-  const Single Mean = ToSingle(Sum / Size);
-  for (const int Atom : Members) W.Shielding[Atom] = Mean;
+  for (Array<Single>* Values : {&W.Shielding, &W.ShieldingError}) {
+    if (Members.back() > Values->UpperBound()) continue;
+    Double Sum = 0;
+    for (const int Atom : Members) Sum += (*Values)[Atom];
+    const Single Mean = ToSingle(Sum / Size);
+    for (const int Atom : Members) (*Values)[Atom] = Mean;
+  }
 }
 
 void AverageOuterCouplings(const std::vector<int>& Members, int Size) {
@@ -254,6 +259,7 @@ void AverageEquivalentResults() {
 Flag ReadParamResults(const Text& Path) {
   return ReadResultFile(Path, [] {
     ReadParamLines();
+    ReadShieldingErrors();
     if (IsSet(W.NMRAtomsValid)) AverageEquivalentResults();
   });
 }

@@ -124,6 +124,31 @@ void WarnOfNoObserved() {
 
 }  // namespace
 
+std::vector<int> FindSiteOfAtoms() {
+  std::vector<int> Sites;
+  std::vector<int> SiteOfSet(NumSavedSets);
+  int Count = 0;
+  for (int Atom = 0; Atom < W.NumNMRAtoms; ++Atom) {
+    if (!HasCountedSpin(W.NMRAtomicNumber[Atom], IsLabelled(W.NMRAtom[Atom]))) {
+      Sites.push_back(0);
+      continue;
+    }
+    int Own = -1;
+    for (int Set = 0; Set < NumSavedSets && Own < 0; ++Set) {
+      for (int Member = 0; Member < W.EquivalentSetSize[Set]; ++Member) {
+        if (W.EquivalentAtom(Set, Member) == W.NMRAtom[Atom]) Own = Set;
+      }
+    }
+    int& Site = Own < 0 ? Count : SiteOfSet[static_cast<std::size_t>(Own)];
+    if (Own < 0 || Site == 0) {
+      ++Count;
+      Site = Count;
+    }
+    Sites.push_back(Site);
+  }
+  return Sites;
+}
+
 Flag FindSpinHalfNuclei() {
   try {
     FillReferenceElements();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "basic/Types.h"
 
 namespace zelvanor {
@@ -10,5 +12,8 @@ Flag FindSpinHalfNuclei();
 // Reduces the NMR atoms to spin sites and writes the input of stage 2; sets ChemicalShift, SpectrumSpan and the counts
 // of spins on the way. Reports its failures; without an observed nucleus the file is written and the result is 0.
 Flag WriteSpectInput(const Text& Path);
+
+// The site of each NMR atom, from 1 in the order of the input; 0 for a nucleus without a counted spin.
+std::vector<int> FindSiteOfAtoms();
 
 }  // namespace zelvanor

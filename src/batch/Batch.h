@@ -110,7 +110,8 @@ bool Matches(const ScriptValue& Actual, const std::vector<Argument>& Expected);
 
 // Writes the picture of the view, or its table as CSV; the ending of the path decides. Throws ScriptStop or a Failure.
 void WriteView(const Text& Path);
-// Writes the peak list as CSV or JCAMP-DX. Throws ScriptStop.
-void SavePeaks(const Text& Path);
+// Writes the peak list, or with "envelope" or "measured" before the path that curve, as CSV or JCAMP-DX. Throws
+// ScriptStop or a Failure.
+void SaveSpectrum(const std::vector<Argument>& All);
 
 }  // namespace zelvanor::batch

@@ -9,6 +9,7 @@
 #include "batch/Expect.h"
 #include "batch/HostCommands.h"
 #include "batch/UserActions.h"
+#include "measured/MeasuredCommands.h"
 #include "pictures/ViewPictures.h"
 #include "platform/Grid.h"
 #include "program.h"
@@ -145,6 +146,15 @@ void Wait(const Words& All) {
   } while (Now() < End);
 }
 
+void Measured(const Words& All) {
+  if (!ModalForms().empty()) return PrintOut("refused measured");
+  if (All[1].Value == "none" && !All[1].WasQuoted) {
+    RemoveMeasured();
+  } else {
+    OpenMeasured(All[1].Value);
+  }
+}
+
 void Echo(const Words& All) {
   Text Line;
   for (std::size_t Word = 1; Word < All.size(); ++Word) Line += (Word > 1 ? " " : "") + All[Word].Value;
@@ -188,7 +198,8 @@ std::map<Text, CommandRow>& Commands() {
       {"dump", {Dump, 1, true}},
       {"view", {[](const Words& All) { WriteView(All[1].Value); }, 1, true}},
       {"chart", {[](const Words& All) { pictures::WriteChartPicture(All[1].Value); }, 1, true}},
-      {"save", {[](const Words& All) { SavePeaks(All[1].Value); }, 1, true}},
+      {"save", {SaveSpectrum, 1, true}},
+      {"measured", {Measured, 1, true}},
       {"wait", {Wait, 1, false}},
       {"echo", {Echo, 0, false}},
   };

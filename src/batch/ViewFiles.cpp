@@ -1,4 +1,7 @@
+#include <algorithm>
+
 #include "batch/Batch.h"
+#include "measured/CurveFiles.h"
 #include "pictures/ViewPictures.h"
 #include "platform/Grid.h"
 #include "platform/Paths.h"
@@ -37,12 +40,29 @@ void WriteView(const Text& Path) {
   pictures::WriteViewPicture(Path);
 }
 
-void SavePeaks(const Text& Path) {
-  if (!IsSet(Workspace.SpectraAvailable)) throw ScriptStop{CannotCarryOut, "there is no spectrum to save"};
+void SaveSpectrum(const std::vector<Argument>& All) {
+  struct Saved {
+    const char* Word;
+    const char* What;
+    Text (*Csv)();
+    Text (*Jcamp)();
+  };
+  constexpr Saved Peaks = {"", "a peak list", BuildPeakCsv, BuildPeakJcamp};
+  constexpr Saved Curves[] = {{"envelope", "an envelope", BuildEnvelopeCsv, BuildEnvelopeJcamp},
+                              {"measured", "a measured spectrum", BuildMeasuredCsv, BuildMeasuredJcamp}};
+  const auto* const Named = std::find_if(std::begin(Curves), std::end(Curves), [&](const Saved& Each) {
+    return All.size() > 2 && All[1].Value == Each.Word;
+  });
+  const bool IsCurve = Named != std::end(Curves);
+  if (!IsCurve && !IsSet(Workspace.SpectraAvailable)) {
+    throw ScriptStop{CannotCarryOut, "there is no spectrum to save"};
+  }
+  const Saved& Wanted = IsCurve ? *Named : Peaks;
+  const Text& Path = All[IsCurve ? 2 : 1].Value;
   const Text Ending = EndingOf(Path);
-  if (Ending == ".CSV") return WriteWholeFile(Path, BuildPeakCsv());
-  if (Ending == ".JDX" || Ending == ".DX") return WriteWholeFile(Path, BuildPeakJcamp());
-  throw ScriptStop{CannotCarryOut, "a peak list is saved as .csv or .jdx: " + Path};
+  if (Ending == ".CSV") return WriteWholeFile(Path, Wanted.Csv());
+  if (Ending == ".JDX" || Ending == ".DX") return WriteWholeFile(Path, Wanted.Jcamp());
+  throw ScriptStop{CannotCarryOut, Text(Wanted.What) + " is saved as .csv or .jdx: " + Path};
 }
 
 }  // namespace zelvanor::batch

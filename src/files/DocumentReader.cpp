@@ -5,6 +5,7 @@
 
 #include "basic/Numbers.h"
 #include "files/DocumentFormat.h"
+#include "files/ExtraSections.h"
 #include "files/HostText.h"
 #include "files/OptionLines.h"
 #include "platform/TextFiles.h"
@@ -102,6 +103,20 @@ bool ReadMolecule(const Text& Path) {
   return false;
 }
 
+// The section that this line begins, when it is one that a room has added.
+Flag ReadExtraSection(TextView Line) {
+  for (const ExtraSection& Section : ExtraSections()) {
+    if (!Line.starts_with(Section.Begin)) continue;
+    try {
+      Section.Read(LineWork.FileNumber);
+    } catch (const Failure& Problem) {
+      WarnOfFailure(Problem);
+      return False;
+    }
+  }
+  return True;
+}
+
 // The sections behind the selections, in any order, to the end of the file.
 bool ReadSections(const Text& Path) {
   while (!AtEnd(LineWork.FileNumber)) {
@@ -115,6 +130,8 @@ bool ReadSections(const Text& Path) {
       Read = ReadShieldingCoupling(Path, LineWork.FileNumber);
     } else if (Line.starts_with(document::SpectraBegin)) {
       Read = ReadSpectra(Path, LineWork.FileNumber);
+    } else {
+      Read = ReadExtraSection(Line);
     }
     if (!IsSet(Read)) return false;
   }

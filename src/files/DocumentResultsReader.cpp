@@ -28,6 +28,7 @@ void AllocateResults() {
   // First, since its bound is the one that overflows: nothing large is allocated for a count that is refused.
   W.ShieldTensor.ReDim(TensorValues * Integer(Count));
   W.Shielding.ReDim(Count);
+  W.ShieldingError.ReDim(Count);
   W.ChemicalShift.ReDim(Count);
   W.Coupling.ReDim(Count, Count);
 }

@@ -4,6 +4,7 @@
 #include <span>
 
 #include "files/DocumentFormat.h"
+#include "files/ExtraSections.h"
 #include "files/HostText.h"
 #include "files/OptionLines.h"
 #include "platform/EndSignals.h"
@@ -73,6 +74,16 @@ Flag WriteMolecule() {
   return Written;
 }
 
+Flag WriteExtraSections() {
+  for (const ExtraSection& Section : ExtraSections()) {
+    if (!Section.HasContent()) continue;
+    PrintLine(LineWork.FileNumber, Section.Begin);
+    Section.Write(LineWork.FileNumber);
+    PrintLine(LineWork.FileNumber, Section.End);
+  }
+  return True;
+}
+
 bool WriteOpenDocument(const Text& Path) {
   const Integer File = LineWork.FileNumber;
   if (IsSet(W.MoleculeLoaded) && !WriteBetween(document::BeginHostBlock, document::EndHostBlock, WriteMolecule)) {
@@ -84,7 +95,8 @@ bool WriteOpenDocument(const Text& Path) {
                       [&] { return WriteNMRAtomicNumbers(Path, File); }) &&
          WriteBetween(document::ResultsBegin, document::ResultsEnd,
                       [&] { return WriteShieldingCoupling(Path, File); }) &&
-         WriteBetween(document::SpectraBegin, document::SpectraEnd, [&] { return WriteSpectra(Path, File); });
+         WriteBetween(document::SpectraBegin, document::SpectraEnd, [&] { return WriteSpectra(Path, File); }) &&
+         IsSet(WriteExtraSections());
 }
 
 // Runs the body of a section routine: its failures become a warning and the result 0.
@@ -102,7 +114,9 @@ Flag ReportFailure(Routine Body) {
 // A folder that takes no second file is no reason not to save; a disk that is full is.
 bool KeepFormerWherePossible(const Text& Path) {
   try {
-    return KeepFormerContent(Path, document::SpectraEnd);
+    std::vector<TextView> LastLines = {document::SpectraEnd};
+    for (const ExtraSection& Section : ExtraSections()) LastLines.emplace_back(Section.End);
+    return KeepFormerContent(Path, LastLines);
   } catch (const Failure& Problem) {
     if (Problem.What == failures::DiskFull) throw;
     return false;

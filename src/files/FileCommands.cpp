@@ -119,14 +119,14 @@ bool OpenFile(const Text& Path) {
 
 bool AnythingRead() {
   return IsSet(W.MoleculeLoaded) || IsSet(W.ShieldingAvailable) || IsSet(W.CouplingAvailable) ||
-         IsSet(W.SpectraAvailable);
+         IsSet(W.SpectraAvailable) || W.MeasuredCount > 0;
 }
 
 int FirstViewWithContent() {
   if (IsSet(W.MoleculeLoaded)) return MoleculeView;
   if (IsSet(W.ShieldingAvailable)) return ShieldingView;
   if (IsSet(W.CouplingAvailable)) return CouplingView;
-  return IsSet(W.SpectraAvailable) ? SpectrumViewMode : MoleculeView;
+  return IsSet(W.SpectraAvailable) || W.MeasuredCount > 0 ? SpectrumViewMode : MoleculeView;
 }
 
 void LeaveBusy() {

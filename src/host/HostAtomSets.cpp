@@ -82,6 +82,7 @@ void ReadNMRAtoms(Long NumSelections) {
   W.NMRAtom.ReDim(NumSelected);
   W.NMRAtomicNumber.ReDim(NumSelected);
   W.Shielding.ReDim(NumSelected);
+  W.ShieldingError.ReDim(NumSelected);
   W.ChemicalShift.ReDim(NumSelected);
   W.Coupling.ReDim(NumSelected, NumSelected);
   W.NumNMRAtoms = NumSelected;

@@ -106,7 +106,12 @@ void PlaceMoleculeView() {
   const Form& Window = Main.frmNMR;
   const int Free = Window.Height - Main.StatusBar.Height - Main.ToolbarHeight;
   const bool Refit = IsStillFitted();
-  SetPlace(Main.MolRender1, 0, Main.ToolbarHeight, Window.Width, std::max(Free, 1));
+  if (const int Pane = PaneWidth(); Pane > 0) {
+    const PictureSurface& Beside = Main.Spectrum1;
+    SetPlace(Main.MolRender1, Window.Width - Pane, Beside.Top, Pane, Beside.Height);
+  } else {
+    SetPlace(Main.MolRender1, 0, Main.ToolbarHeight, Window.Width, std::max(Free, 1));
+  }
   if (Refit) FitMolecule();
 }
 

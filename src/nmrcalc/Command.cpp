@@ -37,6 +37,7 @@ struct StageFiles {
 };
 constexpr const char* SettingsFile = "nmr_spin.abp";
 constexpr const char* MapFile = "nmrspect.map";
+constexpr const char* ErrorBarFile = "nmrparam.err";
 constexpr StageFiles Stages[] = {{"nmrparam.in", "nmrparam.out"}, {"nmrspect.in", "nmrspect.out"}};
 
 std::string JoinArguments(const std::vector<std::string>& Arguments, std::size_t First, std::size_t End) {
@@ -103,7 +104,14 @@ struct StageOutput {
 
 StageOutput RunStage(const CommandLine& Command, Log& Report) {
   const std::string Input = PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Input);
-  if (Command.Stage == 1) return {.Text = EstimateParameters(Input, Command.ParameterDirectory, Report)};
+  if (Command.Stage == 1) {
+    const std::string ErrorBars = PathIn(Command.WorkDirectory, ErrorBarFile);
+    std::error_code Error;
+    std::filesystem::remove(ErrorBars, Error);  // those of an earlier run say nothing of this one
+    const ParamTexts Texts = EstimateParameters(Input, Command.ParameterDirectory, Report);
+    if (!Texts.Errors.empty()) WriteOutput(ErrorBars, Texts.Errors);
+    return {.Text = Texts.Results};
+  }
   const SpinSettings Settings = ReadSpinSettings(PathIn(Command.ParameterDirectory, SettingsFile));
   const SpectrumInput System = ReadSpectrumInput(Input);
   AddToLog(Report, 0,
@@ -194,7 +202,7 @@ int RunCommand(const CommandLine& Command) {
     WriteOutput(PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Output), Output.Text);
   } catch (const zelvanor::Failure& Problem) {
     Failed = true;
-    std::filesystem::remove(MapPath, Ignored);
+    if (Command.Stage == 2) std::filesystem::remove(MapPath, Ignored);
     AddToLog(Report, 0, "Failed: " + Problem.What);
     std::fprintf(stderr, "nmrcalc.exe: %s.\n", Problem.What.c_str());
   }

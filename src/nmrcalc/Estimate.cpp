@@ -1,5 +1,6 @@
 #include "nmrcalc/Estimate.h"
 
+#include <optional>
 #include <vector>
 
 #include "nmrcalc/couplings/Coupling.h"
@@ -13,16 +14,16 @@ namespace nmrcalc {
 namespace {
 
 constexpr const char* ShiftFile = "nmr_shft.abp";
+constexpr const char* ModelFile = "nmr_shft.net";
 constexpr const char* CouplingFile = "nmr_cupl.abp";
-constexpr const char* Description =
-    "NMR parameters estimated by additive increments; not a result of KRDO/1 or KRDO/2 or of any other quantum "
-    "chemical method";
 
-struct ParamResults {
-  std::vector<double> Shieldings{};        // ppm, one for each NMR atom
-  std::vector<ShieldingTensor> Tensors{};  // as the shieldings, or empty
-  std::vector<double> Couplings{};         // Hz, NMR atoms x NMR atoms
-};
+// What the numbers are, for the first line of the results.
+std::string Describe(const ShiftModel* Model) {
+  const std::string Shifts =
+      Model == nullptr ? "" : "shifts by the model " + Model->Version + ", expected errors " + Model->Summary + "; ";
+  return "NMR parameters estimated from measured ones: " + Shifts +
+         "couplings by path; not a result of KRDO/1 or KRDO/2 or of any other quantum chemical method";
+}
 
 std::string AtomLabel(const Molecule& System, std::size_t Index) {
   const Atom& Item = System.Atoms[Index];
@@ -30,21 +31,33 @@ std::string AtomLabel(const Molecule& System, std::size_t Index) {
          std::to_string(Item.Molecule);
 }
 
-void ComputeShieldings(const ParamInput& Input, const std::string& TablePath, ParamResults& Results, Log& Report) {
+// What the log tells of an atom's shift: always when there is little to go by, else at level 2.
+void LogShift(const ParamInput& Input, std::size_t Center, const ShiftEstimate& Estimate, Log& Report) {
+  const std::string Label = AtomLabel(Input.System, Center);
+  if (!Estimate.Known) {
+    AddToLog(Report, 0, "No estimate for " + Label + ": " + Estimate.Origin);
+    return;
+  }
+  const std::string Number = FixedNumber(Estimate.Shift, 2) + " +- " + FixedNumber(Estimate.Error, 2) + " ppm";
+  if (!Estimate.Seen) {
+    AddToLog(Report, 0, Label + ": surroundings that the model was not made from; " + Number);
+  } else if (LogWants(Report, 2)) {
+    AddToLog(Report, 2, Label + ": " + Number + (Estimate.Origin.empty() ? "" : " (" + Estimate.Origin + ")"));
+  }
+}
+
+void ComputeShieldings(const ParamInput& Input, const ShiftModel& Model, const std::string& TablePath,
+                       ParamResults& Results, Log& Report) {
   const TableFile Tables = ReadTables(TablePath, RequiredShiftTables());
+  const std::vector<ShiftEstimate> Shifts = EstimateShifts(Tables, Model, Input.System);
   for (std::size_t K = 0; K < Input.NMRAtoms.size(); ++K) {
     const std::size_t Center = Input.NMRAtoms[K];
-    const ShiftEstimate Estimate = EstimateShift(Tables, Input.System, Center);
+    const ShiftEstimate& Estimate = Shifts[Center];
     const double Shielding = ShieldingFromShift(Tables, Input.System.Atoms[Center].AtomicNumber, Estimate);
     if (Input.WantsShielding) Results.Shieldings[K] = Shielding;
     if (Input.WantsTensor) Results.Tensors.push_back(EstimateTensor(Tables, Input.System, Center, Shielding));
-    if (!Estimate.Known) {
-      AddToLog(Report, 0, "No estimate for " + AtomLabel(Input.System, Center) + ": " + Estimate.Origin);
-    } else if (LogWants(Report, 2)) {
-      AddToLog(
-          Report, 2,
-          AtomLabel(Input.System, Center) + ": " + FixedNumber(Estimate.Shift, 2) + " ppm (" + Estimate.Origin + ")");
-    }
+    Results.Errors.push_back(Estimate.Known ? Estimate.Error : 0.0);
+    LogShift(Input, Center, Estimate, Report);
   }
 }
 
@@ -64,52 +77,29 @@ void ComputeCouplings(const ParamInput& Input, const std::string& TablePath, Par
   }
 }
 
-void AppendRow(std::string& Text, const double* First, std::size_t Count, int Decimals) {
-  for (std::size_t K = 0; K < Count; ++K) {
-    if (K > 0) Text += ' ';
-    Text += FixedNumber(First[K], Decimals);
-  }
-  Text += '\n';
-}
-
-std::string FormatResults(const ParamInput& Input, const ParamResults& Results) {
-  const std::size_t NumAtoms = Input.NMRAtoms.size();
-  std::string Text = std::string(Description) + "\n" + std::to_string(NumAtoms) + "\n";
-  for (std::size_t K = 0; K < NumAtoms; ++K) {
-    Text += (K > 0 ? " " : "") + std::to_string(Input.System.Atoms[Input.NMRAtoms[K]].AtomicNumber);
-  }
-  Text += "\nFIELD\n" + std::to_string(Input.Frequency) + "\nSHIELDING\n";
-  AppendRow(Text, Results.Shieldings.data(), NumAtoms, 4);
-  if (Input.WantsTensor) {
-    Text += "TENSOR\n";
-    for (const ShieldingTensor& Tensor : Results.Tensors) {
-      AppendRow(Text, Tensor.Components.data(), 9, 6);
-      const double Second[] = {Tensor.Eigenvalues[0], Tensor.Eigenvalues[1], Tensor.Eigenvalues[2], Tensor.Isotropic,
-                               Tensor.Anisotropy};
-      AppendRow(Text, Second, 5, 6);
-    }
-  }
-  Text += "COUPLING\n";
-  for (std::size_t Row = 0; Row < NumAtoms; ++Row) {
-    AppendRow(Text, Results.Couplings.data() + Row * NumAtoms, NumAtoms, 4);
-  }
-  return Text;
-}
-
 }  // namespace
 
-std::string EstimateParameters(const std::string& InputPath, const std::string& ParameterDirectory, Log& Report) {
-  const ParamInput Input = ReadParamInput(InputPath);
+ParamResults Estimate(const ParamInput& Input, const std::string& ParameterDirectory, bool Shieldings, bool Couplings,
+                      Log& Report) {
   const std::string Directory = ParameterDirectory + (ParameterDirectory.ends_with('/') ? "" : "/");
-  const std::size_t NumAtoms = Input.NMRAtoms.size();
-  AddToLog(Report, 0, std::string("Stage 1: ") + Description);
-  AddToLog(Report, 0,
-           std::to_string(NumAtoms) + " NMR atoms of " + std::to_string(Input.System.Atoms.size()) + " atoms");
-  ParamResults Results{.Shieldings = std::vector<double>(NumAtoms),
-                       .Couplings = std::vector<double>(NumAtoms * NumAtoms)};
-  if (Input.WantsShielding || Input.WantsTensor) ComputeShieldings(Input, Directory + ShiftFile, Results, Report);
-  if (Input.WantsCoupling) ComputeCouplings(Input, Directory + CouplingFile, Results, Report);
-  return FormatResults(Input, Results);
+  ParamResults Results = EmptyResults(Input);
+  const std::optional<ShiftModel> Model =
+      Shieldings ? std::optional<ShiftModel>(ReadShiftModel(Directory + ModelFile)) : std::nullopt;
+  Results.Description = Describe(Model ? &*Model : nullptr);
+  AddToLog(Report, 0, "Stage 1: " + Results.Description);
+  AddToLog(
+      Report, 0,
+      std::to_string(Input.NMRAtoms.size()) + " NMR atoms of " + std::to_string(Input.System.Atoms.size()) + " atoms");
+  if (Model) ComputeShieldings(Input, *Model, Directory + ShiftFile, Results, Report);
+  if (Couplings) ComputeCouplings(Input, Directory + CouplingFile, Results, Report);
+  return Results;
+}
+
+ParamTexts EstimateParameters(const std::string& InputPath, const std::string& ParameterDirectory, Log& Report) {
+  const ParamInput Input = ReadParamInput(InputPath);
+  const ParamResults Results =
+      Estimate(Input, ParameterDirectory, Input.WantsShielding || Input.WantsTensor, Input.WantsCoupling, Report);
+  return {.Results = FormatResults(Input, Results), .Errors = FormatErrors(Results)};
 }
 
 }  // namespace nmrcalc

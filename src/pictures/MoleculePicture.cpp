@@ -212,7 +212,10 @@ void CairoItem(cairo_t* Context, const DrawItem& Item) {
 
 }  // namespace
 
-bool ShowsMolecule() { return IsSet(Main.MolRender1.Visible) && !Main.MolRender1.Atoms.empty(); }
+bool ShowsMolecule() {
+  // Beside a spectrum it is the smaller part of the view.
+  return IsSet(Main.MolRender1.Visible) && !IsSet(Main.Spectrum1.Visible) && !Main.MolRender1.Atoms.empty();
+}
 
 Text BuildMoleculeSvg() {
   const RenderScene Scene = PresentScene();

@@ -2,6 +2,9 @@
 
 #include <cairo-pdf.h>
 
+#include <algorithm>
+#include <cmath>
+
 #include "basic/Failure.h"
 #include "platform/Paths.h"
 #include "platform/TextFiles.h"
@@ -26,10 +29,12 @@ cairo_status_t Append(void* Target, const unsigned char* Data, unsigned Length) 
 
 // The bytes of a picture file; empty where the picture is too large. The file is written by the one writer that notices
 // a full disk: cairo's own one for PDF does not.
-Text BuildPng(const Picture& Shown) {
+Text BuildPng(const Picture& Shown, Double Scale) {
   Text Content;
-  cairo_surface_t* Target = cairo_image_surface_create(CAIRO_FORMAT_RGB24, Shown.Size.Width, Shown.Size.Height);
-  Draw(Shown, Target, 1.0);
+  cairo_surface_t* Target = cairo_image_surface_create(
+      CAIRO_FORMAT_RGB24, std::max(static_cast<int>(std::lround(Shown.Size.Width * Scale)), 1),
+      std::max(static_cast<int>(std::lround(Shown.Size.Height * Scale)), 1));
+  Draw(Shown, Target, Scale);
   const cairo_status_t Status = cairo_surface_write_to_png_stream(Target, Append, &Content);
   cairo_surface_destroy(Target);
   return Status == CAIRO_STATUS_SUCCESS ? Content : Text();
@@ -53,10 +58,10 @@ bool IsPictureFile(const Text& Path) {
   return Ending == ".SVG" || Ending == ".PNG" || Ending == ".PDF";
 }
 
-void WritePicture(const Picture& Shown, const Text& Path) {
+void WritePicture(const Picture& Shown, const Text& Path, Double Scale) {
   const Text Ending = EndingOf(Path);
   if (Ending == ".SVG") return WriteWholeFile(Path, Shown.Svg());
-  const Text Content = Ending == ".PNG" ? BuildPng(Shown) : BuildPdf(Shown);
+  const Text Content = Ending == ".PNG" ? BuildPng(Shown, Scale) : BuildPdf(Shown);
   if (Content.empty()) throw Failure("can't write " + Path);
   WriteWholeFile(Path, Content);
 }

@@ -18,6 +18,7 @@ struct Picture {
 // Whether the path's ending names a form that WritePicture knows: .svg, .png or .pdf.
 bool IsPictureFile(const Text& Path);
 // Throws a Failure where the file can't be written.
-void WritePicture(const Picture& Shown, const Text& Path);
+// A picture of pixels is Scale times as fine as the screen's.
+void WritePicture(const Picture& Shown, const Text& Path, Double Scale = 1.0);
 
 }  // namespace zelvanor::pictures

@@ -99,9 +99,9 @@ Picture ShownPicture() {
 
 }  // namespace
 
-void WriteViewPicture(const Text& Path) {
+void WriteViewPicture(const Text& Path, Double Scale) {
   if (!IsPictureFile(Path)) throw Failure("a picture is written as .svg, .png or .pdf: " + Path);
-  WritePicture(ShownPicture(), Path);
+  WritePicture(ShownPicture(), Path, Scale);
 }
 
 }  // namespace zelvanor::pictures

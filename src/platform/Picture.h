@@ -45,6 +45,7 @@ struct PictureSurface : Control {
   MouseEvent MouseDown;
   MouseEvent MouseMove;
   MouseEvent MouseUp;
+  std::function<void(Double Notches, int Shift)> MouseWheel;  // away from the user is positive
 };
 
 // Button codes of mouse events.

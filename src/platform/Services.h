@@ -80,6 +80,9 @@ struct PlatformServices {
   std::function<void(const Text& Value)> SetClipboard;
   std::function<void(const ChartControl& Chart)> SetClipboardPicture;  // as it is drawn
 
+  // Writes what the view shows as .svg, .png or .pdf; a picture of pixels is Scale times as fine. Throws a Failure.
+  std::function<void(const Text& Path, Double Scale)> WriteViewPicture;
+
   std::function<Text()> DecimalSeparator;   // of the regional settings
   std::function<bool()> OtherInstanceRuns;  // takes the instance lock as well
   std::function<Text()> ProgramDirectory;   // of the running program, without a separator at its end

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include "basic/Types.h"
 
 namespace zelvanor {
@@ -46,9 +48,9 @@ Flag FileExists(const Text& Path);
 
 // Copies a regular file to its own path with "~" behind it, so that a failed replacement loses nothing; does nothing
 // for other kinds of file and for one that is not there. A copy that stands there already stays where it ends with a
-// line that begins with LastLine and the file does not: a failed save has left the file half. True when there is a copy
-// now. Throws when it can't be made.
-bool KeepFormerContent(const Text& Path, TextView LastLine);
+// line that begins with one of LastLines and the file does not: a failed save has left the file half. True when there
+// is a copy now. Throws when it can't be made.
+bool KeepFormerContent(const Text& Path, std::span<const TextView> LastLines);
 // Makes sure of the file's new content, then removes the copy. Throws where the disk has not taken the content.
 void DropFormerContent(const Text& Path);
 

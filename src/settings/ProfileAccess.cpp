@@ -62,6 +62,7 @@ void NameWorkingFiles() {
   S.ParamInputFile = Folder + "nmrparam.in";
   S.SpectInputFile = Folder + "nmrspect.in";
   S.ParamOutputFile = Folder + "nmrparam.out";
+  S.ParamErrorFile = Folder + "nmrparam.err";
   S.SpectOutputFile = Folder + "nmrspect.out";
   S.IniFile = Folder + "nmr.ini";
   S.CalcExeFile = S.NMRExePath + PathSeparator + "nmrcalc.exe";

@@ -14,6 +14,7 @@ void AddSettingsVariables() {
   AddVariable("ParamInputFile", S.ParamInputFile);
   AddVariable("SpectInputFile", S.SpectInputFile);
   AddVariable("ParamOutputFile", S.ParamOutputFile);
+  AddVariable("ParamErrorFile", S.ParamErrorFile);
   AddVariable("SpectOutputFile", S.SpectOutputFile);
   AddVariable("IniFile", S.IniFile);
   AddVariable("CalcExeFile", S.CalcExeFile);

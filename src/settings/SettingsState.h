@@ -22,6 +22,7 @@ struct SettingsState {
   Text ParamInputFile;
   Text SpectInputFile;
   Text ParamOutputFile;
+  Text ParamErrorFile;
   Text SpectOutputFile;
   Text IniFile;
   Text CalcExeFile;

@@ -38,12 +38,14 @@ void ResizeResults(int Old, Integer Count) {
   W.NMRAtom.ReDimPreserve(Count);
   W.NMRAtomicNumber.ReDimPreserve(Count);
   W.Shielding.ReDimPreserve(Count);
+  W.ShieldingError.ReDimPreserve(Count);
   W.ChemicalShift.ReDimPreserve(Count);
   W.ShieldTensor.ReDimPreserve(NumTensorValues);
 }
 
 void ClearResults(int Atom) {
   W.Shielding[Atom] = 0;
+  W.ShieldingError[Atom] = 0;
   const auto FirstValue = static_cast<std::size_t>(TensorValues) * static_cast<std::size_t>(Atom);
   std::ranges::fill(W.ShieldTensor.Span().subspan(FirstValue, TensorValues), 0.0F);
   std::ranges::fill(W.Coupling.Row(Atom), 0.0F);

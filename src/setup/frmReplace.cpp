@@ -37,6 +37,7 @@ void ShowCoupling(int Row, int Col, Single Value) {
 void ReplaceShieldings(const GridControl& Table, Single Value) {
   for (int Col = Table.SelStartCol; Col <= Table.SelEndCol; ++Col) {
     W.Shielding[Col - 1] = Value;
+    ForgetShieldingError(Col - 1);
     ShowShielding(Col, Value);
   }
 }

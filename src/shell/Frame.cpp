@@ -1,6 +1,7 @@
 #include "shell/Frame.h"
 
 #include <algorithm>
+#include <cstdint>
 
 #include "basic/Numbers.h"
 #include "shell/HelpTopics.h"
@@ -21,11 +22,13 @@ struct Available {
   bool Shielding;
   bool Coupling;
   bool Spectra;
-  bool Any() const { return Molecule || Shielding || Coupling || Spectra; }
+  bool Measured;
+  bool Any() const { return Molecule || Shielding || Coupling || Spectra || Measured; }
 };
 
 Available FindAvailable() {
-  return {IsSet(W.MoleculeLoaded), IsSet(W.ShieldingAvailable), IsSet(W.CouplingAvailable), IsSet(W.SpectraAvailable)};
+  return {IsSet(W.MoleculeLoaded), IsSet(W.ShieldingAvailable), IsSet(W.CouplingAvailable), IsSet(W.SpectraAvailable),
+          W.MeasuredCount > 0};
 }
 
 void Enable(Control& Target, bool Enabled) { SetEnabled(Target, ToFlag(Enabled)); }
@@ -49,7 +52,7 @@ bool ShownDataExist(const Available& Has, int View) {
     case CouplingView:
       return Has.Coupling;
     default:
-      return Has.Spectra;
+      return Has.Spectra || Has.Measured;
   }
 }
 
@@ -110,8 +113,14 @@ void UpdateCommands(int View) {
   Enable(Main.picToolbar[ToolShielding], Has.Shielding);
   Enable(Main.mnuViewCoupling, Has.Coupling);
   Enable(Main.picToolbar[ToolCoupling], Has.Coupling);
-  Enable(Main.mnuViewSpectra, Has.Spectra);
-  Enable(Main.picToolbar[ToolSpectrum], Has.Spectra);
+  Enable(Main.mnuViewSpectra, Has.Spectra || Has.Measured);
+  Enable(Main.picToolbar[ToolSpectrum], Has.Spectra || Has.Measured);
+  Enable(Main.mnuViewMeasured, Has.Measured);
+  const bool Spectrum = View == SpectrumViewMode && (Has.Spectra || Has.Measured);
+  Enable(Main.mnuViewLabels, Spectrum && Has.Spectra);
+  Enable(Main.mnuViewTree, Spectrum && Has.Spectra);
+  Enable(Main.mnuViewPane, Spectrum && Has.Molecule);
+  Enable(Main.mnuFileExport, (View == MoleculeView && Has.Molecule) || Spectrum);
   UpdateMouseTools(Has, View);
   SetPressed(Main.picToolbar[ToolShielding], ToFlag(View == ShieldingView));
   SetPressed(Main.picToolbar[ToolCoupling], ToFlag(View == CouplingView));
@@ -162,7 +171,28 @@ void PlaceSpectrum() {
   const Form& Window = Main.frmNMR;
   const int Free =
       Window.Height - Main.StatusBar.Height - Main.ToolbarHeight - Main.HScroll1.Height - Main.HScroll2.Height;
-  SetPlace(Main.Spectrum1, 0, Main.ToolbarHeight + Main.HScroll2.Height, Window.Width, std::max(Free, 1));
+  SetPlace(Main.Spectrum1, 0, Main.ToolbarHeight + Main.HScroll2.Height, Window.Width - PaneWidth(), std::max(Free, 1));
+}
+
+int PaneWidth() {
+  constexpr int Hundred = 100;
+  constexpr int LeastWindow = TwipsFromPixels(300);
+  const int Width = Main.frmNMR.Width;
+  const bool Shown = IsSet(Main.mnuViewPane.Checked) && IsSet(W.MoleculeLoaded) && W.ViewMode == SpectrumViewMode;
+  if (!Shown || Width < LeastWindow) return 0;
+  return TwipsFromPixels(static_cast<int>(std::int64_t{Width} * Main.PanePercent / Hundred / TwipsPerPixelX));
+}
+
+void ShowPane(Flag Shown) {
+  SetChecked(Main.mnuViewPane, Shown);
+  RefreshView();
+}
+
+void SetPanePercent(int Percent) {
+  constexpr int Least = 10;
+  constexpr int Most = 80;
+  Main.PanePercent = std::clamp(Percent, Least, Most);
+  RefreshView();
 }
 
 void LayOutWindow() {

@@ -13,13 +13,14 @@ struct FrameRooms {
   std::function<void()> ShowShieldingTable;
   std::function<void()> ShowCouplingTable;
   std::function<void()> ShowSpectrumView;
-  std::function<void()> ForgetFrequencyRange;     // before a view is refreshed
-  std::function<void()> OpenZMatrix;              // reads the file of ZMatrixPath into the atom table
-  std::function<void()> UpdateAtomLabels;         // of the molecule view, for the present atom table
-  std::function<void()> TakeOpenedSpectrum;       // a document that holds a spectrum has been opened
-  std::function<void()> FitMolecule;              // to the surface
-  std::function<void(int Degrees)> TurnMolecule;  // about z
-  std::function<void()> LinesCommand;             // the three display commands of the spectrum menu
+  std::function<void()> ForgetFrequencyRange;               // before a view is refreshed
+  std::function<void()> OpenZMatrix;                        // reads the file of ZMatrixPath into the atom table
+  std::function<void()> UpdateAtomLabels;                   // of the molecule view, for the present atom table
+  std::function<void()> TakeOpenedSpectrum;                 // a document that holds a spectrum has been opened
+  std::function<void()> FitMolecule;                        // to the surface
+  std::function<void(int Degrees)> TurnMolecule;            // about z
+  std::function<bool(int KeyCode, int Shift)> SpectrumKey;  // true: the spectrum view has taken the key
+  std::function<void()> LinesCommand;                       // the three display commands of the spectrum menu
   std::function<void()> EnvelopCommand;
   std::function<void()> LinesAndEnvelopCommand;
 };
@@ -56,6 +57,11 @@ void SubClass1_MenuSelect(int Flags, TextView ItemText);
 void LayOutWindow();
 // The place of the spectrum surface for the window's size; Height is at least 1.
 void PlaceSpectrum();
+// The width of the molecule pane beside the spectrum, in twips; 0 while it is not shown.
+int PaneWidth();
+// Shows or hides the pane, or gives it another share of the window's width (10 to 80 percent), and draws anew.
+void ShowPane(Flag Shown);
+void SetPanePercent(int Percent);
 
 // Keys that the molecule view takes; in the other views every key passes.
 void Form_KeyDown(int& KeyCode, int Shift);

@@ -23,6 +23,9 @@ constexpr std::array Topics = {
     HelpTopic{"frmSelect", 28},
     HelpTopic{"frmSelect2", 29},
     HelpTopic{"frmEquiv", 30},
+    HelpTopic{"frmIntegrals", 31},
+    HelpTopic{"frmProcess", 32},
+    HelpTopic{"frmExport", 33},
     HelpTopic{"frmAbout", MainWindowHelp},
 };
 

@@ -10,6 +10,7 @@ void Form_KeyDown(int& KeyCode, int Shift) {
   constexpr int Home = 36;
   constexpr int DownArrow = 40;
   constexpr int TurnStep = 7;  // degrees
+  if (Workspace.ViewMode == SpectrumViewMode && Rooms.SpectrumKey && Rooms.SpectrumKey(KeyCode, Shift)) KeyCode = 0;
   if (Workspace.ViewMode != MoleculeView || KeyCode < Space || KeyCode > DownArrow) return;
   if (KeyCode == Space) {
     ShowStatus("Scale to fit the molecule on the screen.");

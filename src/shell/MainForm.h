@@ -45,6 +45,9 @@ struct MainForm {
   MenuItem mnuPreferences{&frmNMR, "mnuPreferences"};
   MenuItem mnuFileFill2{&frmNMR, "mnuFileFill2"};
   MenuItem mnuFileExit{&frmNMR, "mnuFileExit"};
+  MenuItem mnuFileFill3{&frmNMR, "mnuFileFill3"};
+  MenuItem mnuFileOpenMeasured{&frmNMR, "mnuFileOpenMeasured"};
+  MenuItem mnuFileExport{&frmNMR, "mnuFileExport"};
   MenuItem mnuEdit{&frmNMR, "mnuEdit"};
   MenuItem mnuCopy{&frmNMR, "mnuCopy"};
   MenuItem mnuEditFill1{&frmNMR, "mnuEditFill1"};
@@ -73,6 +76,20 @@ struct MainForm {
   MenuItem mnuView2DBar{&frmNMR, "mnuView2DBar"};
   MenuItem mnuView3DBar{&frmNMR, "mnuView3DBar"};
   MenuItem mnuViewRender{&frmNMR, "mnuViewRender"};
+  MenuItem mnuViewFill5{&frmNMR, "mnuViewFill5"};
+  MenuItem mnuViewMeasured{&frmNMR, "mnuViewMeasured"};
+  MenuItem mnuMeasuredOverlay{&frmNMR, "mnuMeasuredOverlay"};
+  MenuItem mnuMeasuredStack{&frmNMR, "mnuMeasuredStack"};
+  MenuItem mnuMeasuredMirror{&frmNMR, "mnuMeasuredMirror"};
+  MenuItem mnuMeasuredFill1{&frmNMR, "mnuMeasuredFill1"};
+  MenuItem mnuMeasuredEqualArea{&frmNMR, "mnuMeasuredEqualArea"};
+  MenuItem mnuMeasuredIntegrals{&frmNMR, "mnuMeasuredIntegrals"};
+  MenuItem mnuMeasuredProcess{&frmNMR, "mnuMeasuredProcess"};
+  MenuItem mnuMeasuredFill2{&frmNMR, "mnuMeasuredFill2"};
+  MenuItem mnuMeasuredRemove{&frmNMR, "mnuMeasuredRemove"};
+  MenuItem mnuViewLabels{&frmNMR, "mnuViewLabels"};
+  MenuItem mnuViewTree{&frmNMR, "mnuViewTree"};
+  MenuItem mnuViewPane{&frmNMR, "mnuViewPane"};
   MenuItem mnuSetup{&frmNMR, "mnuSetup"};
   MenuItem mnuSetupNMRParam{&frmNMR, "mnuSetupNMRParam"};
   MenuItem mnuSetupNMRSpect{&frmNMR, "mnuSetupNMRSpect"};
@@ -98,6 +115,8 @@ struct MainForm {
   ScrollBar HScroll2{&frmNMR, "HScroll2"};  // line width, above the spectrum
   PictureSurface Spectrum1{&frmNMR, "Spectrum1"};
   ScrollBar HScroll1{&frmNMR, "HScroll1"};  // panning, below the spectrum
+
+  Integer PanePercent = 35;  // of the window's width, for the molecule beside the spectrum
 
   int ToolbarHeight = TwipsFromPixels(30);
   Text ToolHelp[NumToolButtons];

@@ -14,13 +14,13 @@ Double FrequencyOf(Long Peak) {
 
 Double ShiftOf(Long Peak) { return Workspace.NMRFrequency == 0 ? 0.0 : FrequencyOf(Peak) / Workspace.NMRFrequency; }
 
-const char* NucleusName() {
-  constexpr const char* Names[] = {"^1H", "^13C", "^15N", "^17O", "^19F", "^31P"};
-  const int Type = Workspace.SpectraType;
-  return Type >= 0 && Type < 6 ? Names[Type] : "^1H";
-}
-
 }  // namespace
+
+Text ObservedNucleus() {
+  constexpr const char* Names[] = {"1H", "13C", "15N", "17O", "19F", "31P"};
+  const int Type = Workspace.SpectraType;
+  return Type >= 0 && Type < 6 ? Names[Type] : "1H";
+}
 
 Text BuildPeakCsv() {
   Text Csv = "ppm,Hz,intensity,degeneracy,line width\n";
@@ -34,14 +34,14 @@ Text BuildPeakCsv() {
 
 // A peak table by the JCAMP-DX standard for NMR, version 5: shift in ppm, intensity, width in Hz.
 Text BuildPeakJcamp() {
-  Text Dx = Join("##TITLE=", Workspace.DocumentTitle.empty() ? Text("untitled") : Workspace.DocumentTitle,
-                 "\n##JCAMP-DX=5.00\n##DATA TYPE=NMR PEAK TABLE\n##DATA CLASS=PEAK TABLE\n##ORIGIN=Zelvanor\n"
-                 "##OWNER=",
-                 Workspace.SpectDescription, "\n##.OBSERVE FREQUENCY=", Workspace.NMRFrequency,
-                 "\n##.OBSERVE NUCLEUS=", NucleusName(),
-                 "\n##XUNITS=PPM\n##YUNITS=ARBITRARY UNITS\n##NPOINTS=", Workspace.PeakCount,
-                 "\n$$ each row: shift in ppm, intensity, line width in Hz; its frequency in Hz ",
-                 "and degeneracy behind it\n##PEAK TABLE=(XYW..XYW)\n");
+  Text Dx =
+      Join("##TITLE=", Workspace.DocumentTitle.empty() ? Text("untitled") : Workspace.DocumentTitle,
+           "\n##JCAMP-DX=5.00\n##DATA TYPE=NMR PEAK TABLE\n##DATA CLASS=PEAK TABLE\n##ORIGIN=Zelvanor\n"
+           "##OWNER=",
+           Workspace.SpectDescription, "\n##.OBSERVE FREQUENCY=", Workspace.NMRFrequency, "\n##.OBSERVE NUCLEUS=^",
+           ObservedNucleus(), "\n##XUNITS=PPM\n##YUNITS=ARBITRARY UNITS\n##NPOINTS=", Workspace.PeakCount,
+           "\n$$ each row: shift in ppm, intensity, line width in Hz; its frequency in Hz ",
+           "and degeneracy behind it\n##PEAK TABLE=(XYW..XYW)\n");
   for (Long Peak = 0; Peak < Workspace.PeakCount; ++Peak) {
     Dx += Join(static_cast<Single>(ShiftOf(Peak)), ", ", Workspace.PeakIntensity[Peak], ", ",
                Workspace.PeakLineWidth[Peak], " $$ ", static_cast<Single>(FrequencyOf(Peak)), " ",

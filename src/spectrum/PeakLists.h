@@ -9,4 +9,7 @@ namespace zelvanor {
 Text BuildPeakCsv();
 Text BuildPeakJcamp();
 
+// The nucleus that the simulation observes, as "1H".
+Text ObservedNucleus();
+
 }  // namespace zelvanor

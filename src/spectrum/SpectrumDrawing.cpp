@@ -96,6 +96,7 @@ void TakePeakList(bool Negate) {
   if (Negate) {
     for (Long Peak = 0; Peak < W.PeakCount; ++Peak) W.PeakFrequency[Peak] = -W.PeakFrequency[Peak];
   }
+  V.Zooms.clear();
   NewFrequencyLimits();
   V.ViewLow = V.FullLow;
   V.ViewHigh = V.FullHigh;
@@ -202,8 +203,8 @@ void DrawPeak(DrawingContext& Context, Single Frequency, Single Intensity, int H
   const int X = FGetPeakRX(Frequency);
   DrawLine(Context, X, 0, X, ToLong(Height / MarkerShare));
   if (V.DisplayMode == EnvelopeOnly) return;
-  const int Foot = Height - FootRow;
-  const Double Tall = Intensity * V.VerticalScale;
+  const int Foot = Height - FootRow - V.FootLift;
+  const Double Tall = Intensity * V.VerticalScale * V.HeightShare;
   DrawLine(Context, X, Foot, X, Clip && !(Tall <= Foot) ? 0 : ToLong(Foot - Tall));
 }
 
@@ -232,6 +233,7 @@ void DrawSpectra() {
 void PaintSpectrum(DrawingContext& Context) {
   const Pens Use = ChoosePens();
   TakeViewSize();
+  IgnoreFailure(Additions.BeforePaint);
   const int Width = V.ViewWidth;
   const int Height = V.ViewHeight;
   SelectPen(Context, Use.Axis);
@@ -239,6 +241,7 @@ void PaintSpectrum(DrawingContext& Context) {
   DrawTicks(Context, Use.Axis, Width, Height);
   if (V.CurrentLineWidth != 0.0F && V.DisplayMode != LinesOnly) DrawWithLineWidths(Context);
   DrawPeaks(Context, Use, Height);
+  if (Additions.AfterPaint) Additions.AfterPaint(Context);
 }
 
 void DrawWithLineWidths(DrawingContext& Context) {
@@ -248,12 +251,13 @@ void DrawWithLineWidths(DrawingContext& Context) {
   const int NumColumns = EnvelopeColumns();
   bool Clipped = false;
   for (int Column = 0; Column < NumColumns; ++Column) {
-    const Double Tall = V.EnvelopeScale * V.EnvelopeSamples[static_cast<std::size_t>(Column)];
+    const Double Tall = V.EnvelopeScale * V.HeightShare * V.EnvelopeSamples[static_cast<std::size_t>(Column)];
+    const int Foot = Height - FootRow - V.FootLift;
     int Row = 0;
-    if (!(Tall > Height - FootRow)) {
+    if (!(Tall > Foot)) {
       Clipped = false;
       const Long Rounded = ToLong(Tall);
-      Row = Height - FootRow - (Rounded == 0 ? 1 : Rounded);
+      Row = Foot - (Rounded == 0 ? 1 : Rounded);
     }
     // Columns are samples, unless the view is wider than the samples reach: then these spread over it.
     const int X = NumColumns == V.ViewWidth ? Column : ToLong(Double(Column) * int(V.ViewWidth) / NumColumns);

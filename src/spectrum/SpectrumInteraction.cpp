@@ -43,6 +43,7 @@ void RepeatReadout() {
 void TakeRelativeLineWidth() { V.CurrentLineWidth = ToSingle(GetHighLow() * Main.HScroll2.Value * WidthPerBarStep); }
 
 void ResetView() {
+  V.Zooms.clear();
   V.HorizontalOffset = 0;
   SetValue(Main.HScroll1, 0);
   SetChanges(Main.HScroll1, 10, 1000);
@@ -91,7 +92,10 @@ Double FrequencyAtColumn(Long Pixel) {
 
 void IntegrateBand(Long From, Long To) {
   const auto Readout = [](Long Twips) { return ToSingle(-FrequencyAtColumn(ToLong(Double(Twips) / TwipsPerPixelX))); };
-  IntegrateRange(Readout(From), Readout(To));
+  IgnoreFailure([&] { IntegrateRange(Readout(From), Readout(To)); });
+  if (!Additions.RangeChosen) return;
+  const auto Ppm = [&](Long Twips) { return Divide(Readout(Twips), V.SpectrometerMHz); };
+  Additions.RangeChosen(std::min(Ppm(From), Ppm(To)), std::max(Ppm(From), Ppm(To)));
 }
 
 void EndDrag(Single X) {
@@ -164,11 +168,13 @@ void ZoomIn(Long& Low, Long& High) {
     return Divide(Pixel + Double(V.HorizontalOffset), V.HorizontalScale) + V.ViewLow;
   };
   const Double Width = FrequencyAt(High) - FrequencyAt(Low);
+  const Double Scale = V.HorizontalScale;
   if (std::fabs(V.SpectrometerMHz * LeastZoomPpm) <= Width) V.HorizontalScale = Divide(int(V.ViewWidth), Width);
   const Double Step = Divide(GetHighLow(), int(V.ViewWidth));
   const Double NewLow = Step * Low + V.ViewLow;
   const Double NewHigh = Step * High + V.ViewLow;
   Spectrum1_ZoomChanged(NewLow, NewHigh);
+  V.Zooms.push_back({V.ViewLow, V.ViewHigh, Scale});
   V.ViewLow = NewLow;
   V.ViewHigh = NewHigh;
   V.HorizontalOffset = 0;
@@ -176,6 +182,22 @@ void ZoomIn(Long& Low, Long& High) {
   NewMaxIntensity();
   ComputeLineWidths(true);
   DrawSpectra();
+}
+
+bool ZoomBack() {
+  if (V.Zooms.empty()) return false;
+  const SpectrumViewState::Window Former = V.Zooms.back();
+  V.Zooms.pop_back();
+  Spectrum1_ZoomChanged(Former.Low, Former.High);
+  V.ViewLow = Former.Low;
+  V.ViewHigh = Former.High;
+  V.HorizontalScale = Former.Scale;
+  V.HorizontalOffset = 0;
+  SetValue(Main.HScroll1, 0);
+  NewMaxIntensity();
+  ComputeLineWidths(true);
+  DrawSpectra();
+  return true;
 }
 
 void Spectrum1_ZoomChanged(Double ZoomLow, Double ZoomHigh) {
@@ -200,10 +222,12 @@ bool FPickPeak(Long X) {
   }
   if (Nearest == V.SelectedPeak) {
     V.SelectedPeak = -1;
+    if (Additions.PeakPicked) Additions.PeakPicked(-1);
     return false;
   }
   V.SelectedPeak = Nearest;
   ShowPeakReadout(Nearest);
+  if (Additions.PeakPicked) Additions.PeakPicked(Nearest);
   return true;
 }
 

@@ -15,6 +15,8 @@ void HScroll2_Change();
 
 // Zooms to a range of the window now shown; twips on entry, pixels on return.
 void ZoomIn(Long& Low, Long& High);
+// One step back; false where no zoom has been.
+bool ZoomBack();
 void Spectrum1_ZoomChanged(Double ZoomLow, Double ZoomHigh);
 // Selects the peak nearest to a place; true when it is another one than before.
 bool FPickPeak(Long X);

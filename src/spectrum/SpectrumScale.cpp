@@ -86,6 +86,8 @@ void SetFreqLabel() {
 }
 
 void NewMaxIntensity() {
+  // A measured spectrum alone has no lines to scale by.
+  if (V.ViewPeakCount == 0 && W.MeasuredCount > 0) return;
   const auto Low = static_cast<Single>(V.ViewLow);
   const auto High = static_cast<Single>(V.ViewHigh);
   bool Found = false;
@@ -121,6 +123,13 @@ void TakeViewSize() {
   V.ViewHeight = ToInteger(Double(Main.Spectrum1.Height) / TwipsPerPixelY);
 }
 
+void FollowSurface() {
+  if (ToInteger(Double(Main.Spectrum1.Width) / TwipsPerPixelX) == V.ViewWidth) return;
+  TakeViewSize();
+  V.HorizontalScale = Divide(int(V.ViewWidth), GetHighLow());
+  ComputeLineWidths(true);
+}
+
 void FitHorizontalScale() {
   const Double Range = GetHighLow();
   if (Range > LeastRange) V.HorizontalScale = int(V.ViewWidth) / Range;
@@ -130,7 +139,7 @@ void FitHorizontalScale() {
 namespace {
 
 void ShowSurface() {
-  SetVisible(Main.MolRender1, False);
+  SetVisible(Main.MolRender1, ToFlag(PaneWidth() > 0));
   SetVisible(Main.ShieldTable, False);
   SetVisible(Main.Spectrum1, True);
   PlaceSpectrum();

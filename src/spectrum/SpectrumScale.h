@@ -26,6 +26,8 @@ Long FGetPeakRX(Double Frequency);
 void UpdateSpectrometer(Long Frequency);
 // ViewWidth and ViewHeight from the surface.
 void TakeViewSize();
+// The scales for a surface that has got another width, the window being the same.
+void FollowSurface();
 // HorizontalScale and HorizontalOffset for the window; the scale only for one wider than 1 Hz.
 void FitHorizontalScale();
 

@@ -9,6 +9,7 @@
 namespace zelvanor {
 
 SpectrumViewState SpectrumView;
+SpectrumAdditions Additions;
 
 void InitSpectrumView() {
   SpectrumView = {};

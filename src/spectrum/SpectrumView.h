@@ -1,9 +1,11 @@
 #pragma once
 
 #include <array>
+#include <functional>
+#include <vector>
 
 #include "basic/Array.h"
-#include "platform/Controls.h"
+#include "platform/Picture.h"
 
 namespace zelvanor {
 
@@ -55,7 +57,28 @@ struct SpectrumViewState {
   Long PickedPeak = 0;  // of the read-out; -1 for none
   std::array<Double, MaxEnvelopeSamples> EnvelopeSamples{};
   Array<Single> PeakWork1, PeakWork2;  // factors of each peak's line shape, beside the peak list
+
+  // Of the height, what lines and envelope have, and how many pixels their feet stand above the usual row: other
+  // drawings may share the surface.
+  Double HeightShare = 1.0;
+  int FootLift = 0;
+  // The windows that zooming has left, the last one at the end.
+  struct Window {
+    Double Low;
+    Double High;
+    Double Scale;
+  };
+  std::vector<Window> Zooms;
 };
+
+// What other rooms add to the view.
+struct SpectrumAdditions {
+  std::function<void()> BeforePaint;
+  std::function<void(DrawingContext& Context)> AfterPaint;
+  std::function<void(Long Peak)> PeakPicked;                       // -1: the pick is taken back
+  std::function<void(Double LowPpm, Double HighPpm)> RangeChosen;  // a drag with Shift
+};
+extern SpectrumAdditions Additions;
 
 extern SpectrumViewState SpectrumView;
 

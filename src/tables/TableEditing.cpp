@@ -33,7 +33,10 @@ struct CurrentCell {
 void StoreCurrentCell(int View) {
   IgnoreFailure([View] {
     const Single Value = ToSingle(PrefixNumber(CellText(Table(), Table().Row, Table().Col)));
-    if (View == ShieldingView) W.Shielding[Table().Col - 1] = Value;
+    if (View == ShieldingView) {
+      W.Shielding[Table().Col - 1] = Value;
+      ForgetShieldingError(Table().Col - 1);
+    }
     if (View == CouplingView) W.Coupling(Table().Row - 1, Table().Col - 1) = Value;
   });
   E.EditView = -1;

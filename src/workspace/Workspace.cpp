@@ -45,10 +45,26 @@ void ClearWorkspace() {
   W.LabelledAtom.ReDim(0);
   W.NMRAtomicNumber.ReDim(0);
   W.Shielding.ReDim(0);
+  W.ShieldingError.ReDim(0);
   W.ChemicalShift.ReDim(0);
   W.Coupling.ReDim(0, 0);
   for (int Set = 0; Set < NumSavedSets; ++Set) W.EquivalentSetSize[Set] = 0;
   W.NMRAtomsValid = W.ShieldingAvailable = W.CouplingAvailable = False;
+  ClearMeasured();
+}
+
+void ClearMeasured() {
+  WorkspaceState& W = Workspace;
+  W.MeasuredCount = 0;
+  W.MeasuredPoint.ReDim(0);
+  W.MeasuredFactor = 1;
+  W.MeasuredFirst = W.MeasuredLast = W.MeasuredMHz = W.IntegralTotal = 0;
+  W.IntegralCount = 0;
+  for (Text* Words : {&W.MeasuredNucleus, &W.MeasuredSolvent, &W.MeasuredTitle}) Words->clear();
+}
+
+void ForgetShieldingError(int Place) {
+  if (Place <= Workspace.ShieldingError.UpperBound()) Workspace.ShieldingError[Place] = 0;
 }
 
 void AllocatePeaks(int NumPeaks) {
@@ -61,6 +77,7 @@ void AllocatePeaks(int NumPeaks) {
 
 void ClearSpectrum() {
   AllocatePeaks(0);
+  Workspace.PeakSiteLines = 0;
   Workspace.SpectraAvailable = False;
 }
 

@@ -58,10 +58,11 @@ struct WorkspaceState {
   Array2<Integer> EquivalentAtom{10, 20};  // [set, member]
 
   // Stage 1 results, index 0..NumNMRAtoms.
-  Array<Single> Shielding;      // ppm
-  Array<Single> ChemicalShift;  // ppm: reference shielding of the element less the shielding
-  Array<Single> ShieldTensor;   // 14 for each atom at 14 i: 9 components by rows, 3 eigenvalues, isotropic, anisotropy
-  Array2<Single> Coupling;      // Hz, [NMR atom, NMR atom]
+  Array<Single> Shielding;       // ppm
+  Array<Single> ShieldingError;  // ppm, half width that two of three values keep; 0: unknown
+  Array<Single> ChemicalShift;   // ppm: reference shielding of the element less the shielding
+  Array<Single> ShieldTensor;    // 14 for each atom at 14 i: 9 components by rows, 3 eigenvalues, isotropic, anisotropy
+  Array2<Single> Coupling;       // Hz, [NMR atom, NMR atom]
 
   // Stage 2 results: a list of peaks, index 0..PeakCount. PeakCount means something only with SpectraAvailable.
   Long PeakCount = 0;
@@ -70,6 +71,33 @@ struct WorkspaceState {
   Array<Long> PeakDegeneracy;
   Array<Single> PeakLineWidth;  // Hz
   Long SpectrumSpan = 0;        // ppm: a shift well outside every real one, where nuclei that are not observed are put
+
+  // The measured spectrum beside the simulated one: points at equal distances, the largest shift first, index
+  // 0..MeasuredCount; an intensity is a point times MeasuredFactor. Places are in Hz from 0 ppm at MeasuredMHz, so that
+  // ppm are Hz / MeasuredMHz.
+  Long MeasuredCount = 0;  // 0: there is none
+  Array<Long> MeasuredPoint;
+  Double MeasuredFactor = 1;
+  Double MeasuredFirst = 0;
+  Double MeasuredLast = 0;
+  Double MeasuredMHz = 0;
+  Text MeasuredNucleus;  // as "1H"; empty where it is not known
+  Text MeasuredSolvent;
+  Text MeasuredTitle;
+  // Ranges of it that are integrated, index 0..IntegralCount, in ppm; the integrals together are IntegralTotal nuclei,
+  // or with 0 as many as the simulation has.
+  Long IntegralCount = 0;
+  Array<Double> IntegralHigh;
+  Array<Double> IntegralLow;
+  Double IntegralTotal = 0;
+
+  // Which sites make a line of the spectrum, as the backend tells: line i has the entries PeakSiteEnd(i - 1) to
+  // PeakSiteEnd(i) - 1, the largest share first. Sites count from 1, in the order of the backend's input.
+  Long PeakSiteLines = 0;  // lines that are told of; 0: nothing is known
+  Array<Long> PeakSiteEnd;
+  Array<Integer> PeakSite;
+  Array<Integer> PeakSiteShare;  // percent
+  Array<Integer> SiteOfNMRAtom;  // beside NMRAtom; 0 for one that is in no site
 
   Integer NumSpinHalfNMRAtoms;
   Integer NumSpinHalfAtoms;
@@ -134,8 +162,10 @@ struct WorkspaceState {
 
 extern WorkspaceState Workspace;
 
-// Empties the molecule, the atom sets and the stage 1 results, with their flags; ShieldTensor is not touched.
+// Empties the molecule, the atom sets, the stage 1 results and the measured spectrum, with their flags; ShieldTensor is
+// not touched.
 void ClearWorkspace();
+void ClearMeasured();
 // Empties the peak arrays and clears SpectraAvailable; PeakCount is not touched.
 void ClearSpectrum();
 
@@ -145,6 +175,9 @@ void AllocateAtomTable(int NumAtoms);
 void AllocatePeaks(int NumPeaks);
 // Gives a document with fewer atoms than NMR atoms room for a placeholder molecule, keeping what is there.
 void ExtendForResults();
+
+// A value that was typed or replaced has no error bar.
+void ForgetShieldingError(int Place);
 
 // Whether an atom number stands in LabelledAtom.
 bool IsLabelled(int AtomNumber);

@@ -60,6 +60,7 @@ void AddAtomSets() {
 
 void AddResults() {
   AddArray("Shielding", W.Shielding, CountNMRAtoms);
+  AddArray("ShieldingError", W.ShieldingError, CountNMRAtoms);
   AddArray("ChemicalShift", W.ChemicalShift, CountNMRAtoms);
   AddArray("ShieldTensor", W.ShieldTensor, [] { return int(TensorValues * W.NumNMRAtoms); });
   AddArray2("Coupling", W.Coupling, CountNMRAtoms, [](int) { return CountNMRAtoms(); });

@@ -49,9 +49,10 @@ const FileKind Kinds[] = {
 };
 
 const Target* const AllTargets[] = {
-    &BackendParamTarget, &BackendSpectTarget, &BackendTablesTarget, &DocumentTarget, &HostTextTarget,
-    &ParamResultsTarget, &ProfileTarget,      &ScriptTarget,        &SettingsTarget, &SpectResultsTarget,
-    &TypeFileTarget,     &TypeRulesTarget,    &ZMatrixTarget,
+    &BackendParamTarget, &BackendSpectTarget, &BackendTablesTarget,  &DocumentTarget,
+    &HostTextTarget,     &MeasuredFileTarget, &MeasuredFolderTarget, &PeakMapTarget,
+    &ParamResultsTarget, &ProfileTarget,      &ScriptTarget,         &SettingsTarget,
+    &SpectResultsTarget, &TypeFileTarget,     &TypeRulesTarget,      &ZMatrixTarget,
 };
 
 struct Example {

@@ -199,7 +199,7 @@ Text RunStage(Routine Stage) {
 Text Estimate(const Text& Input, const Text& Tables) {
   return RunStage([&] {
     nmrcalc::Log Report = AllLines();
-    return nmrcalc::EstimateParameters(Input, Tables, Report);
+    return nmrcalc::EstimateParameters(Input, Tables, Report).Results;
   });
 }
 
@@ -240,6 +240,7 @@ bool ReadTables(TextView Input) {
   static const Text Shifts = ReadBack(SourceFile("data/nmr_shft.abp"));
   static const Text Couplings = ReadBack(SourceFile("data/nmr_cupl.abp"));
   const bool HoldsCouplings = Input.find("[J") != TextView::npos;
+  static const Text Model = WriteInput("nmr_shft.net", ReadBack(SourceFile("data/nmr_shft.net")));
   WriteInput("nmr_shft.abp", HoldsCouplings ? TextView(Shifts) : Input);
   WriteInput("nmr_cupl.abp", HoldsCouplings ? Input : TextView(Couplings));
   return !Estimate(System, Folder()).empty();

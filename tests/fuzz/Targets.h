@@ -12,7 +12,7 @@ struct Target {
 };
 
 extern const Target BackendParamTarget, BackendSpectTarget, BackendTablesTarget, DocumentTarget, HostTextTarget,
-    ParamResultsTarget, ProfileTarget, ScriptTarget, SettingsTarget, SpectResultsTarget, TypeFileTarget,
-    TypeRulesTarget, ZMatrixTarget;
+    MeasuredFileTarget, MeasuredFolderTarget, PeakMapTarget, ParamResultsTarget, ProfileTarget, ScriptTarget,
+    SettingsTarget, SpectResultsTarget, TypeFileTarget, TypeRulesTarget, ZMatrixTarget;
 
 }  // namespace zelvanor::fuzz

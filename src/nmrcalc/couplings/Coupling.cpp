@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "nmrcalc/shifts/Shielding.h"
+#include "nmrcalc/couplings/Surroundings.h"
+#include "nmrcalc/shifts/Geometry.h"
 #include "nmrcalc/shifts/Substituents.h"
 
 namespace nmrcalc {
@@ -113,13 +114,37 @@ double OrthoCorrected(CouplingModel& Model, const std::vector<std::size_t>& Path
   return Ortho + (Nitrogens > 0 ? TableValue(Model.Tables, "J3.ring5", "besideN") : 0.0);
 }
 
+// Whether a bond outside rings keeps the conformation drawn: both carbons bear one hydrogen, and one of them is held by
+// a ring (the isopropyl group of menthol).
+bool KeepsConformation(const Molecule& System, std::size_t Left, std::size_t Right) {
+  const auto IsBranched = [&System](std::size_t Center) {
+    return System.Atoms[Center].Neighbours.size() == 4 && CountNeighbours(System, Center, 1) == 1;
+  };
+  const bool Held = System.Atoms[Left].SmallestRing != 0 || System.Atoms[Right].SmallestRing != 0;
+  return Held && IsBranched(Left) && IsBranched(Right) && IsGeometryUsable(System);
+}
+
+// Four bonds of a saturated ring system in the shape of a W.
+double OverSaturatedW(CouplingModel& Model, const std::vector<std::size_t>& Path) {
+  if (SmallestRingOfBond(Model.System, Path[1], Path[2]) == 0) return 0.0;
+  if (SmallestRingOfBond(Model.System, Path[2], Path[3]) == 0) return 0.0;
+  const double First = std::cos(TorsionAngle(Model.System, {Path[0], Path[1], Path[2], Path[3]}));
+  const double Second = std::cos(TorsionAngle(Model.System, {Path[1], Path[2], Path[3], Path[4]}));
+  if (First > 0.0 || Second > 0.0) return 0.0;
+  return TableValue(Model.Tables, "J4.w", "ring") * First * First * Second * Second;
+}
+
+int CountBranches(const Molecule& System, const std::vector<std::size_t>& Path) {
+  return CountNeighbours(System, Path[1], 6) + CountNeighbours(System, Path[2], 6) - 2;
+}
+
 double ThreeBonds(CouplingModel& Model, const std::vector<std::size_t>& Path, const std::string& Text) {
   const std::array<std::size_t, 4> Four = {Path[0], Path[1], Path[2], Path[3]};
   const Neighbour* Middle = FindBond(Model.System, Path[1], Path[2]);
   const bool InRing = SmallestRingOfBond(Model.System, Path[1], Path[2]) != 0;
   const bool InAromatic = Model.System.Atoms[Path[1]].Aromatic && Model.System.Atoms[Path[2]].Aromatic;
   if (Middle->Order == BondOrder::Double && !InAromatic) return OverDoubleBond(Model, Path, Text);
-  if (InRing && Text == "H-C3-C3-H") {
+  if (Text == "H-C3-C3-H" && (InRing || KeepsConformation(Model.System, Path[1], Path[2]))) {
     return HaasnootCoupling(Model.System, Four, SubstituentRow(Model.Tables, "J3.karplus", "H-C3-C3-H"));
   }
   if (InRing && (Text == "H-C3-C2-H" || Text == "H-C2-C3-H")) {
@@ -134,7 +159,9 @@ double ThreeBonds(CouplingModel& Model, const std::vector<std::size_t>& Path, co
   if (InAromatic && Text == "H-CA-CA-H") return OrthoCorrected(Model, Path, (*Row)[0]);
   const double Excess =
       ExcessElectronegativity(Model.System, Path[1], Path) + ExcessElectronegativity(Model.System, Path[2], Path);
-  return (*Row)[0] + (*Row)[1] * Excess;
+  const double Branches =
+      Text == "H-C3-C3-H" ? TableValue(Model.Tables, "J3.branch", "C") * CountBranches(Model.System, Path) : 0.0;
+  return (*Row)[0] + (*Row)[1] * Excess + Branches;
 }
 
 // All shortest paths from Start to atoms within reach, by their last atom.
@@ -168,9 +195,9 @@ std::map<std::size_t, std::vector<std::vector<std::size_t>>> FindPaths(const Mol
 
 const std::vector<RequiredTable>& RequiredCouplingTables() {
   static const std::vector<RequiredTable> Required = {
-      {"exchange", 1},       {"J1", 1},          {"J1.CH", 2},      {"J1.CH.ring", 1}, {"J2", 1},
-      {"J2.HCH", 2},         {"J2.HCH.ring", 1}, {"J3", 2},         {"J3.ring", 2},    {"J3.double", 4},
-      {"J3.double.ring", 1}, {"J3.ring5", 2},    {"J3.karplus", 6}, {"J4", 1},         {"J5", 1}};
+      {"exchange", 1},       {"J1", 1},       {"J1.CH", 2},      {"J1.CH.ring", 1}, {"J2", 1},      {"J2.HCH", 2},
+      {"J2.HCH.ring", 1},    {"J3", 2},       {"J3.branch", 1},  {"J4.w", 1},       {"J3.ring", 2}, {"J3.double", 4},
+      {"J3.double.ring", 1}, {"J3.ring5", 2}, {"J3.karplus", 6}, {"J4", 1},         {"J5", 1}};
   return Required;
 }
 
@@ -190,6 +217,7 @@ double EstimateAlongPath(CouplingModel& Model, const std::vector<std::size_t>& P
     case 4:
       return ThreeBonds(Model, Path, Text);
     default: {
+      if (Text == "H-C3-C3-C3-H") return OverSaturatedW(Model, Path);
       const std::vector<double>* Row = FindPathRow(Model, Path.size() == 5 ? "J4" : "J5", Text);
       return Row == nullptr ? 0.0 : (*Row)[0];
     }

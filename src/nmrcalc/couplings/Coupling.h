@@ -19,7 +19,8 @@ namespace nmrcalc {
 // is looked up in both directions; of several rows that fit, the one with the fewest stars counts.
 //
 // Three-bond couplings over a bond that can turn are means over the rotamers and do not depend on the geometry drawn.
-// In rings they follow the torsion angle.
+// In rings they follow the torsion angle, and between CH groups beside a ring, which crowd one another into one
+// conformation.
 
 const std::vector<RequiredTable>& RequiredCouplingTables();
 

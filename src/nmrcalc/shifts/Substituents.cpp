@@ -174,6 +174,13 @@ const std::vector<double>& SubstituentRow(const TableFile& File, const char* Tab
   throw zelvanor::Failure(File.Path + ": the table " + TableName + " has neither a row " + Class + " nor a row *");
 }
 
+std::size_t DoubleBondPartner(const Molecule& System, std::size_t Center, int AtomicNumber) {
+  for (const Neighbour& Bond : System.Atoms[Center].Neighbours) {
+    if (Bond.Order == BondOrder::Double && System.Atoms[Bond.Atom].AtomicNumber == AtomicNumber) return Bond.Atom;
+  }
+  return NoAtom;
+}
+
 double Electronegativity(int AtomicNumber) {
   for (const auto& [Number, Value] : Electronegativities) {
     if (Number == AtomicNumber) return Value;

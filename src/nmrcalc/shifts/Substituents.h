@@ -24,6 +24,10 @@ const std::vector<double>& SubstituentRow(const TableFile& File, const char* Tab
 // The oxygen of a carbonyl group on the carbon; whether there is one.
 bool IsCarbonyl(const Molecule& System, std::size_t Center);
 
+// The partner in a double bond of the element; NoAtom when there is none.
+inline constexpr std::size_t NoAtom = static_cast<std::size_t>(-1);
+std::size_t DoubleBondPartner(const Molecule& System, std::size_t Center, int AtomicNumber);
+
 // Pauling electronegativity; 2.2 (hydrogen) for an element without a value.
 double Electronegativity(int AtomicNumber);
 

@@ -300,11 +300,14 @@ Flag FileExists(const Text& Path) {
   }
 }
 
-bool KeepFormerContent(const Text& Path, TextView LastLine) {
+bool KeepFormerContent(const Text& Path, std::span<const TextView> LastLines) {
+  const auto IsWhole = [&](const Text& File) {
+    return std::any_of(LastLines.begin(), LastLines.end(), [&](TextView Line) { return EndsWithLine(File, Line); });
+  };
   struct stat Status {};
   if (stat(Path.c_str(), &Status) != 0 || !S_ISREG(Status.st_mode)) return false;
   // What a failed save has left half must not take the place of what it has kept.
-  if (!EndsWithLine(Path, LastLine) && EndsWithLine(FormerPath(Path), LastLine)) return true;
+  if (!IsWhole(Path) && IsWhole(FormerPath(Path))) return true;
   if (Status.st_size == 0) return false;
   CopyTo(FormerPath(Path), OpenRegular(Path));
   SyncFolderOf(Path);

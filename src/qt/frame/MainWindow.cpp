@@ -17,6 +17,7 @@
 #include "qt/controls/KeyFilter.h"
 #include "qt/frame/MenuBar.h"
 #include "qt/frame/OpenFiles.h"
+#include "qt/frame/PaneDivider.h"
 #include "qt/frame/Remembered.h"
 #include "qt/frame/ToolStrip.h"
 #include "qt/help/HelpWindow.h"
@@ -46,12 +47,16 @@ class WorkArea : public QWidget {
     Hint = MakeWorkHint(this);
     Strip = MakeToolStrip(this);
     for (Control* Item : WorkControls) MakeWidget(*Item, this);
+    Divider = MakePaneDivider(this);
     // The scales of the spectrum follow one resize behind.
     Settled.setObjectName("settled");
     Settled.setSingleShot(true);
     Settled.setInterval(SettleMilliseconds);
     QObject::connect(&Settled, &QTimer::timeout, this, [] { Dispatch([] { Fire(Main.frmNMR.Resize); }); });
-    AfterDispatch = [this] { ShowWorkHint(Hint); };
+    AfterDispatch = [this] {
+      ShowWorkHint(Hint);
+      PlacePaneDivider(Divider);
+    };
   }
 
   ~WorkArea() override { AfterDispatch = {}; }
@@ -71,6 +76,7 @@ class WorkArea : public QWidget {
  private:
   QLabel* Hint = nullptr;
   QWidget* Strip = nullptr;
+  QWidget* Divider = nullptr;
   QTimer Settled{this};
 };
 

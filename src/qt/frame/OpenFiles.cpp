@@ -4,8 +4,10 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include "measured/MeasuredCommands.h"
 #include "platform/Form.h"
 #include "qt/Dispatch.h"
+#include "qt/TextConversion.h"
 #include "qt/controls/Boxes.h"
 #include "shell/MainForm.h"
 
@@ -14,7 +16,8 @@ namespace zelvanor {
 void OpenDocument(const Text& Path) {
   if (Path.empty()) return;
   QueueFile(Path);
-  DispatchEvent(Main.mnuFileOpen, Main.mnuFileOpen.Click);
+  MenuItem& Command = LooksMeasured(Path) ? Main.mnuFileOpenMeasured : Main.mnuFileOpen;
+  DispatchEvent(Command, Command.Click);
   // The user may have cancelled before the dialog's turn came.
   QueueFile({});
 }
@@ -27,7 +30,8 @@ bool MayOpenDocuments() {
 QString FirstLocalFile(const QMimeData& Dragged) {
   for (const QUrl& Place : Dragged.urls()) {
     QString Path = Place.toLocalFile();
-    if (!Path.isEmpty() && QFileInfo(Path).isFile()) return Path;
+    const QFileInfo Found(Path);
+    if (!Path.isEmpty() && (Found.isFile() || (Found.isDir() && LooksMeasured(PathFromQt(Path))))) return Path;
   }
   return {};
 }

@@ -8,13 +8,14 @@ namespace zelvanor {
 
 // Files that come from elsewhere than the Open dialog: the command line, and what is dropped on the window.
 
-// Runs the Open command with this file as the answer of its dialog; a question about unsaved work comes first.
+// Runs the Open command, or for a measured spectrum Open Measured, with this file as the answer of its dialog; a
+// question about unsaved work comes first.
 void OpenDocument(const Text& Path);
 
 // False while a command works, a dialog is open or the Open command is off.
 bool MayOpenDocuments();
 
-// The first local file among what is dragged; empty for none.
+// The first local file, or folder of a spectrometer, among what is dragged; empty for none.
 QString FirstLocalFile(const QMimeData& Dragged);
 
 }  // namespace zelvanor

@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QTimer>
 
+#include "pictures/ViewPictures.h"
 #include "platform/Services.h"
 #include "platform/posix/PosixServices.h"
 #include "qt/Dispatch.h"
@@ -50,6 +51,7 @@ void UseQtServices() {
   Platform.ShowHelp = ShowHelpWindow;
   Platform.GetClipboard = [] { return FromQt(QGuiApplication::clipboard()->text()); };
   Platform.SetClipboard = [](const Text& Value) { QGuiApplication::clipboard()->setText(ToQt(Value)); };
+  Platform.WriteViewPicture = pictures::WriteViewPicture;
   Platform.SetClipboardPicture = [](const ChartControl& Chart) {
     QGuiApplication::clipboard()->setImage(ChartImage(Chart));
   };

@@ -2,6 +2,7 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
 
@@ -78,7 +79,7 @@ class PictureView : public KeyedSurface {
     }
     if (IsSpectrum()) {
       PaintSelectedLine(Painter);
-      if (!IsSet(Workspace.SpectraAvailable)) PaintSpectrumHint(Painter);
+      if (!IsSet(Workspace.SpectraAvailable) && Workspace.MeasuredCount == 0) PaintSpectrumHint(Painter);
     }
     if (ShowsFocus) PaintFocusFrame(Painter, rect());
   }
@@ -98,6 +99,12 @@ class PictureView : public KeyedSurface {
   void mousePressEvent(QMouseEvent* Mouse) override { Tell(Surface.MouseDown, *Mouse, Mouse->button()); }
   void mouseReleaseEvent(QMouseEvent* Mouse) override { Tell(Surface.MouseUp, *Mouse, Mouse->button()); }
   void mouseMoveEvent(QMouseEvent* Mouse) override { Tell(Surface.MouseMove, *Mouse, Mouse->buttons()); }
+  void wheelEvent(QWheelEvent* Wheel) override {
+    constexpr qreal NotchOfWheel = 120;
+    if (!Surface.MouseWheel || !MayAct(Surface)) return QWidget::wheelEvent(Wheel);
+    Wheel->accept();
+    Dispatch([&] { Surface.MouseWheel(Wheel->angleDelta().y() / NotchOfWheel, ShiftCode(Wheel->modifiers())); });
+  }
 
  private:
   void Tell(const PictureSurface::MouseEvent& Handler, const QMouseEvent& Mouse, Qt::MouseButtons Buttons) {

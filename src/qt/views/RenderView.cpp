@@ -29,6 +29,7 @@ class RenderView : public KeyedSurface {
  public:
   RenderView(RenderControl& View, QWidget* Parent) : KeyedSurface(Parent), View(View) {
     setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
     setContextMenuPolicy(Qt::PreventContextMenu);  // the right button is the program's
   }
 

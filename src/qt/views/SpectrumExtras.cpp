@@ -81,7 +81,8 @@ void PaintSelectedLine(QPainter& Painter) {
 }
 
 bool PressSpectrumKey(const QKeyEvent& Key) {
-  if (!IsSet(Workspace.SpectraAvailable) || !MayAct(Main.Spectrum1)) return false;
+  const bool Shown = IsSet(Workspace.SpectraAvailable) || Workspace.MeasuredCount > 0;
+  if (!Shown || !MayAct(Main.Spectrum1)) return false;
   const bool Ctrl = Key.modifiers() & Qt::ControlModifier;
   switch (Key.key()) {
     case Qt::Key_Left:
@@ -108,17 +109,24 @@ bool PressSpectrumKey(const QKeyEvent& Key) {
 }
 
 QString DescribeSpectrum() {
-  if (!IsSet(Workspace.SpectraAvailable)) return {};
+  if (!IsSet(Workspace.SpectraAvailable) && Workspace.MeasuredCount == 0) return {};
   const double MHz = SpectrumView.SpectrometerMHz;
   const auto Ppm = [MHz](double Frequency) {
     return MHz == 0.0 ? QString() : QString::number(-Frequency / MHz, 'f', 3);
   };
   const double Offset = SpectrumView.HorizontalOffset;
-  return QString(
+  const QString Measured = Workspace.MeasuredCount > 0 ? QString("Measured spectrum %1, %2 integrals. ")
+                                                             .arg(ToQt(Workspace.MeasuredTitle))
+                                                             .arg(Workspace.IntegralCount)
+                                                       : QString();
+  return Measured +
+         QString(
              "%1 lines; shown from %2 to %3 ppm. Left and right pan, up and down change the line width, plus and "
-             "minus zoom, Ctrl with left and right picks the next line.")
-      .arg(SpectrumView.ListPeakCount)
-      .arg(Ppm(SpectrumView.ViewLow + Offset), Ppm(SpectrumView.ViewHigh + Offset));
+             "minus zoom, Backspace goes one zoom back, Ctrl with left and right picks the next line, Ctrl with up and "
+             "down "
+             "stretches the measured spectrum.")
+             .arg(SpectrumView.ListPeakCount)
+             .arg(Ppm(SpectrumView.ViewLow + Offset), Ppm(SpectrumView.ViewHigh + Offset));
 }
 
 }  // namespace zelvanor

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "platform/Picture.h"
+
+namespace zelvanor {
+
+// What the spectrum's drawing calls: how the surface is shared, and everything that is drawn behind lines and envelope.
+void ShareSurface();
+void DrawAdditions(DrawingContext& Context);
+
+}  // namespace zelvanor

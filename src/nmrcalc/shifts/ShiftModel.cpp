@@ -1,0 +1,294 @@
+#include "nmrcalc/shifts/ShiftModel.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "nmrcalc/shifts/Equivalence.h"
+#include "nmrcalc/spins/LinearAlgebra.h"
+
+namespace nmrcalc {
+
+namespace {
+
+// Scales of the outputs, the same as in training/: shift = Mean + Spread * output, ppm; error scale = Base * exp
+// (output).
+struct OutputScale {
+  double Mean;
+  double Spread;
+  double Base;
+};
+constexpr std::array<OutputScale, NumHeavyNuclei> HeavyScales = {{{100.0, 40.0, 2.0},
+                                                                  {20.0, 40.0, 8.0},
+                                                                  {-100.0, 40.0, 4.0},
+                                                                  {0.0, 25.0, 3.0},
+                                                                  {-200.0, 100.0, 10.0},
+                                                                  {200.0, 150.0, 15.0},
+                                                                  {-10.0, 30.0, 5.0},
+                                                                  {-2500.0, 1000.0, 50.0}}};
+constexpr OutputScale HydrogenScale = {4.0, 3.0, 0.2};
+constexpr double LeastLogScale = -5.0;
+constexpr double LargestLogScale = 4.0;
+
+// Rows of numbers, one for each node or hydrogen.
+struct Rows {
+  std::size_t Count = 0;
+  std::size_t Width = 0;
+  std::vector<double> Values{};
+  double* Row(std::size_t Index) { return Values.data() + Index * Width; }
+  const double* Row(std::size_t Index) const { return Values.data() + Index * Width; }
+};
+
+Rows MakeRows(std::size_t Count, std::size_t Width) { return {Count, Width, std::vector<double>(Count * Width)}; }
+
+double Silu(double Value) { return Value / (1.0 + std::exp(-Value)); }
+
+Rows ApplyLayer(const DenseLayer& Layer, const Rows& Inputs) {
+  Rows Outputs = MakeRows(Inputs.Count, Layer.Weights.Rows);
+  if (Inputs.Count == 0) return Outputs;
+  MultiplyTransposed(Layer.Weights.Values.data(), Inputs.Values.data(), Outputs.Values.data(), Layer.Weights.Rows,
+                     Inputs.Count, Inputs.Width);
+  for (std::size_t Index = 0; Index < Outputs.Count; ++Index) {
+    for (std::size_t K = 0; K < Outputs.Width; ++K) Outputs.Row(Index)[K] += Layer.Bias.Values[K];
+  }
+  return Outputs;
+}
+
+Rows ApplySilu(Rows Inputs) {
+  for (double& Value : Inputs.Values) Value = Silu(Value);
+  return Inputs;
+}
+
+Rows Normalise(const Rows& Inputs) {
+  Rows Outputs = Inputs;
+  constexpr double Smallest = 1e-5;
+  for (std::size_t Index = 0; Index < Outputs.Count; ++Index) {
+    double* Row = Outputs.Row(Index);
+    const auto Width = static_cast<double>(Outputs.Width);
+    double Mean = 0.0;
+    for (std::size_t K = 0; K < Outputs.Width; ++K) Mean += Row[K] / Width;
+    double Variance = 0.0;
+    for (std::size_t K = 0; K < Outputs.Width; ++K) Variance += (Row[K] - Mean) * (Row[K] - Mean) / Width;
+    const double Factor = 1.0 / std::sqrt(Variance + Smallest);
+    for (std::size_t K = 0; K < Outputs.Width; ++K) Row[K] = (Row[K] - Mean) * Factor;
+  }
+  return Outputs;
+}
+
+// The columns of several rows side by side.
+Rows JoinColumns(const std::vector<const Rows*>& Parts) {
+  std::size_t Width = 0;
+  for (const Rows* Part : Parts) Width += Part->Width;
+  Rows Joined = MakeRows(Parts[0]->Count, Width);
+  std::size_t First = 0;
+  for (const Rows* Part : Parts) {
+    for (std::size_t Index = 0; Index < Joined.Count; ++Index) {
+      std::copy_n(Part->Row(Index), Part->Width, Joined.Row(Index) + First);
+    }
+    First += Part->Width;
+  }
+  return Joined;
+}
+
+// Where a distance stands among the rows of a table: between Row and the next one.
+struct DistancePlace {
+  bool Counts = false;
+  std::size_t Row = 0;
+  double Share = 0.0;
+};
+
+DistancePlace PlaceOf(float Distance) {
+  if (Distance == NoDistance) return {};
+  if (Distance == UnknownDistance) return {true, NumDistanceRows - 1, 0.0};
+  const double Largest = static_cast<double>(NumDistanceRows) - 2.001;
+  const double Place = std::clamp((Distance - FirstDistance) / DistanceStep, 0.0, Largest);
+  const auto Row = static_cast<std::size_t>(Place);
+  return {true, Row, Place - static_cast<double>(Row)};
+}
+
+// The messages along edges: first columns of the two ends in Ends, target rows by the edges' To.
+Rows SumMessages(const EdgeWeights& Weights, const std::vector<ShiftEdge>& Edges, std::size_t Count, const Rows& To,
+                 std::size_t ToColumn, const Rows& From, std::size_t FromColumn,
+                 std::size_t (*GroupOf)(std::size_t Class)) {
+  const std::size_t Width = Weights.Additive.Columns;
+  Rows Sums = MakeRows(Count, Width);
+  std::vector<double> ByDistance(Width);
+  for (const ShiftEdge& Edge : Edges) {
+    const double* A = To.Row(Edge.To) + ToColumn;
+    const double* B = From.Row(Edge.From) + FromColumn;
+    const double* G = Weights.Additive.Values.data() + Edge.Class * Width;
+    const double* W = Weights.Factor.Values.data() + Edge.Class * Width;
+    double* Target = Sums.Row(Edge.To);
+    std::fill(ByDistance.begin(), ByDistance.end(), 0.0);
+    const DistancePlace Place = Weights.ByDistance.Rows == 0 ? DistancePlace{} : PlaceOf(Edge.Distance);
+    if (Place.Counts) {
+      const double* Near =
+          Weights.ByDistance.Values.data() + (GroupOf(Edge.Class) * NumDistanceRows + Place.Row) * Width;
+      const double* Far = Place.Share > 0.0 ? Near + Width : Near;
+      for (std::size_t K = 0; K < Width; ++K) ByDistance[K] = (1.0 - Place.Share) * Near[K] + Place.Share * Far[K];
+    }
+    for (std::size_t K = 0; K < Width; ++K) {
+      Target[K] += static_cast<double>(Edge.Weight) * W[K] * Silu(A[K] + B[K] + G[K] + ByDistance[K]);
+    }
+  }
+  return Sums;
+}
+
+// What the network knows of every node behind its layers.
+Rows DescribeNodes(const ShiftNetwork& Network, const ShiftGraph& Graph) {
+  const std::size_t Count = Graph.HeavyAtoms.size();
+  Rows State = MakeRows(Count, Network.Embedding.Columns);
+  for (std::size_t Node = 0; Node < Count; ++Node) {
+    for (const std::uint16_t Row : Graph.Features[Node]) {
+      const double* Source = Network.Embedding.Values.data() + Row * State.Width;
+      for (std::size_t K = 0; K < State.Width; ++K) State.Row(Node)[K] += Source[K];
+    }
+  }
+  for (const MessageLayer& Layer : Network.Layers) {
+    const Rows Level = Normalise(State);
+    const Rows Ends = ApplyLayer(Layer.Ends, Level);
+    const std::size_t BondWidth = Layer.Bonds.Additive.Columns;
+    const std::size_t PairWidth = Layer.Pairs.Additive.Columns;
+    const Rows Bonds = SumMessages(Layer.Bonds, Graph.Bonds, Count, Ends, 0, Ends, BondWidth, &PairGroup);
+    const Rows Pairs =
+        SumMessages(Layer.Pairs, Graph.Pairs, Count, Ends, 2 * BondWidth, Ends, 2 * BondWidth + PairWidth, &PairGroup);
+    const Rows Change =
+        ApplyLayer(Layer.Outer, ApplySilu(ApplyLayer(Layer.Inner, JoinColumns({&Level, &Bonds, &Pairs}))));
+    for (std::size_t K = 0; K < State.Values.size(); ++K) State.Values[K] += Change.Values[K];
+  }
+  return Normalise(State);
+}
+
+// Rows of the hydrogens' heavy neighbours, the mean where there are several.
+Rows MeanOfParents(const Rows& Nodes, const ShiftGraph& Graph) {
+  Rows Means = MakeRows(Graph.Hydrogens.size(), Nodes.Width);
+  for (std::size_t Hydrogen = 0; Hydrogen < Means.Count; ++Hydrogen) {
+    const auto& Parents = Graph.Parents[Hydrogen];
+    for (const std::uint32_t Node : Parents) {
+      for (std::size_t K = 0; K < Nodes.Width; ++K) {
+        Means.Row(Hydrogen)[K] += Nodes.Row(Node)[K] / static_cast<double>(Parents.size());
+      }
+    }
+  }
+  return Means;
+}
+
+Rows DescribeHydrogens(const ShiftNetwork& Network, const ShiftGraph& Graph, const Rows& Nodes) {
+  const std::size_t Count = Graph.Hydrogens.size();
+  const std::size_t EdgeWidth = Network.HydrogenEdges.Additive.Columns;
+  const std::size_t ContactWidth = Network.Contacts.Additive.Columns;
+  const Rows Ends = ApplyLayer(Network.HydrogenEnds, Nodes);
+  const Rows Own = MeanOfParents(Ends, Graph);
+  const Rows Edges =
+      SumMessages(Network.HydrogenEdges, Graph.HydrogenEdges, Count, Own, 0, Ends, EdgeWidth, &HydrogenGroup);
+  const Rows Contacts = SumMessages(Network.Contacts, Graph.Contacts, Count, Own, 2 * EdgeWidth, Own,
+                                    2 * EdgeWidth + ContactWidth, &ContactGroup);
+  const Rows Parents = MeanOfParents(Nodes, Graph);
+  const Rows Inner = ApplySilu(ApplyLayer(Network.HydrogenInner, JoinColumns({&Parents, &Edges, &Contacts})));
+  return ApplyLayer(Network.HydrogenOuter, ApplySilu(ApplyLayer(Network.HydrogenMiddle, Inner)));
+}
+
+void AverageGroups(const std::vector<std::uint32_t>& Groups, std::vector<ShiftEstimate>& Items) {
+  std::vector<ShiftEstimate> Sums(Items.size());
+  std::vector<double> Counts(Items.size());
+  for (std::size_t Index = 0; Index < Items.size(); ++Index) {
+    Sums[Groups[Index]].Shift += Items[Index].Shift;
+    Sums[Groups[Index]].Error += Items[Index].Error;
+    Counts[Groups[Index]] += 1.0;
+  }
+  for (std::size_t Index = 0; Index < Items.size(); ++Index) {
+    Items[Index].Shift = Sums[Groups[Index]].Shift / Counts[Groups[Index]];
+    Items[Index].Error = Sums[Groups[Index]].Error / Counts[Groups[Index]];
+  }
+}
+
+double LogScale(double Output) { return std::exp(std::clamp(Output, LeastLogScale, LargestLogScale)); }
+
+double ErrorBar(const ErrorCalibration& Calibration, double Scale, bool Seen) {
+  const double Bar = std::max(Calibration.Factor * std::pow(Scale, Calibration.Power), Calibration.Least);
+  return Seen ? Bar : Bar * Calibration.Unseen;
+}
+
+// Hydrogens on nitrogen, oxygen, sulfur: where they are seen depends on solvent, concentration and temperature.
+bool MayExchange(const Atom& Parent) {
+  return Parent.AtomicNumber == 7 || Parent.AtomicNumber == 8 || Parent.AtomicNumber == 16;
+}
+
+bool IsKnown(const ShiftModel& Model, std::uint32_t Hash) {
+  return std::binary_search(Model.KnownSurroundings.begin(), Model.KnownSurroundings.end(), Hash);
+}
+
+}  // namespace
+
+std::vector<std::uint32_t> HashAllSurroundings(const ShiftGraph& Graph) {
+  constexpr std::size_t TypeSlot = 3;  // element, hybridisation and hydrogens in one
+  const auto Spread = [](std::uint64_t Value) {
+    Value = (Value ^ (Value >> 31)) * 0x9E3779B97F4A7C15ULL;
+    return Value ^ (Value >> 29);
+  };
+  std::vector<std::uint64_t> Sums(Graph.HeavyAtoms.size());
+  for (const ShiftEdge& Edge : Graph.Bonds) {
+    const std::uint64_t Order = Edge.Class / (NumBondClasses / 5);
+    Sums[Edge.To] += Spread(Graph.Features[Edge.From][TypeSlot] * 8 + Order + 1);
+  }
+  std::vector<std::uint32_t> Hashes;
+  for (std::size_t Node = 0; Node < Sums.size(); ++Node) {
+    const auto& Rows = Graph.Features[Node];
+    Hashes.push_back(static_cast<std::uint32_t>(Spread(Sums[Node] + Rows[TypeSlot] * 4096ULL + Rows[0]) >> 16));
+  }
+  return Hashes;
+}
+
+ShiftPrediction PredictShifts(const ShiftModel& Model, const Molecule& System) {
+  const ShiftGraph Graph = MakeShiftGraph(System);
+  const std::size_t NumNodes = Graph.HeavyAtoms.size();
+  ShiftPrediction Result{.Nodes = std::vector<ShiftEstimate>(NumNodes),
+                         .Hydrogens = std::vector<ShiftEstimate>(Graph.Hydrogens.size())};
+  const std::vector<std::uint32_t> Hashes = HashAllSurroundings(Graph);
+  const double Share = 1.0 / static_cast<double>(Model.Networks.size());
+  std::vector<std::size_t> Nucleus(NumNodes);
+  for (std::size_t Node = 0; Node < NumNodes; ++Node) {
+    const int Z = System.Atoms[Graph.HeavyAtoms[Node]].AtomicNumber;
+    Nucleus[Node] =
+        static_cast<std::size_t>(std::find(HeavyNuclei.begin(), HeavyNuclei.end(), Z) - HeavyNuclei.begin());
+    Result.Nodes[Node].Known = Nucleus[Node] < NumHeavyNuclei;
+    Result.Nodes[Node].Seen = IsKnown(Model, Hashes[Node]);
+  }
+  for (const ShiftNetwork& Network : Model.Networks) {
+    const Rows Nodes = DescribeNodes(Network, Graph);
+    const Rows Heavy = ApplyLayer(Network.HeavyOuter, ApplySilu(ApplyLayer(Network.HeavyInner, Nodes)));
+    for (std::size_t Node = 0; Node < NumNodes; ++Node) {
+      if (!Result.Nodes[Node].Known) continue;
+      const std::size_t K = Nucleus[Node];
+      const double* Output = Heavy.Row(Node);
+      Result.Nodes[Node].Shift += Share * (HeavyScales[K].Mean + HeavyScales[K].Spread * Output[K]);
+      Result.Nodes[Node].Error += Share * HeavyScales[K].Base * LogScale(Output[NumHeavyNuclei + K]);
+    }
+    const Rows Hydrogens = DescribeHydrogens(Network, Graph, Nodes);
+    for (std::size_t Hydrogen = 0; Hydrogen < Hydrogens.Count; ++Hydrogen) {
+      const double* Output = Hydrogens.Row(Hydrogen);
+      ShiftEstimate& Item = Result.Hydrogens[Hydrogen];
+      Item.Known = !Graph.Parents[Hydrogen].empty();
+      // Computed values of hydrogens on other atoms than carbon are those of the gas phase.
+      const bool OnCarbon = Item.Known && System.Atoms[Graph.HeavyAtoms[Graph.Parents[Hydrogen][0]]].AtomicNumber == 6;
+      Item.Shift += Share * (HydrogenScale.Mean + HydrogenScale.Spread * Output[0] +
+                             (OnCarbon ? Model.ComputedShare * Output[1] : 0.0));
+      Item.Error += Share * HydrogenScale.Base * LogScale(Output[2]);
+    }
+  }
+  const Equivalence Groups = FindEquivalence(System, Graph);
+  AverageGroups(Groups.NodeGroup, Result.Nodes);
+  AverageGroups(Groups.HydrogenGroup, Result.Hydrogens);
+  for (std::size_t Node = 0; Node < NumNodes; ++Node) {
+    ShiftEstimate& Item = Result.Nodes[Node];
+    if (Item.Known) Item.Error = ErrorBar(Model.Errors[Nucleus[Node]], Item.Error, Item.Seen);
+  }
+  for (std::size_t Hydrogen = 0; Hydrogen < Result.Hydrogens.size(); ++Hydrogen) {
+    ShiftEstimate& Item = Result.Hydrogens[Hydrogen];
+    for (const std::uint32_t Node : Graph.Parents[Hydrogen]) Item.Seen = Item.Seen && Result.Nodes[Node].Seen;
+    const bool Exchanges = Item.Known && MayExchange(System.Atoms[Graph.HeavyAtoms[Graph.Parents[Hydrogen][0]]]);
+    Item.Error = ErrorBar(Model.Errors[NumHeavyNuclei + (Exchanges ? 1 : 0)], Item.Error, Item.Seen);
+  }
+  return Result;
+}
+
+}  // namespace nmrcalc
