@@ -17,6 +17,7 @@
 #include "nmrcalc/engines/Engine.h"
 #include "nmrcalc/engines/Geometry.h"
 #include "nmrcalc/input/InputText.h"
+#include "nmrcalc/input/SpinSettings.h"
 #include "nmrcalc/spins/LinearAlgebra.h"
 #include "nmrcalc/spins/Spectrum.h"
 
@@ -37,6 +38,8 @@ struct StageFiles {
   const char* Input;
   const char* Output;
 };
+constexpr const char* SettingsFile = "nmr_spin.abp";
+constexpr const char* MapFile = "nmrspect.map";
 // Stage 3 is the fit of a spectrum; it has no program here yet.
 constexpr StageFiles Stages[] = {
     {"nmrparam.in", "nmrparam.out"}, {"nmrspect.in", "nmrspect.out"}, {"", ""}, {"nmrgeom.in", "nmrgeom.out"}};
@@ -93,13 +96,22 @@ int FindLogLevel(const CommandLine& Command) {
   }
 }
 
-std::string RunStage(const CommandLine& Command, Log& Report) {
+// What a stage writes: its output file and, where it has more to tell, another file beside it.
+struct StageOutput {
+  std::string Text{};
+  std::string Map{};
+};
+
+StageOutput RunStage(const CommandLine& Command, Log& Report) {
   const std::string Input = PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Input);
-  if (Command.Stage == 1) return RunEngines(Input, Command.ParameterDirectory, Command.WorkDirectory, Report);
-  if (Command.Stage == 4) return OptimiseGeometry(Input, Command.WorkDirectory, Report);
+  if (Command.Stage == 1) {
+    return {.Text = RunEngines(Input, Command.ParameterDirectory, Command.WorkDirectory, Report)};
+  }
+  if (Command.Stage == 4) return {.Text = OptimiseGeometry(Input, Command.WorkDirectory, Report)};
+  const SpinSettings Settings = ReadSpinSettings(PathIn(Command.ParameterDirectory, SettingsFile));
   const SpectrumInput System = ReadSpectrumInput(Input);
   AddToLog(Report, 0,
-           std::string("Stage 2: ") + (System.WeakCoupling ? "first-order" : "exact") + " simulation of " +
+           std::string("Stage 2: ") + (System.WeakCoupling ? "first-order " : "") + "simulation of " +
                std::to_string(System.Sites.size()) + " sites at " + FixedNumber(System.Field, 3) + " MHz");
   for (std::size_t Site = 0; Site < System.Sites.size() && LogWants(Report, 2); ++Site) {
     const SpinSite& Own = System.Sites[Site];
@@ -108,13 +120,13 @@ std::string RunStage(const CommandLine& Command, Log& Report) {
                  std::to_string(Own.Degeneracy) + " spins, " + FixedNumber(Own.Shift, 3) + " ppm" +
                  (Own.Observed ? "" : ", not observed"));
   }
-  const std::vector<Line> Lines = SimulateSpectrum(System, UsableShare * FreeMemory(), Report);
-  AddToLog(Report, 0, std::to_string(Lines.size()) + " lines");
-  return FormatSpectrum(System, Lines);
+  const Spectrum Result = SimulateSpectrum(System, Settings, UsableShare * FreeMemory(), Report);
+  AddToLog(Report, 0, std::to_string(Result.Lines.size()) + " lines");
+  return {.Text = FormatSpectrum(Result), .Map = FormatSpectrumMap(System, Result)};
 }
 
 // The output of the stage, or its failure as one ERRMSG line; Failed tells which.
-std::string RunStageSafely(const CommandLine& Command, Log& Report, bool& Failed) {
+StageOutput RunStageSafely(const CommandLine& Command, Log& Report, bool& Failed) {
   std::string Reason;
   try {
     Failed = false;
@@ -128,7 +140,7 @@ std::string RunStageSafely(const CommandLine& Command, Log& Report, bool& Failed
   }
   Failed = true;
   AddToLog(Report, 0, "Failed: " + Reason);
-  return ErrorReport(Reason);
+  return {.Text = ErrorReport(Reason)};
 }
 
 // Matrices come and go by the thousand. Kept in the heap, their pages are paid for once and not at each use.
@@ -159,13 +171,24 @@ int RunCommand(const CommandLine& Command) {
   KeepFreedMemory();
   Log Report{.Path = Command.LogPath, .Level = Command.LogPath.empty() ? 0 : FindLogLevel(Command)};
   bool Failed = false;
+  // The map of an earlier spectrum must never stand beside another one.
+  const std::string MapPath = PathIn(Command.WorkDirectory, MapFile);
+  std::error_code Ignored;
+  if (Command.Stage == 2) std::filesystem::remove(MapPath, Ignored);
   StartProgress(Command.WorkDirectory, Command.Stage);
-  std::string Output = RunStageSafely(Command, Report, Failed);
+  const StageOutput Output = RunStageSafely(Command, Report, Failed);
   EndProgress();
   try {
-    WriteOutput(PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Output), Output);
+    if (!Output.Map.empty()) WriteOutput(MapPath, Output.Map);
+  } catch (const zelvanor::Failure& Problem) {
+    AddToLog(Report, 0, "No map: " + Problem.What);
+    std::filesystem::remove(MapPath, Ignored);
+  }
+  try {
+    WriteOutput(PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Output), Output.Text);
   } catch (const zelvanor::Failure& Problem) {
     Failed = true;
+    if (Command.Stage == 2) std::filesystem::remove(MapPath, Ignored);
     AddToLog(Report, 0, "Failed: " + Problem.What);
     std::fprintf(stderr, "nmrcalc.exe: %s.\n", Problem.What.c_str());
   }

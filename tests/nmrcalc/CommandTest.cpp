@@ -1,7 +1,10 @@
+#include <chrono>
 #include <cstdlib>
+#include <thread>
 
 #include "Helpers.h"
 #include "nmrcalc/Command.h"
+#include "nmrcalc/Progress.h"
 #include "nmrcalc/input/InputText.h"
 
 namespace nmrcalc::testing {
@@ -98,6 +101,22 @@ TEST(StageTwo, WritesThePeakListByRisingFrequency) {
             "1429.50000000 4.000000000 2 0.500\n1436.50000000 12.000000000 6 0.500\n"
             "1443.50000000 12.000000000 6 0.500\n1450.50000000 4.000000000 2 0.500\n");
   EXPECT_FALSE(std::filesystem::exists(Directory.Path + "/nmrspect.out.tmp"));
+  EXPECT_EQ(Directory.Read("nmrspect.map"), "map 1 8\n1:100\n1:100\n1:100\n3:100\n2:100\n2:100\n2:100\n2:100\n");
+  Directory.Write("nmrspect.in", "no input");
+  EXPECT_EQ(RunStageIn(Directory, 2), 1);
+  EXPECT_EQ(Directory.Read("nmrspect.map"), "");
+}
+
+TEST(Progress, IsToldAndTakenAway) {
+  const TemporaryDirectory Directory;
+  StartProgress(Directory.Path, 2);
+  std::this_thread::sleep_for(std::chrono::milliseconds(150));
+  ReportProgress(3, 7, "blocks of states");
+  const std::string Text = Directory.Read("nmrprogress.out");
+  EXPECT_EQ(Text.rfind("2 3 7 0.", 0), 0u) << Text;
+  EXPECT_EQ(Text.substr(9), " blocks of states\n");
+  EndProgress();
+  EXPECT_EQ(Directory.Read("nmrprogress.out"), "");
 }
 
 TEST(CommandLines, AreTakenAsTheyStand) {

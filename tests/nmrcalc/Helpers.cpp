@@ -12,7 +12,7 @@ namespace nmrcalc::testing {
 
 std::vector<Line> Simulate(const SpectrumInput& Input) {
   Log Silent;
-  return SimulateSpectrum(Input, 4e9, Silent);
+  return SimulateSpectrum(Input, {}, 4e9, Silent).Lines;
 }
 
 std::vector<Line> SimulateByBruteForce(const SpectrumInput& Input) {

@@ -1,6 +1,7 @@
 #include "Helpers.h"
 #include "nmrcalc/Estimate.h"
 #include "nmrcalc/input/ParamInput.h"
+#include "nmrcalc/input/SpinSettings.h"
 #include "nmrcalc/input/Tables.h"
 #include "nmrcalc/spins/Spectrum.h"
 
@@ -145,6 +146,19 @@ TEST(ParamInputFile, ComplaintsNameTheLine) {
                     {20, "atom 1 - F ** - 0 0 0 0 13 2 s", "0 to 12"},
                     {21, "atom 2 - H ** - 0 0 zero 0 1 1 s", "a coordinate"}},
                    [](const std::string& Path) { ReadParamInput(Path); });
+}
+
+TEST(SpinSettingsFile, ComplaintsNameTheLine) {
+  const TemporaryDirectory Directory;
+  EXPECT_EQ(ReadSpinSettings(Directory.Path + "/none").TimeBudget, 20.0);
+  EXPECT_EQ(ReadSpinSettings(Directory.Write("good", "; all\nTolerance 0.01 ; percent\n")).Tolerance, 0.01);
+  ExpectComplaints({"ExactTime 1", "TimeBudget 5"},
+                   {{1, "Tolerance", "should have one number"},
+                    {1, "Tolerance -1", "should lie in 0 to 100"},
+                    {1, "Patience 3", "no setting of the name Patience"},
+                    {2, "ExactTime 2", "is there twice"},
+                    {1, "TimeBudget soon", "should be a number"}},
+                   [](const std::string& Path) { ReadSpinSettings(Path); });
 }
 
 TEST(TableFiles, ComplaintsNameTheLine) {

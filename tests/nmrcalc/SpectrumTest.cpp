@@ -3,7 +3,10 @@
 #include <numbers>
 
 #include "Helpers.h"
+#include "nmrcalc/spins/BinnedLines.h"
 #include "nmrcalc/spins/Blocks.h"
+#include "nmrcalc/spins/Cut.h"
+#include "nmrcalc/spins/Groups.h"
 #include "nmrcalc/spins/Spectrum.h"
 #include "nmrcalc/spins/SpinSystem.h"
 
@@ -274,25 +277,88 @@ TEST(Multiplicities, AddUpToAllStates) {
   }
 }
 
-struct Refusal {
+// Equal sites are found: the lines are those of the sites as they stand, and the map parts a group among its members.
+TEST(Groups, HiddenEqualSitesGiveTheSameLines) {
+  const std::vector<Pair> Pairs = {{0, 1, 6.5}, {0, 2, 2.0}, {1, 2, 4.0},  {2, 3, 4.0},  {2, 4, 4.0},
+                                   {0, 3, 6.5}, {0, 4, 6.5}, {1, 3, -9.0}, {1, 4, -9.0}, {3, 4, -9.0}};
+  const auto Input = MakeInput(100.0, {1.10, 1.0, 1.25, 1.0, 1.0}, {}, Pairs);
+  EXPECT_EQ(GroupEquivalentSites(Input).Members, (std::vector<std::vector<std::size_t>>{{0}, {1, 3, 4}, {2}}));
+  ExpectSameLines(Simulate(Input), SimulateByBruteForce(Input));
+  auto Other = Input;
+  Other.Coupling[3 * 5 + 2] = Other.Coupling[2 * 5 + 3] = 4.001;
+  EXPECT_EQ(GroupEquivalentSites(Other).Members.size(), 4u);
+  ExpectSameLines(Simulate(Other), SimulateByBruteForce(Other));
+}
+
+TEST(Map, TellsTheSitesOfEachLine) {
+  auto Input = MakeInput(400.0, {1.2, 3.6, 1.2}, {2, 2, 1}, {{0, 1, 7.0}, {1, 2, 7.0}, {0, 2, 3.0}});
+  Input.MinimalIntensity = 1.0;
+  Log Silent;
+  const Spectrum Result = SimulateSpectrum(Input, {}, 4e9, Silent);
+  const std::string Map = FormatSpectrumMap(Input, Result);
+  EXPECT_EQ(Map.rfind("map 1 " + std::to_string(Result.Lines.size()) + "\n1:67 3:33\n", 0), 0u) << Map;
+  EXPECT_EQ(Map.substr(Map.size() - 6), "2:100\n") << Map;
+}
+
+struct CutCase {
   const char* Name;
-  std::size_t NumSites;
-  int Degeneracy;
-  double FreeBytes;
-  const char* Says;
+  std::size_t NumSpins;
+  double Width;  // ppm over which the shifts lie
+  bool IsRing;
+  double LargestError;  // percent
 };
 
-TEST(Refusals, TellSizeAndWhatToDo) {
-  const std::vector<Refusal> Rows = {
-      {"ten spins in 1 MiB", 10, 1, 1e6, "largest block of 252 states"},
-      {"forty spins", 40, 1, 1e12, "40 coupled spins in 40 sites has a largest block of 137846528820 states"},
-      {"beyond single precision", 13, 10, 1e300, "the limit is 120"}};
-  for (const Refusal& Row : Rows) {
-    const auto Input = RandomInput(1, Row.NumSites, std::vector<int>(Row.NumSites, Row.Degeneracy));
+// Networks cut although the exact answer is at hand: what is told is never below what is, and that is small.
+TEST(Cut, TellsNoLessThanItsError) {
+  for (const CutCase& Row :
+       {CutCase{"crowded chain", 10, 1.5, false, 0.5}, CutCase{"dense chain", 10, 0.25, false, 6.0},
+        CutCase{"ring", 10, 0.25, true, 6.0}, CutCase{"three groups", 9, 0.5, false, 3.0}}) {
+    auto Input = RandomInput(4, Row.NumSpins, {});
+    for (std::size_t A = 0; A < Row.NumSpins; ++A) {
+      Input.Sites[A].Shift = 1.0 + Row.Width * (Input.Sites[A].Shift - 1.0);
+      for (std::size_t B = 0; B < Row.NumSpins; ++B) {
+        const std::size_t Distance = A > B ? A - B : B - A;
+        const bool IsNear = Distance < 3 || (Row.IsRing && Distance > Row.NumSpins - 3);
+        if (!IsNear) Input.Coupling[A * Row.NumSpins + B] = 0.0;
+      }
+    }
+    Input.Field = 400.0;
+    FindObservedSites(Input);
+    const SpinPart Part = FindParts(Input)[0];
+    std::vector<Line> Exact = Simulate(Input);
+    const double Scale = CutNucleusIntensity * double(Row.NumSpins) / TotalIntensity(Exact);
+    for (Line& Item : Exact) Item.Intensity *= Scale;
+    const CutResult Cut = SimulateCut(
+        Input, Part,
+        {.Tolerance = 0.0, .Deadline = RunClock::now() + std::chrono::seconds(60), .Bytes = 4e9, .LastLevel = 8});
+    std::vector<Line> Lines;
+    for (const auto& Own : Cut.SiteLines) {
+      EXPECT_NEAR(TotalIntensity(Own), CutNucleusIntensity, 1e-6) << Row.Name;
+      Lines.insert(Lines.end(), Own.begin(), Own.end());
+    }
+    SortLines(Lines);
+    const double Error = CompareLines(Lines, Exact, ErrorLineWidth) / TotalIntensity(Exact);
+    EXPECT_LT(100.0 * Error, Row.LargestError) << Row.Name;
+    EXPECT_GE(Cut.Error, Error) << Row.Name;
+  }
+}
+
+// What would not fit, or would take too long, is cut, and line 1 says so.
+TEST(Cut, AnswersWhatIsTooLarge) {
+  struct Row {
+    std::size_t NumSites;
+    int Degeneracy;
+    double FreeBytes;
+    double TimeBudget;
+  };
+  for (const Row& Item : {Row{10, 1, 1e5, 20.0}, Row{30, 1, 4e9, 0.1}, Row{13, 10, 4e9, 0.1}}) {
+    const auto Input = RandomInput(1, Item.NumSites, std::vector<int>(Item.NumSites, Item.Degeneracy));
     Log Silent;
-    const std::string Text = FailureOf([&] { SimulateSpectrum(Input, Row.FreeBytes, Silent); });
-    EXPECT_NE(Text.find(Row.Says), std::string::npos) << Row.Name << ": " << Text;
-    EXPECT_NE(Text.find("elect fewer atoms"), std::string::npos) << Row.Name << ": " << Text;
+    const Spectrum Result = SimulateSpectrum(Input, {.TimeBudget = Item.TimeBudget}, Item.FreeBytes, Silent);
+    EXPECT_NE(Result.Method.find("simulation in clusters of "), std::string::npos) << Result.Method;
+    EXPECT_NE(Result.Method.find("; estimated error "), std::string::npos) << Result.Method;
+    EXPECT_GT(Result.Error, 0.0);
+    EXPECT_NEAR(TotalIntensity(Result.Lines) / (2048.0 * double(Item.NumSites) * Item.Degeneracy), 1.0, 1e-3);
   }
 }
 

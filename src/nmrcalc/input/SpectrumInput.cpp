@@ -10,7 +10,6 @@ namespace nmrcalc {
 
 namespace {
 
-constexpr int LargestDegeneracy = 100;
 constexpr int LargestSiteCount = 10000;
 constexpr double LargestFrequency = 1e14;  // Hz
 constexpr double OutOfRangeRatio = 5000.0;

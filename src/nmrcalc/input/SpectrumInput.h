@@ -8,6 +8,8 @@ namespace nmrcalc {
 
 // The spin system of one spectrum and the file nmrspect.in that brings it.
 
+inline constexpr int LargestDegeneracy = 100;
+
 struct SpinSite {
   int AtomicNumber = 1;
   int Degeneracy = 1;      // equivalent spins 1/2 in the site

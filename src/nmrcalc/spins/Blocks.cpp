@@ -178,6 +178,18 @@ double FarSplittingError(const SpinSystem& System) {
   return Distance > 0.0 ? Squares * LargestRow / (4.0 * Distance * Distance) : std::numeric_limits<double>::infinity();
 }
 
+std::vector<RaisingElement> BuildRaisingOfSpin(const SpinSystem& System, const BlockBasis& Basis,
+                                               const std::vector<std::uint32_t>& States, std::size_t Spin) {
+  std::vector<RaisingElement> Elements;
+  for (std::uint32_t Place = 0; Place < States.size(); ++Place) {
+    const int Digit = DigitOf(Basis, States[Place], Spin);
+    if (Digit == System.TwiceSpin[Spin]) continue;
+    Elements.push_back(
+        {Place, Basis.Position[States[Place] + Basis.Stride[Spin]], RaisingFactor(System.TwiceSpin[Spin], Digit)});
+  }
+  return Elements;
+}
+
 std::vector<RaisingElement> BuildRaising(const SpinSystem& System, const BlockBasis& Basis,
                                          const std::vector<std::uint32_t>& States) {
   std::vector<RaisingElement> Elements;

@@ -50,5 +50,8 @@ struct RaisingElement {
 };
 std::vector<RaisingElement> BuildRaising(const SpinSystem& System, const BlockBasis& Basis,
                                          const std::vector<std::uint32_t>& States);
+// The part of it that raises one spin.
+std::vector<RaisingElement> BuildRaisingOfSpin(const SpinSystem& System, const BlockBasis& Basis,
+                                               const std::vector<std::uint32_t>& States, std::size_t Spin);
 
 }  // namespace nmrcalc

@@ -7,12 +7,12 @@
 #include <limits>
 #include <memory>
 #include <mutex>
-#include <system_error>
-#include <thread>
 
 #include "basic/Failure.h"
+#include "nmrcalc/Progress.h"
 #include "nmrcalc/spins/Blocks.h"
 #include "nmrcalc/spins/LinearAlgebra.h"
+#include "nmrcalc/spins/Workers.h"
 
 namespace nmrcalc {
 
@@ -53,6 +53,7 @@ struct BlockTask {
 struct WorkerLines {
   std::vector<Line> Lines{};
   IntensityCells Cells{};
+  LineOrigins Origins{};
 };
 
 struct Team {
@@ -68,6 +69,7 @@ struct Team {
   std::size_t NextTask = 0;
   double BytesInUse = 0.0;
   int Solving = 0;
+  std::size_t NumSolved = 0;
   std::exception_ptr Error{};
 };
 
@@ -118,6 +120,54 @@ void AddLines(const Team& Group, const BlockPair& Pair, std::size_t FirstColumn,
   CheckLineMemory(Group, Found.Lines);
 }
 
+// A column of moments whose transitions are to be told apart by spins.
+struct OriginColumn {
+  const SpinSystem& System;
+  const std::vector<std::vector<RaisingElement>>& Raising;  // of each observed spin
+  const std::vector<std::size_t>& Spins;
+  bool ColumnsAreLower = true;
+};
+
+// Which spins the strong transitions of a column come from: spin k has the share <a|I+k|b><b|I-|a> of the intensity, so
+// that over the spectrum every spin has its area.
+void AddOrigins(const Team& Group, const BlockPair& Pair, const OriginColumn& Context, std::size_t Column,
+                const double* Moment, WorkerLines& Found) {
+  const std::size_t NumRows = Pair.Rows.Energies.size();
+  const std::size_t NumSpins = Context.Spins.size();
+  const double Faintest = Group.Limits.FaintestOrigin / Pair.Weight;
+  std::vector<std::size_t> Rows;
+  for (std::size_t Row = 0; Row < NumRows; ++Row) {
+    if (Moment[Row] * Moment[Row] >= Faintest) Rows.push_back(Row);
+  }
+  if (Rows.empty()) return;
+  const double* Source = Pair.Columns.Vectors.data() + Column * Pair.Columns.Energies.size();
+  std::vector<double> Raised(NumRows * NumSpins);
+  for (std::size_t K = 0; K < NumSpins; ++K) {
+    double* Target = Raised.data() + K * NumRows;
+    for (const RaisingElement& Element : Context.Raising[K]) {
+      if (Context.ColumnsAreLower) {
+        Target[Element.To] += Element.Value * Source[Element.From];
+      } else {
+        Target[Element.From] += Element.Value * Source[Element.To];
+      }
+    }
+  }
+  std::vector<double> Vectors(NumRows * Rows.size());
+  for (std::size_t K = 0; K < Rows.size(); ++K) {
+    std::copy_n(Pair.Rows.Vectors.data() + Rows[K] * NumRows, NumRows, Vectors.data() + K * NumRows);
+  }
+  std::vector<double> Own(NumSpins * Rows.size());
+  MultiplyTransposed(Raised.data(), Vectors.data(), Own.data(), NumSpins, Rows.size(), NumRows);
+  for (std::size_t K = 0; K < Rows.size(); ++K) {
+    const double Frequency = Pair.Carrier + Pair.Sign * (Pair.Rows.Energies[Rows[K]] - Pair.Columns.Energies[Column]);
+    for (std::size_t Spin = 0; Spin < NumSpins; ++Spin) {
+      AddShare(Found.Origins, Context.System.Sites[Context.Spins[Spin]],
+               Own[K * NumSpins + Spin] * Moment[Rows[K]] * Pair.Weight);
+    }
+    EndOrigin(Found.Origins, Frequency);
+  }
+}
+
 // Moments of all transitions from the block at Level to the one above it: V_upper^T I+ V_lower, in panels of columns.
 // The side that is contracted densely is the smaller one.
 void ComputeTransitions(const Team& Group, const SpinSystem& System, const SystemWork& Work, std::size_t Chain,
@@ -133,6 +183,15 @@ void ComputeTransitions(const Team& Group, const SpinSystem& System, const Syste
                        .Weight = System.Weight};
   const std::size_t NumRows = Pair.Rows.Energies.size();
   const std::size_t NumColumns = Pair.Columns.Energies.size();
+  std::vector<std::vector<RaisingElement>> OwnRaising;
+  std::vector<std::size_t> Spins;
+  for (std::size_t Spin = 0; Spin < System.Size(); ++Spin) {
+    if (!System.Observed[Spin]) continue;
+    Spins.push_back(Spin);
+    OwnRaising.push_back(BuildRaisingOfSpin(System, Work.Basis, Work.Basis.Chains[Chain][Level], Spin));
+  }
+  const OriginColumn Context{
+      .System = System, .Raising = OwnRaising, .Spins = Spins, .ColumnsAreLower = ColumnsAreLower};
   std::vector<double> Raised;
   std::vector<double> Moments(NumRows * std::min(NumColumns, PanelColumns));
   for (std::size_t First = 0; First < NumColumns; First += PanelColumns) {
@@ -149,6 +208,9 @@ void ComputeTransitions(const Team& Group, const SpinSystem& System, const Syste
     }
     MultiplyTransposed(Pair.Rows.Vectors.data(), Raised.data(), Moments.data(), NumRows, Width, NumRows);
     AddLines(Group, Pair, First, Width, Moments, Found);
+    for (std::size_t Column = 0; Column < Width; ++Column) {
+      AddOrigins(Group, Pair, Context, First + Column, Moments.data() + Column * NumRows, Found);
+    }
   }
 }
 
@@ -192,6 +254,7 @@ std::vector<std::size_t> StoreBlock(Team& Group, const BlockTask& Task, SystemWo
   Chain[Task.Level].Solved = true;
   Group.BytesInUse -= WorkspaceBytes(Task.Size);
   --Group.Solving;
+  ReportProgress(static_cast<long>(++Group.NumSolved), static_cast<long>(Group.Tasks.size()), "blocks of states");
   Group.Changed.notify_all();
   std::vector<std::size_t> Ready;
   if (Task.Level > 0 && Chain[Task.Level - 1].Solved) Ready.push_back(Task.Level - 1);
@@ -268,20 +331,6 @@ double PlanTasks(Team& Group) {
   return Operations;
 }
 
-// Runs the action for each worker, on threads of their own where it is worth while and they are to be had.
-template <class Action>
-void ForEachWorker(std::size_t NumWorkers, bool InParallel, Action Act) {
-  std::vector<std::thread> Threads;
-  std::size_t Next = 1;
-  try {
-    for (; InParallel && Next < NumWorkers; ++Next) Threads.emplace_back(Act, Next);
-  } catch (const std::system_error&) {  // the first thread does the rest
-  }
-  Act(std::size_t{0});
-  for (; Next < NumWorkers; ++Next) Act(Next);
-  for (std::thread& Thread : Threads) Thread.join();
-}
-
 // One list of what all workers have found, sorted, without the hopeless lines.
 std::vector<Line> GatherLines(Team& Group) {
   std::size_t NumLines = 0;
@@ -301,10 +350,8 @@ std::vector<Line> GatherLines(Team& Group) {
 }
 
 std::size_t ChooseWorkerCount(double Operations) {
-  if (!LibraryTakesThreads()) return 1;
-  const std::size_t Cores = std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, 64);
   const double Worthwhile = std::clamp(Operations / OperationsPerThread, 1.0, 64.0);
-  return std::min(Cores, static_cast<std::size_t>(Worthwhile));
+  return std::min(NumUsableCores(), static_cast<std::size_t>(Worthwhile));
 }
 
 }  // namespace
@@ -330,7 +377,8 @@ ExactCost EstimateExactCost(const std::vector<SpinSystem>& Systems) {
   return Cost;
 }
 
-std::vector<Line> SimulateExact(const std::vector<SpinSystem>& Systems, const ExactLimits& Limits) {
+std::vector<Line> SimulateExact(const std::vector<SpinSystem>& Systems, const ExactLimits& Limits,
+                                LineOrigins& Origins) {
   Team Group{.Systems = Systems, .Limits = Limits};
   const double Operations = PlanTasks(Group);
   const std::size_t NumWorkers = ChooseWorkerCount(Operations);
@@ -341,6 +389,7 @@ std::vector<Line> SimulateExact(const std::vector<SpinSystem>& Systems, const Ex
   }
   ForEachWorker(NumWorkers, true, [&Group](std::size_t Worker) { RunWorker(Group, Worker); });
   if (Group.Error) std::rethrow_exception(Group.Error);
+  for (WorkerLines& Found : Group.Found) AddOriginsOf(Origins, Found.Origins);
   return GatherLines(Group);
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "nmrcalc/spins/Lines.h"
+#include "nmrcalc/spins/Origins.h"
 #include "nmrcalc/spins/SpinSystem.h"
 
 namespace nmrcalc {
@@ -22,6 +23,7 @@ struct ExactLimits {
   double Bytes = 0.0;              // memory that may be used
   double FaintestIntensity = 0.0;  // transitions below are not kept
   double MinimalIntensity = 0.0;   // merged lines below will be dropped by the caller
+  double FaintestOrigin = 0.0;     // of transitions below nobody asks where they come from
   double FarFrequency = 0.0;       // lines beyond this |Hz| belong to nuclei that are not observed; 0: no limit
 };
 
@@ -32,7 +34,8 @@ ExactCost EstimateExactCost(const std::vector<SpinSystem>& Systems);
 
 // Transitions of the observed spins with the systems' weights; not sorted, not merged, most of those left out that
 // cannot reach the minimal intensity together with their neighbours. Throws Failure when the lines grow beyond the
-// memory or an eigenvalue problem does not converge.
-std::vector<Line> SimulateExact(const std::vector<SpinSystem>& Systems, const ExactLimits& Limits);
+// memory or an eigenvalue problem does not converge. Adds to Origins which sites the transitions come from.
+std::vector<Line> SimulateExact(const std::vector<SpinSystem>& Systems, const ExactLimits& Limits,
+                                LineOrigins& Origins);
 
 }  // namespace nmrcalc

@@ -32,14 +32,17 @@ void SortAndMerge(std::vector<Line>& Lines, double Width) {
   for (std::size_t Start = 0; Start < Lines.size();) {
     const double First = Lines[Start].Frequency;
     Line Merged;
-    double Moment = 0.0;  // about the first line, so that no digits are lost to the carrier
+    double Moment = 0.0;    // about the first line, so that no digits are lost to the carrier
+    double Positive = 0.0;  // what is left when lines nearly cancel says nothing of their place
     double Mean = 0.0;
     std::size_t Next = Start;
     while (Next < Lines.size() && (Next == Start || Lines[Next].Frequency - First - Mean < Width)) {
       Merged.Intensity += Lines[Next].Intensity;
       Merged.Count += Lines[Next].Count;
-      Moment += Lines[Next].Intensity * (Lines[Next].Frequency - First);
-      Mean = Merged.Intensity > 0.0 ? Moment / Merged.Intensity : 0.0;
+      const double Own = std::max(Lines[Next].Intensity, 0.0);
+      Positive += Own;
+      Moment += Own * (Lines[Next].Frequency - First);
+      Mean = Positive > 0.0 ? Moment / Positive : 0.0;
       ++Next;
     }
     Merged.Frequency = First + Mean;

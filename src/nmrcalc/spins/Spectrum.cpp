@@ -1,114 +1,311 @@
 #include "nmrcalc/spins/Spectrum.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <limits>
 
 #include "basic/Failure.h"
 #include "nmrcalc/input/InputText.h"
+#include "nmrcalc/spins/BinnedLines.h"
+#include "nmrcalc/spins/Cut.h"
 #include "nmrcalc/spins/Exact.h"
+#include "nmrcalc/spins/Groups.h"
 #include "nmrcalc/spins/LinearAlgebra.h"
 #include "nmrcalc/spins/SpinSystem.h"
 #include "nmrcalc/spins/Weak.h"
+#include "nmrcalc/spins/Workers.h"
 
 namespace nmrcalc {
 
 namespace {
 
 constexpr double Mebibyte = 1024.0 * 1024.0;
-constexpr double OperationsPerSecond = 4e10;             // one core with a tuned library
 constexpr double LargestDegeneracyShown = 2147483647.0;  // readers hold it in 32 bits
+constexpr double LargestWeakPart = 900;                  // spins; beyond, intensities leave double precision
+constexpr double LargestChoiceCount = 100000.0;          // of total spins in a part
+constexpr double OriginShare = 0.1;                      // of the minimal intensity
 
 std::string Count(double Value) { return FixedNumber(Value, 0); }
 
-[[noreturn]] void RefusePart(const SpinPart& Part, const std::string& Reason) {
-  throw zelvanor::Failure("The spin system is too large: a part of " + std::to_string(Part.NumSpins) +
-                          " coupled spins in " + std::to_string(Part.Sites.size()) + " sites " + Reason +
-                          ". Use the weak coupling approximation or select fewer atoms");
-}
+// A part with what is known of it before any work.
+struct PlannedPart {
+  SpinPart Part{};
+  std::vector<SpinSystem> Systems{};  // empty where the exact answer is out of reach
+  ExactCost Cost{};
+  double ExactSeconds = 0.0;  // estimated; infinite where it is out of reach
+};
 
-void CheckPartSize(const SpinPart& Part) {
-  if (Part.NumSpins <= LargestPart) return;
-  throw zelvanor::Failure("The spin system is too large: a part of " + std::to_string(Part.NumSpins) +
-                          " coupled spins in " + std::to_string(Part.Sites.size()) + " sites, and the limit is " +
-                          std::to_string(LargestPart) + ". Select fewer atoms or remove small couplings");
-}
+struct RunState {
+  const SpectrumInput& Input;  // grouped
+  const SpinSettings& Settings;
+  double FreeBytes = 0.0;
+  RunClock::time_point Start{};
+  Log& Report;
+  double NucleusIntensity = 0.0;  // of the result
+  double ErrorSum = 0.0;          // estimated error times spins
+  double SpinSum = 0.0;
+  std::size_t SmallestCluster = std::numeric_limits<std::size_t>::max();
+  std::size_t LargestCluster = 0;
+  std::size_t NumCut = 0;
+};
 
-void CheckCost(const SpinPart& Part, const ExactCost& Cost, double FreeBytes) {
-  if (Cost.LargestBlock > double(LargestMatrix) || !std::isfinite(Cost.Bytes)) {
-    RefusePart(Part, "has a largest block of " + Count(Cost.LargestBlock) + " states, beyond the " +
-                         std::to_string(LargestMatrix) + " that can be diagonalised");
+// Operations that one core does in a second, large blocks as the bulk of them, measured on a small one.
+double MeasureSpeed() {
+  constexpr std::size_t Size = 200;
+  constexpr double LargeToSmall = 2.5;  // measured: large blocks run so much faster than this one
+  std::vector<double> Matrix(Size * Size);
+  for (std::size_t K = 0; K < Size; ++K) {
+    Matrix[K * Size + K] = double(K % 17);
+    for (std::size_t Other = 0; Other < K; ++Other) {
+      Matrix[K * Size + Other] = Matrix[Other * Size + K] = 1.0 / double(1 + (K * 7 + Other * Other) % 31);
+    }
   }
-  if (Cost.Bytes <= FreeBytes) return;
-  RefusePart(Part, "has a largest block of " + Count(Cost.LargestBlock) + " states and needs " +
-                       Count(std::ceil(Cost.Bytes / Mebibyte)) + " MiB, of which " + Count(FreeBytes / Mebibyte) +
-                       " MiB are free");
+  std::vector<double> Energies;
+  const auto Start = RunClock::now();
+  DiagonalizeSymmetric(Matrix, Size, Energies);
+  const double Seconds = std::chrono::duration<double>(RunClock::now() - Start).count();
+  return LargeToSmall * 5.0 * double(Size * Size * Size) / std::max(Seconds, 1e-6);
 }
 
-std::vector<Line> SimulatePartExactly(const SpectrumInput& Input, const SpinPart& Part, double FreeBytes, Log& Report) {
-  CheckCost(Part, EstimateExactCost({LargestSystem(Input, Part)}), FreeBytes);
-  const std::vector<SpinSystem> Systems = ReducePart(Input, Part);
-  const ExactCost Cost = EstimateExactCost(Systems);
-  AddToLog(Report, 1,
-           "  exact: " + std::to_string(Systems.size()) + " total-spin systems, largest block " +
-               Count(Cost.LargestBlock) + " states, " + FixedNumber(Cost.Bytes / Mebibyte, 1) + " MiB, about " +
-               FixedNumber(Cost.Operations / OperationsPerSecond, 2) + " s on one core");
-  CheckCost(Part, Cost, FreeBytes);
-  if (Cost.Operations > OperationsPerSecond) WriteLog(Report);  // so that one can see what it is busy with
-  ExactLimits Limits{.Bytes = FreeBytes, .MinimalIntensity = Input.MinimalIntensity};
-  Limits.FaintestIntensity = std::clamp(1e-6 * Input.MinimalIntensity, FaintestTransition, 1e-7);
+double ChoiceCount(const SpectrumInput& Input, const SpinPart& Part) {
+  double Choices = 1.0;
+  for (const std::size_t Site : Part.Sites) Choices *= Input.Sites[Site].Degeneracy / 2 + 1;
+  return Choices;
+}
+
+PlannedPart PlanPart(const SpectrumInput& Input, SpinPart Part, double FreeBytes) {
+  PlannedPart Plan{.Part = std::move(Part), .ExactSeconds = std::numeric_limits<double>::infinity()};
+  const auto Fits = [FreeBytes](const ExactCost& Cost) {
+    return Cost.LargestBlock <= double(LargestMatrix) && Cost.Bytes <= FreeBytes;
+  };
+  if (!Fits(EstimateExactCost({LargestSystem(Input, Plan.Part)}))) return Plan;
+  if (ChoiceCount(Input, Plan.Part) > LargestChoiceCount) return Plan;
+  std::vector<SpinSystem> Systems = ReducePart(Input, Plan.Part);
+  Plan.Cost = EstimateExactCost(Systems);
+  if (!Fits(Plan.Cost)) return Plan;
+  Plan.Systems = std::move(Systems);
+  constexpr double UsualSpeed = 4e10;     // operations a second
+  constexpr double WorthMeasuring = 0.2;  // s
+  Plan.ExactSeconds = Plan.Cost.Operations / UsualSpeed;
+  if (Plan.ExactSeconds > WorthMeasuring) {
+    static const double Speed = MeasureSpeed();
+    Plan.ExactSeconds = Plan.Cost.Operations / Speed / double(NumUsableCores());
+  }
+  return Plan;
+}
+
+std::vector<Line> SimulatePartExactly(RunState& Run, const PlannedPart& Plan, LineOrigins& Origins) {
+  AddToLog(Run.Report, 1,
+           "  exact: " + std::to_string(Plan.Systems.size()) + " total-spin systems, largest block " +
+               Count(Plan.Cost.LargestBlock) + " states, " + FixedNumber(Plan.Cost.Bytes / Mebibyte, 1) +
+               " MiB, about " + FixedNumber(Plan.ExactSeconds, 2) + " s");
+  if (Plan.ExactSeconds > 1.0) WriteLog(Run.Report);  // so that one can see what it is busy with
+  const double Minimal = Run.Input.MinimalIntensity;
+  ExactLimits Limits{.Bytes = Run.FreeBytes, .MinimalIntensity = Minimal};
+  Limits.FaintestIntensity = std::clamp(1e-6 * Minimal, FaintestTransition, 1e-7);
+  Limits.FaintestOrigin = std::max(OriginShare * Minimal, Limits.FaintestIntensity);
   double NearestFar = 0.0;
-  for (const SpinSite& Site : Input.Sites) {
+  for (const SpinSite& Site : Run.Input.Sites) {
     if (Site.Observed) continue;
     NearestFar = NearestFar > 0.0 ? std::min(NearestFar, std::fabs(Site.Frequency)) : std::fabs(Site.Frequency);
   }
   Limits.FarFrequency = 0.5 * NearestFar;
-  return SimulateExact(Systems, Limits);
+  return SimulateExact(Plan.Systems, Limits, Origins);
+}
+
+// One list of the lists of all sites, and where its lines come from.
+std::vector<Line> JoinSites(const SpinPart& Part, const std::vector<std::vector<Line>>& SiteLines,
+                            LineOrigins& Origins) {
+  std::vector<Line> All;
+  for (std::size_t K = 0; K < SiteLines.size(); ++K) {
+    All.insert(All.end(), SiteLines[K].begin(), SiteLines[K].end());
+    for (const Line& Item : SiteLines[K]) {
+      AddShare(Origins, Part.Sites[K], Item.Intensity);
+      EndOrigin(Origins, Item.Frequency);
+    }
+  }
+  return All;
+}
+
+double SpinsObserved(const SpectrumInput& Input, const SpinPart& Part) {
+  double Sum = 0.0;
+  for (const std::size_t Site : Part.Sites) Sum += Input.Sites[Site].Observed ? Input.Sites[Site].Degeneracy : 0;
+  return Sum;
+}
+
+// Cuts the part, or finds that the exact answer is the better one and returns false. Time is shared with the parts that
+// are still to come.
+bool CutPart(RunState& Run, const PlannedPart& Plan, double Share, CutResult& Cut) {
+  const double Used = std::chrono::duration<double>(RunClock::now() - Run.Start).count();
+  const double Left = Share * std::max(0.0, Run.Settings.TimeBudget - Used);
+  CutLimits Limits{.Tolerance = 0.01 * Run.Settings.Tolerance, .Bytes = Run.FreeBytes};
+  Limits.Deadline =
+      RunClock::now() + std::chrono::duration_cast<RunClock::duration>(std::chrono::duration<double>(Left));
+  const bool ExactFits = Plan.ExactSeconds < Left;
+  if (ExactFits) Limits.ExactSeconds = Plan.ExactSeconds;
+  Cut = SimulateCut(Run.Input, Plan.Part, Limits);
+  return !ExactFits || Cut.Error <= Limits.Tolerance;
+}
+
+void TellCut(RunState& Run, const PlannedPart& Plan, const CutResult& Cut) {
+  const double NumSpins = SpinsObserved(Run.Input, Plan.Part);
+  Run.ErrorSum += Cut.Error * NumSpins;
+  Run.SmallestCluster = std::min(Run.SmallestCluster, Cut.SmallestCluster);
+  Run.LargestCluster = std::max(Run.LargestCluster, Cut.LargestCluster);
+  ++Run.NumCut;
+  AddToLog(Run.Report, 0,
+           "Part of " + std::to_string(Plan.Part.NumSpins) + " spins cut into " + std::to_string(Cut.NumClusters) +
+               " clusters of " + std::to_string(Cut.SmallestCluster) + " to " + std::to_string(Cut.LargestCluster) +
+               " spins, estimated error " + FixedNumber(100.0 * Cut.Error, 3) +
+               " percent of the area at 1 Hz line width");
+}
+
+// The lines of a part, on the scale of its own first-order line or, where it is cut, with CutNucleusIntensity.
+struct PartLines {
+  std::vector<Line> Lines{};
+  LineOrigins Origins{};
+  int NumSpins = 0;
+  bool IsCut = false;
+};
+
+PartLines SimulatePart(RunState& Run, const PlannedPart& Plan, double Share) {
+  PartLines Result{.NumSpins = Plan.Part.NumSpins};
+  AddToLog(Run.Report, 1,
+           "part of " + std::to_string(Plan.Part.NumSpins) + " spins in " + std::to_string(Plan.Part.Sites.size()) +
+               " sites, first site " + std::to_string(Plan.Part.Sites[0] + 1));
+  if (Run.Input.WeakCoupling) {
+    Result.Lines = JoinSites(Plan.Part, SimulateWeak(Run.Input, Plan.Part), Result.Origins);
+  } else {
+    CutResult Cut;
+    const bool IsQuick = Plan.ExactSeconds <= std::min(Run.Settings.ExactTime, Run.Settings.TimeBudget);
+    if (!IsQuick && CutPart(Run, Plan, Share, Cut)) {
+      TellCut(Run, Plan, Cut);
+      Result.IsCut = true;
+      Result.Lines = JoinSites(Plan.Part, Cut.SiteLines, Result.Origins);
+    } else {
+      Result.Lines = SimulatePartExactly(Run, Plan, Result.Origins);
+    }
+  }
+  Run.SpinSum += SpinsObserved(Run.Input, Plan.Part);
+  return Result;
+}
+
+void ScaleLines(PartLines& Part, double Scale) {
+  for (Line& Item : Part.Lines) Item.Intensity *= Scale;
+  for (SiteShare& Share : Part.Origins.Shares) Share.Intensity *= static_cast<float>(Scale);
+}
+
+// Merges, drops what is faint, and brings the part to the scale of the result.
+void FinishPart(RunState& Run, PartLines& Part) {
+  const double Minimal = std::max(Run.Input.MinimalIntensity, FaintestTransition);
+  if (Part.IsCut) {
+    SortAndMerge(Part.Lines, BinWidth);
+    MergeFaintLines(Part.Lines, Minimal);
+    DropFaintLines(Part.Lines, Minimal);
+    ScaleLines(Part, Run.NucleusIntensity / CutNucleusIntensity);
+  } else {
+    const double Scale = std::ldexp(Run.NucleusIntensity, 1 - Part.NumSpins);
+    if (Part.NumSpins > LargestPart) ScaleLines(Part, Scale);
+    SortAndMerge(Part.Lines, MergeWidth);
+    DropFaintLines(Part.Lines, Minimal);
+    if (Part.NumSpins <= LargestPart) ScaleLines(Part, Scale);
+  }
+  AddToLog(Run.Report, 1, "  " + std::to_string(Part.Lines.size()) + " lines");
+}
+
+std::string DescribeMethod(const RunState& Run, bool IsRescaled) {
+  std::string Text = "NMR spectrum by ";
+  if (Run.NumCut > 0) {
+    Text += "simulation in clusters of " + std::to_string(Run.SmallestCluster) + " to " +
+            std::to_string(Run.LargestCluster) + " spins";
+  } else {
+    Text += Run.Input.WeakCoupling ? "first-order (weak coupling) simulation" : "exact simulation";
+  }
+  Text += " of the isotropic spin Hamiltonian";
+  if (Run.NumCut > 0) {
+    Text += "; estimated error " + FixedNumber(100.0 * Run.ErrorSum / Run.SpinSum, 3) +
+            " percent of the area at 1 Hz line width";
+  }
+  if (IsRescaled) Text += "; the intensities of a nucleus add up to " + Count(CutNucleusIntensity);
+  return Text;
+}
+
+std::vector<PlannedPart> PlanParts(const SpectrumInput& Input, double FreeBytes) {
+  std::vector<PlannedPart> Plans;
+  for (SpinPart& Part : FindParts(Input)) {
+    if (!Part.HasObserved) continue;
+    if (Input.WeakCoupling) {
+      if (Part.NumSpins > LargestWeakPart) {
+        throw zelvanor::Failure("The spin system is too large: a part of " + std::to_string(Part.NumSpins) +
+                                " coupled spins, and the limit of the weak coupling approximation is " +
+                                Count(LargestWeakPart) + ". Select fewer atoms or remove small couplings");
+      }
+      Plans.push_back({.Part = std::move(Part)});
+    } else {
+      Plans.push_back(PlanPart(Input, std::move(Part), FreeBytes));
+    }
+  }
+  if (Plans.empty()) {
+    throw zelvanor::Failure("There is no observed nucleus: all chemical shifts are out of range");
+  }
+  return Plans;
 }
 
 }  // namespace
 
-std::vector<Line> SimulateSpectrum(const SpectrumInput& Input, double FreeBytes, Log& Report) {
-  std::vector<SpinPart> Parts = FindParts(Input);
-  std::erase_if(Parts, [](const SpinPart& Part) { return !Part.HasObserved; });
-  if (Parts.empty()) {
-    throw zelvanor::Failure("There is no observed nucleus: all chemical shifts are out of range");
+Spectrum SimulateSpectrum(const SpectrumInput& Input, const SpinSettings& Settings, double FreeBytes, Log& Report) {
+  GroupedInput Grouped{.Input = Input};
+  if (Input.WeakCoupling) {
+    for (std::size_t Site = 0; Site < Input.Sites.size(); ++Site) Grouped.Members.push_back({Site});
+  } else {
+    Grouped = GroupEquivalentSites(Input);
+    if (Grouped.Members.size() < Input.Sites.size()) {
+      AddToLog(Report, 1, "equivalent sites taken together: " + std::to_string(Grouped.Members.size()) + " are left");
+    }
   }
+  RunState Run{
+      .Input = Grouped.Input, .Settings = Settings, .FreeBytes = FreeBytes, .Start = RunClock::now(), .Report = Report};
+  const std::vector<PlannedPart> Plans = PlanParts(Grouped.Input, FreeBytes);
+  double Ahead = 0.0;  // spins of the parts to come that may be cut
   int LargestSpins = 0;
-  for (const SpinPart& Part : Parts) {
-    CheckPartSize(Part);
-    LargestSpins = std::max(LargestSpins, Part.NumSpins);
+  for (const PlannedPart& Plan : Plans) {
+    if (Plan.ExactSeconds > Settings.ExactTime) Ahead += Plan.Part.NumSpins;
+    LargestSpins = std::max(LargestSpins, Plan.Part.NumSpins);
   }
-  std::vector<Line> Spectrum;
-  for (const SpinPart& Part : Parts) {
-    AddToLog(Report, 1,
-             "part of " + std::to_string(Part.NumSpins) + " spins in " + std::to_string(Part.Sites.size()) +
-                 " sites, first site " + std::to_string(Part.Sites[0] + 1));
-    std::vector<Line> Lines =
-        Input.WeakCoupling ? SimulateWeak(Input, Part) : SimulatePartExactly(Input, Part, FreeBytes, Report);
-    SortAndMerge(Lines, MergeWidth);
-    DropFaintLines(Lines, std::max(Input.MinimalIntensity, FaintestTransition));
-    AddToLog(Report, 1, "  " + std::to_string(Lines.size()) + " lines");
-    const double Scale = std::ldexp(1.0, LargestSpins - Part.NumSpins);
-    for (Line& Item : Lines) Item.Intensity *= Scale;
-    Spectrum.insert(Spectrum.end(), Lines.begin(), Lines.end());
+  std::vector<PartLines> Parts;
+  for (const PlannedPart& Plan : Plans) {
+    const double Share = Ahead > 0.0 ? std::min(1.0, Plan.Part.NumSpins / Ahead) : 1.0;
+    Parts.push_back(SimulatePart(Run, Plan, Share));
+    if (Plan.ExactSeconds > Settings.ExactTime) Ahead -= Plan.Part.NumSpins;
   }
-  if (Spectrum.empty()) {
+  const bool IsRescaled = Run.NumCut > 0 || LargestSpins > LargestPart;
+  Run.NucleusIntensity = IsRescaled ? CutNucleusIntensity : std::ldexp(1.0, LargestSpins - 1);
+  Spectrum Result{.Method = DescribeMethod(Run, IsRescaled),
+                  .Error = Run.NumCut > 0 ? Run.ErrorSum / Run.SpinSum : 0.0,
+                  .OriginReach = Run.NumCut > 0 ? MergeReach : 2.0 * MergeWidth,
+                  .Members = std::move(Grouped.Members)};
+  for (PartLines& Part : Parts) {
+    FinishPart(Run, Part);
+    Result.Lines.insert(Result.Lines.end(), Part.Lines.begin(), Part.Lines.end());
+    AddOriginsOf(Result.Origins, Part.Origins);
+  }
+  if (Result.Lines.empty()) {
     throw zelvanor::Failure("No line of the spectrum reaches the minimal intensity " +
                             FixedNumber(Input.MinimalIntensity, 5) + "; lower it");
   }
-  SortAndMerge(Spectrum, MergeWidth);
-  return Spectrum;
+  SortAndMerge(Result.Lines, MergeWidth);
+  AddToLog(Report, 0, "Done: " + Result.Method);
+  return Result;
 }
 
-std::string FormatSpectrum(const SpectrumInput& Input, const std::vector<Line>& Lines) {
-  std::string Text = std::string("NMR spectrum by ") +
-                     (Input.WeakCoupling ? "first-order (weak coupling) simulation" : "exact simulation") +
-                     " of the isotropic spin Hamiltonian\n" + std::to_string(Lines.size()) +
-                     "\nFREQUENCY INTENSITY DEGENERACY LINEWIDTH\n";
+std::string FormatSpectrum(const Spectrum& Result) {
+  std::string Text =
+      Result.Method + "\n" + std::to_string(Result.Lines.size()) + "\nFREQUENCY INTENSITY DEGENERACY LINEWIDTH\n";
   constexpr std::size_t UsualLength = 48;
-  Text.reserve(Text.size() + UsualLength * Lines.size());
+  Text.reserve(Text.size() + UsualLength * Result.Lines.size());
   const std::string Width = " " + FixedNumber(NaturalLineWidth, 3) + "\n";
-  for (const Line& Item : Lines) {
+  for (const Line& Item : Result.Lines) {
     AppendFixedNumber(Text, Item.Frequency, 8);
     Text += ' ';
     AppendFixedNumber(Text, Item.Intensity, 9);
@@ -117,6 +314,12 @@ std::string FormatSpectrum(const SpectrumInput& Input, const std::vector<Line>& 
     Text += Width;
   }
   return Text;
+}
+
+std::string FormatSpectrumMap(const SpectrumInput& Input, const Spectrum& Result) {
+  std::vector<int> Degeneracies;
+  for (const SpinSite& Site : Input.Sites) Degeneracies.push_back(Site.Degeneracy);
+  return FormatMap(Result.Lines, Result.Origins, Result.OriginReach, Result.Members, Degeneracies);
 }
 
 }  // namespace nmrcalc

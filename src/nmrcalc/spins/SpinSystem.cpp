@@ -37,6 +37,7 @@ using SpinList = std::vector<std::pair<std::size_t, int>>;  // site, total spin 
 SpinSystem MakeSystem(const SpectrumInput& Input, const SpinList& Spins) {
   SpinSystem System;
   for (const auto& [Site, TwiceSpin] : Spins) {
+    System.Sites.push_back(Site);
     System.TwiceSpin.push_back(TwiceSpin);
     System.Offset.push_back(Input.Sites[Site].Frequency);
     System.Observed.push_back(Input.Sites[Site].Observed);

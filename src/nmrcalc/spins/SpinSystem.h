@@ -16,8 +16,9 @@ namespace nmrcalc {
 
 // Spins that are coupled into one piece. Spins stand by their total spin doubled, so that all are whole numbers.
 struct SpinSystem {
-  std::vector<int> TwiceSpin{};  // 1 or more
-  std::vector<double> Offset{};  // Hz, resonance without coupling
+  std::vector<std::size_t> Sites{};  // of the input, rising
+  std::vector<int> TwiceSpin{};      // 1 or more
+  std::vector<double> Offset{};      // Hz, resonance without coupling
   std::vector<bool> Observed{};
   std::vector<double> Coupling{};  // Hz, spins x spins, symmetric
   double Weight = 1.0;             // how often the system's lines occur in the part

@@ -54,12 +54,14 @@ double CountOwnTransitions(int Degeneracy) {
 
 }  // namespace
 
-std::vector<Line> SimulateWeak(const SpectrumInput& Input, const SpinPart& Part) {
-  std::vector<Line> All;
+std::vector<std::vector<Line>> SimulateWeak(const SpectrumInput& Input, const SpinPart& Part) {
+  std::vector<std::vector<Line>> All;
+  std::size_t NumLines = 0;
   std::vector<Line> Copies;
   std::vector<Line> Target;
   for (const std::size_t Site : Part.Sites) {
     const SpinSite& Own = Input.Sites[Site];
+    All.emplace_back();
     if (!Own.Observed) continue;
     std::vector<Line> Lines{
         {Own.Frequency, Own.Degeneracy * std::ldexp(1.0, Own.Degeneracy - 1), CountOwnTransitions(Own.Degeneracy)}};
@@ -78,8 +80,9 @@ std::vector<Line> SimulateWeak(const SpectrumInput& Input, const SpinPart& Part)
       Item.Intensity *= Uncoupled;
       Item.Count *= Uncoupled;
     }
-    All.insert(All.end(), Lines.begin(), Lines.end());
-    if (All.size() > 4 * LargestLineCount)
+    NumLines += Lines.size();
+    All.back() = std::move(Lines);
+    if (NumLines > 4 * LargestLineCount)
       RefuseLines("The part of site " + std::to_string(Site + 1), 4 * LargestLineCount);
   }
   return All;

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <vector>
+
+#include "nmrcalc/input/SpectrumInput.h"
+#include "nmrcalc/spins/BinnedLines.h"
+#include "nmrcalc/spins/ClusterPlan.h"
+
+namespace nmrcalc {
+
+// The lines of the cores of a cluster, by exact diagonalisation of the cluster in the states of its surroundings.
+//
+// A transition a-b of the cluster C has for the core spin k the intensity <a|I+k|b><b|I-C|a>, so that the area of every
+// spin is exact, and the lines that a strong coupling takes from one spin and gives to another stand where they belong.
+// Single intensities may be negative; in the sum over the cluster they cancel.
+
+// A share of the field states of a plan, and the lines found, one list for each core.
+struct ClusterTask {
+  std::size_t Plan = 0;
+  std::size_t FirstField = 0;
+  std::size_t EndField = 0;
+  std::vector<BinnedLines> Lines{};
+};
+
+// Fills Task.Lines; gives up in between when Stop is set.
+void SimulateCluster(const SpectrumInput& Input, const ClusterPlan& Plan, ClusterTask& Task,
+                     const std::atomic<bool>& Stop);
+
+}  // namespace nmrcalc

@@ -1,0 +1,344 @@
+#include "nmrcalc/spins/ClusterPlan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <numeric>
+
+#include "nmrcalc/spins/LinearAlgebra.h"
+
+namespace nmrcalc {
+
+namespace {
+
+constexpr double PairStrength = 0.3;         // strength of a coupling from which two sites are one core
+constexpr double SameField = 1e-6;           // Hz
+constexpr double OperationsPerCube = 5.0;    // of the eigenvectors
+constexpr double OperationsPerMoment = 2.0;  // for each product of moments
+constexpr double LargestCombination = 4096.0;
+
+// How strongly two sites are coupled: from 0, first order, to 1, equal shifts.
+double Strength(const SpectrumInput& Input, std::size_t A, std::size_t B) {
+  const double J = std::fabs(Input.J(A, B));
+  if (J == 0.0) return 0.0;
+  return J / (0.3 * std::fabs(Input.Sites[A].Frequency - Input.Sites[B].Frequency) + J);
+}
+
+double SumOfCubesOf(const std::vector<int>& TwiceSpins) {
+  std::vector<double> Counts{1.0};
+  for (const int TwiceSpin : TwiceSpins) {
+    const auto Steps = static_cast<std::size_t>(TwiceSpin);
+    std::vector<double> Next(Counts.size() + Steps);
+    for (std::size_t K = 0; K < Counts.size(); ++K) {
+      for (std::size_t Step = 0; Step <= Steps; ++Step) Next[K + Step] += Counts[K];
+    }
+    Counts = std::move(Next);
+  }
+  double Sum = 0.0;
+  for (const double Size : Counts) Sum += Size * Size * Size;
+  return Sum;
+}
+
+// The members of a cluster while it grows.
+struct Growth {
+  std::vector<std::size_t> Sites{};
+  std::vector<double> Influence{};  // as Sites, 1 for the core
+  std::size_t Refused = NoSite;     // the first that was too large
+};
+
+// Takes in the site of the largest influence on the core, again and again: t is the sum over the members of their
+// influence times the strength of the coupling, and t / (1 + 2 t) the influence. Nuclei that are not observed stay
+// outside; as static fields they lose nothing.
+Growth GrowCluster(const SpectrumInput& Input, const SpinPart& Part, const std::vector<std::size_t>& Core,
+                   double LargestCost) {
+  Growth Result{.Sites = Core, .Influence = std::vector<double>(Core.size(), 1.0)};
+  std::vector<int> Degeneracies;
+  for (const std::size_t Site : Core) Degeneracies.push_back(Input.Sites[Site].Degeneracy);
+  std::vector<double> Reach(Part.Sites.size());
+  std::vector<bool> Closed(Part.Sites.size());
+  for (std::size_t K = 0; K < Part.Sites.size(); ++K) {
+    const std::size_t Site = Part.Sites[K];
+    Closed[K] = !Input.Sites[Site].Observed || std::find(Core.begin(), Core.end(), Site) != Core.end();
+    if (Closed[K]) continue;
+    for (const std::size_t Member : Core) Reach[K] += Strength(Input, Member, Site);
+  }
+  while (true) {
+    std::size_t Best = Part.Sites.size();
+    for (std::size_t K = 0; K < Part.Sites.size(); ++K) {
+      if (!Closed[K] && Reach[K] > 0.0 && (Best == Part.Sites.size() || Reach[K] > Reach[Best])) Best = K;
+    }
+    if (Best == Part.Sites.size()) return Result;
+    Closed[Best] = true;
+    const std::size_t Site = Part.Sites[Best];
+    Degeneracies.push_back(Input.Sites[Site].Degeneracy);
+    if (SumOfCubes(Degeneracies) > LargestCost) {
+      Degeneracies.pop_back();
+      if (Result.Refused == NoSite) Result.Refused = Site;
+      continue;
+    }
+    const double Influence = Reach[Best] / (1.0 + 2.0 * Reach[Best]);
+    Result.Sites.push_back(Site);
+    Result.Influence.push_back(Influence);
+    for (std::size_t K = 0; K < Part.Sites.size(); ++K) {
+      if (!Closed[K]) Reach[K] += Influence * Strength(Input, Site, Part.Sites[K]);
+    }
+  }
+}
+
+// A few strongly coupled spins outside the cluster, or a single site.
+using OutsideUnit = std::vector<std::size_t>;
+
+std::vector<OutsideUnit> FindOutsideUnits(const SpectrumInput& Input, const std::vector<std::size_t>& Outside) {
+  constexpr std::size_t LargestUnit = 3;
+  struct Edge {
+    double Strength;
+    std::size_t A;
+    std::size_t B;
+  };
+  std::vector<Edge> Edges;
+  std::vector<std::size_t> UnitOf(Outside.size());
+  std::iota(UnitOf.begin(), UnitOf.end(), std::size_t{0});
+  for (std::size_t A = 0; A < Outside.size(); ++A) {
+    for (std::size_t B = 0; B < A; ++B) {
+      if (Input.Sites[Outside[A]].Degeneracy > 1 || Input.Sites[Outside[B]].Degeneracy > 1) continue;
+      const double Value = Strength(Input, Outside[A], Outside[B]);
+      if (Value > PairStrength) Edges.push_back({Value, A, B});
+    }
+  }
+  std::stable_sort(Edges.begin(), Edges.end(), [](const Edge& A, const Edge& B) { return A.Strength > B.Strength; });
+  for (const Edge& Item : Edges) {
+    const std::size_t Kept = UnitOf[Item.A];
+    const std::size_t Joined = UnitOf[Item.B];
+    const auto Size = std::count(UnitOf.begin(), UnitOf.end(), Kept) + std::count(UnitOf.begin(), UnitOf.end(), Joined);
+    if (Kept == Joined || static_cast<std::size_t>(Size) > LargestUnit) continue;
+    std::replace(UnitOf.begin(), UnitOf.end(), Joined, Kept);
+  }
+  std::map<std::size_t, OutsideUnit> Units;
+  for (std::size_t K = 0; K < Outside.size(); ++K) Units[UnitOf[K]].push_back(Outside[K]);
+  std::vector<OutsideUnit> Result;
+  for (auto& [Key, Unit] : Units) Result.push_back(std::move(Unit));
+  return Result;
+}
+
+void AddState(std::vector<FieldState>& States, FieldState State) {
+  const auto IsEqual = [&State](const FieldState& Other) {
+    return std::equal(Other.Field.begin(), Other.Field.end(), State.Field.begin(),
+                      [](double A, double B) { return std::fabs(A - B) < SameField; });
+  };
+  const auto Place = std::find_if(States.begin(), States.end(), IsEqual);
+  if (Place != States.end()) {
+    Place->Weight += State.Weight;
+  } else {
+    States.push_back(std::move(State));
+  }
+}
+
+// The states of n equivalent spins 1/2 by their total Mz.
+std::vector<FieldState> StatesOfSite(const SpectrumInput& Input, const std::vector<std::size_t>& Members,
+                                     std::size_t Site) {
+  const int Degeneracy = Input.Sites[Site].Degeneracy;
+  std::vector<FieldState> States;
+  double Weight = std::ldexp(1.0, -Degeneracy);
+  for (int Up = 0; Up <= Degeneracy; ++Up) {
+    FieldState State{.Weight = Weight};
+    for (const std::size_t Member : Members) State.Field.push_back((Up - 0.5 * Degeneracy) * Input.J(Site, Member));
+    AddState(States, std::move(State));
+    Weight = Weight * (Degeneracy - Up) / (Up + 1);
+  }
+  return States;
+}
+
+// The eigenstates of a few spins 1/2, with the mean <Iz> of each spin as its static field.
+std::vector<FieldState> StatesOfSpins(const SpectrumInput& Input, const std::vector<std::size_t>& Members,
+                                      const OutsideUnit& Unit) {
+  constexpr double Apart = 1e6;  // Hz, added to every spin so that states of different total Mz do not mix
+  const std::size_t NumStates = std::size_t{1} << Unit.size();
+  const auto Mz = [](std::size_t State, std::size_t Spin) { return (State >> Spin & 1) != 0 ? 0.5 : -0.5; };
+  std::vector<double> Matrix(NumStates * NumStates);
+  for (std::size_t State = 0; State < NumStates; ++State) {
+    double& Diagonal = Matrix[State * NumStates + State];
+    for (std::size_t A = 0; A < Unit.size(); ++A) {
+      Diagonal += Mz(State, A) * (Apart + Input.Sites[Unit[A]].Frequency - Input.Sites[Unit[0]].Frequency);
+      for (std::size_t B = 0; B < A; ++B) {
+        const double J = Input.J(Unit[A], Unit[B]);
+        Diagonal += J * Mz(State, A) * Mz(State, B);
+        const std::size_t Flipped = State ^ (std::size_t{1} << A) ^ (std::size_t{1} << B);
+        if (Mz(State, A) != Mz(State, B)) Matrix[State * NumStates + Flipped] += 0.5 * J;
+      }
+    }
+  }
+  std::vector<double> Energies;
+  DiagonalizeSymmetric(Matrix, NumStates, Energies);
+  std::vector<FieldState> States;
+  for (std::size_t Own = 0; Own < NumStates; ++Own) {
+    FieldState State{.Weight = 1.0 / double(NumStates), .Field = std::vector<double>(Members.size())};
+    for (std::size_t Spin = 0; Spin < Unit.size(); ++Spin) {
+      double Mean = 0.0;
+      for (std::size_t K = 0; K < NumStates; ++K) {
+        Mean += Mz(K, Spin) * Matrix[Own * NumStates + K] * Matrix[Own * NumStates + K];
+      }
+      for (std::size_t I = 0; I < Members.size(); ++I) State.Field[I] += Mean * Input.J(Unit[Spin], Members[I]);
+    }
+    AddState(States, std::move(State));
+  }
+  return States;
+}
+
+// How much the states of a unit change the mixing of the members beyond first order: the largest product of a pair's
+// influence, its mixing, and the difference of the fields on the two in terms of their distance.
+double MixingByFields(const SpectrumInput& Input, const Growth& Members, const std::vector<FieldState>& States) {
+  double Largest = 0.0;
+  for (std::size_t A = 0; A < Members.Sites.size(); ++A) {
+    for (std::size_t B = 0; B < A; ++B) {
+      const double J = Input.J(Members.Sites[A], Members.Sites[B]);
+      if (J == 0.0) continue;
+      double Spread = 0.0;
+      for (const FieldState& State : States) Spread = std::max(Spread, std::fabs(State.Field[A] - State.Field[B]));
+      const double Distance = Input.Sites[Members.Sites[A]].Frequency - Input.Sites[Members.Sites[B]].Frequency;
+      Largest = std::max(Largest, std::sqrt(Members.Influence[A] * Members.Influence[B]) * std::fabs(J) * Spread /
+                                      (Distance * Distance + J * J + 1.0));
+    }
+  }
+  return Largest;
+}
+
+void MultiplyStates(std::vector<FieldState>& Product, const std::vector<FieldState>& Factor) {
+  std::vector<FieldState> Result;
+  for (const FieldState& A : Product) {
+    for (const FieldState& B : Factor) {
+      FieldState State{.Weight = A.Weight * B.Weight, .Field = A.Field};
+      for (std::size_t I = 0; I < State.Field.size(); ++I) State.Field[I] += B.Field[I];
+      AddState(Result, std::move(State));
+    }
+  }
+  Product = std::move(Result);
+}
+
+// By how much a cluster of this level may be diagonalised anew for the states of its surroundings.
+std::size_t LargestFieldCount(int Level) { return std::size_t{1} << std::clamp(Level - 2, 1, 6); }
+double SmallestMixing(int Level) { return 0.02 * std::pow(0.6, Level); }
+
+// Fills what stands outside the members.
+void AddSurroundings(const SpectrumInput& Input, const SpinPart& Part, const Growth& Members, int Level,
+                     ClusterPlan& Plan) {
+  std::vector<std::size_t> Outside;
+  Plan.Shift.assign(Members.Sites.size(), 0.0);
+  for (const std::size_t Site : Part.Sites) {
+    if (std::find(Members.Sites.begin(), Members.Sites.end(), Site) != Members.Sites.end()) continue;
+    bool Acts = false;
+    for (std::size_t I = 0; I < Members.Sites.size(); ++I) {
+      const double J = Input.J(Site, Members.Sites[I]);
+      if (J == 0.0) continue;
+      Acts = true;
+      const double Distance = Input.Sites[Members.Sites[I]].Frequency - Input.Sites[Site].Frequency;
+      Plan.Shift[I] += Input.Sites[Site].Degeneracy * J * J * Distance / (4.0 * (Distance * Distance + J * J));
+    }
+    if (Acts) Outside.push_back(Site);
+  }
+  Plan.IsWhole = Outside.empty();
+  struct Ranked {
+    double Mixing;
+    std::vector<FieldState> States;
+  };
+  std::vector<Ranked> Units;
+  for (const OutsideUnit& Unit : FindOutsideUnits(Input, Outside)) {
+    auto States =
+        Unit.size() == 1 ? StatesOfSite(Input, Members.Sites, Unit[0]) : StatesOfSpins(Input, Members.Sites, Unit);
+    const double Mixing = MixingByFields(Input, Members, States);
+    Units.push_back({Mixing, std::move(States)});
+  }
+  std::stable_sort(Units.begin(), Units.end(), [](const Ranked& A, const Ranked& B) { return A.Mixing > B.Mixing; });
+  Plan.Fields = {{.Weight = 1.0, .Field = std::vector<double>(Members.Sites.size())}};
+  for (Ranked& Unit : Units) {
+    if (Unit.Mixing > SmallestMixing(Level) && Plan.Fields.size() * Unit.States.size() <= LargestFieldCount(Level)) {
+      MultiplyStates(Plan.Fields, Unit.States);
+    } else {
+      Plan.Weak.push_back(std::move(Unit.States));
+    }
+  }
+}
+
+}  // namespace
+
+double SumOfCubes(const std::vector<int>& Degeneracies) {
+  std::vector<int> Choice = Degeneracies;
+  double Sum = 0.0;
+  double NumChoices = 1.0;
+  for (const int Degeneracy : Degeneracies) NumChoices *= Degeneracy / 2 + 1;
+  if (NumChoices > LargestCombination) return NumChoices * SumOfCubesOf(Choice);
+  while (true) {
+    Sum += SumOfCubesOf(Choice);
+    std::size_t K = 0;
+    for (; K < Choice.size() && Choice[K] < 2; ++K) Choice[K] = Degeneracies[K];
+    if (K == Choice.size()) return Sum;
+    Choice[K] -= 2;
+  }
+}
+
+std::vector<std::vector<std::size_t>> FindCores(const SpectrumInput& Input, const SpinPart& Part) {
+  struct Edge {
+    double Strength;
+    std::size_t A;
+    std::size_t B;
+  };
+  std::vector<Edge> Edges;
+  for (std::size_t A = 0; A < Part.Sites.size(); ++A) {
+    for (std::size_t B = 0; B < A; ++B) {
+      const SpinSite& First = Input.Sites[Part.Sites[A]];
+      const SpinSite& Second = Input.Sites[Part.Sites[B]];
+      if (First.Degeneracy > 1 || Second.Degeneracy > 1 || !First.Observed || !Second.Observed) continue;
+      const double Value = Strength(Input, Part.Sites[A], Part.Sites[B]);
+      if (Value > PairStrength) Edges.push_back({Value * std::fabs(Input.J(Part.Sites[A], Part.Sites[B])), B, A});
+    }
+  }
+  std::stable_sort(Edges.begin(), Edges.end(), [](const Edge& A, const Edge& B) { return A.Strength > B.Strength; });
+  std::vector<std::vector<std::size_t>> Cores;
+  std::vector<bool> Taken(Part.Sites.size());
+  for (const Edge& Item : Edges) {
+    if (Taken[Item.A] || Taken[Item.B]) continue;
+    Taken[Item.A] = Taken[Item.B] = true;
+    Cores.push_back({Part.Sites[Item.A], Part.Sites[Item.B]});
+  }
+  for (std::size_t K = 0; K < Part.Sites.size(); ++K) {
+    if (!Taken[K] && Input.Sites[Part.Sites[K]].Observed) Cores.push_back({Part.Sites[K]});
+  }
+  return Cores;
+}
+
+std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart& Part,
+                                      const std::vector<std::vector<std::size_t>>& Cores, int Level) {
+  const double LargestCost = SumOfCubes(std::vector<int>(static_cast<std::size_t>(Level), 1));
+  // By the members; the influence of each is the largest on any of the cores.
+  std::map<std::vector<std::size_t>, std::map<std::size_t, double>> Clusters;
+  std::map<std::vector<std::size_t>, std::size_t> Refused;
+  for (const auto& Core : Cores) {
+    const Growth Members = GrowCluster(Input, Part, Core, LargestCost);
+    std::vector<std::size_t> Key = Members.Sites;
+    std::sort(Key.begin(), Key.end());
+    Refused.try_emplace(Key, Members.Refused);
+    auto& Influences = Clusters[Key];
+    for (std::size_t I = 0; I < Members.Sites.size(); ++I) {
+      double& Influence = Influences[Members.Sites[I]];
+      Influence = std::max(Influence, Members.Influence[I]);
+    }
+  }
+  std::vector<ClusterPlan> Plans;
+  for (const auto& [Key, Influences] : Clusters) {
+    ClusterPlan Plan{.Sites = Key, .Refused = Refused[Key]};
+    Growth Members{.Sites = Key};
+    std::vector<int> Degeneracies;
+    for (std::size_t I = 0; I < Key.size(); ++I) {
+      const double Influence = Influences.at(Key[I]);
+      Members.Influence.push_back(Influence);
+      Degeneracies.push_back(Input.Sites[Key[I]].Degeneracy);
+      if (Influence == 1.0) Plan.Cores.push_back(I);
+    }
+    AddSurroundings(Input, Part, Members, Level, Plan);
+    Plan.Operations = SumOfCubes(Degeneracies) * double(Plan.Fields.size()) *
+                      (OperationsPerCube + OperationsPerMoment * double(1 + Plan.Cores.size()));
+    Plans.push_back(std::move(Plan));
+  }
+  return Plans;
+}
+
+}  // namespace nmrcalc

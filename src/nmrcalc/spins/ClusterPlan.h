@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "nmrcalc/input/SpectrumInput.h"
+#include "nmrcalc/spins/SpinSystem.h"
+
+namespace nmrcalc {
+
+// How a part that is too large for one piece is cut. Each observed site, or strongly coupled pair of sites, is the core
+// of a cluster: the sites of its neighbourhood that matter most. A cluster is simulated exactly, and only the lines of
+// its cores are kept. The sites outside act on it as static fields.
+
+inline constexpr auto NoSite = static_cast<std::size_t>(-1);
+
+// One state of what stands outside: the frequency that it adds to each member of the cluster.
+struct FieldState {
+  double Weight = 1.0;
+  std::vector<double> Field{};  // Hz, as ClusterPlan::Sites
+};
+
+struct ClusterPlan {
+  std::vector<std::size_t> Sites{};  // indices into SpectrumInput::Sites, rising
+  std::vector<std::size_t> Cores{};  // places in Sites
+  std::vector<double> Shift{};       // Hz, as Sites: the second-order shift by the sites outside
+  // States of the outside that change how the members mix: the cluster is diagonalised in each. The weights add up
+  // to 1.
+  std::vector<FieldState> Fields{};
+  // What acts on the lines in first order alone: for each spin or small group of spins outside, its states.
+  std::vector<std::vector<FieldState>> Weak{};
+  bool IsWhole = false;  // nothing is left outside
+  // The most influential site that was too large for the level; NoSite when there is none.
+  std::size_t Refused = NoSite;
+  double Operations = 0.0;  // floating point operations, estimated
+};
+
+// The observed sites of a part in the groups that share a cluster.
+std::vector<std::vector<std::size_t>> FindCores(const SpectrumInput& Input, const SpinPart& Part);
+
+// The clusters of one level: each costs no more than Level strongly coupled spins 1/2, as far as its core leaves a
+// choice. Cores of equal clusters are together in one.
+std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart& Part,
+                                      const std::vector<std::vector<std::size_t>>& Cores, int Level);
+
+// The sum of the cubes of the blocks of sites of these degeneracies, over all total spins; what a diagonalisation
+// costs.
+double SumOfCubes(const std::vector<int>& Degeneracies);
+
+}  // namespace nmrcalc
