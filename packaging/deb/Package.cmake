@@ -13,15 +13,16 @@ set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "Zelvanor takes a molecule from a file of any kind or from the Morvantis
 modelling program, predicts its shielding constants, shielding tensors and
-spin-spin couplings by a model learned from measured spectra, and simulates the
-spectrum of the spin system, exactly or with a told error. It shows spectrum,
-tables, plots and the molecule in three dimensions, and lays a measured spectrum
-beside.
+spin-spin couplings by a model learned from measured spectra, and simulates
+the spectrum of the spin system, exactly or with a told error. It shows
+spectrum, tables, plots and the molecule in three dimensions, and lays a
+measured spectrum beside.
 .
-The package has the window (zelvanor), the same program for scripts without a
-display (zelvanor-batch), the prediction of many spectra (zelvanor-predict), the
-reader of molecule files (zelvanor-convert), the backend of the calculations, a
-stand-in for the modelling program (morvantis-sim), the manual and examples.")
+The package has the window (zelvanor), the same program for scripts without
+a display (zelvanor-batch), the prediction of many spectra (zelvanor-
+predict), the reader of molecule files (zelvanor-convert), the backend of
+the calculations, a stand-in for the modelling program (morvantis-sim), the
+manual and examples.")
 # The libraries are found out from the programs; the drawings of the icons and the text need more than these.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, fonts-dejavu-core | fonts-liberation | fonts-freefont-ttf")
