@@ -12,6 +12,7 @@
 #include "qt/Dispatch.h"
 #include "qt/TextConversion.h"
 #include "qt/frame/DarkOutlines.h"
+#include "qt/frame/FirstSight.h"
 #include "qt/frame/HostLink.h"
 #include "qt/frame/MainWindow.h"
 #include "qt/frame/OpenFiles.h"
@@ -66,11 +67,13 @@ void OfferLeftWork() {
 int Run(const Text& CommandLine, const Text& Document) {
   UseQtServices();
   UseHostLink();
+  WantFirstSight();
   BuildProgram();
   const auto Window = MakeMainWindow();
   Dispatch([&] { Form_Load(CommandLine); });
   if (ProgramHasEnded()) return 0;
   if (!Window->isVisible()) return 1;  // a failure has been shown, and there is nothing to go on with
+  FollowDesktopColours(Window.get());
   OfferLeftWork();
   if (!ProgramHasEnded()) OpenDocument(Document);
   QTimer Times;

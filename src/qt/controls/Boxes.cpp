@@ -8,6 +8,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QThread>
 #include <QWindow>
 #include <utility>
 
@@ -115,17 +116,25 @@ constexpr const char* NoHost = "No running Morvantis.";
 // Who works without the host need not be told at each start.
 bool MayBeSilent(const MessageBox& Box) { return Box.Message.ends_with(NoHost); }
 
-// A box stands in the middle of its window only once the desktop has given the window its place.
+// A box stands in the middle of its window only once the desktop has given the window its place, which it may tell a
+// little after the window has come up.
 void WaitForPlace(const QWidget* Window) {
   constexpr int Longest = 1000;  // milliseconds
+  constexpr int Settled = 100;
   constexpr int Rest = 10;
-  if (Window == nullptr || Window->windowHandle() == nullptr) return;
+  static bool Placed = false;
+  if (Placed || Window == nullptr || Window->windowHandle() == nullptr) return;
   QElapsedTimer Waited;
+  QElapsedTimer Unmoved;
   Waited.start();
-  while (!Window->windowHandle()->isExposed() && Waited.elapsed() < Longest) {
+  Unmoved.start();
+  QPoint Place = Window->pos();
+  while (Waited.elapsed() < Longest && (!Window->windowHandle()->isExposed() || Unmoved.elapsed() < Settled)) {
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, Rest);
+    QThread::msleep(Rest);
+    if (std::exchange(Place, Window->pos()) != Window->pos() || !Window->windowHandle()->isExposed()) Unmoved.restart();
   }
-  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  Placed = true;
 }
 
 }  // namespace
