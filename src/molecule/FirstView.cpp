@@ -16,7 +16,7 @@ constexpr std::size_t MostTilted = 400;
 constexpr Double TiltStep = 10;  // degrees
 constexpr int MostTilts = 3;     // to either side
 // A degree of tilt counts as much as this share of an angstrom of overlap: the longest axes stay nearly in the plane.
-constexpr Double TiltCost = 0.004;
+constexpr Double TiltCost = 0.001;
 
 Square FindSpread(const std::vector<RenderAtom>& Atoms) {
   ViewVector Middle{};
