@@ -16,7 +16,7 @@ constexpr std::size_t MostTilted = 400;
 constexpr Double TiltStep = 10;  // degrees
 constexpr int MostTilts = 3;     // to either side
 // A degree of tilt counts as much as this share of an angstrom of overlap: the longest axes stay nearly in the plane.
-constexpr Double TiltCost = 0.001;
+constexpr Double TiltCost = 0.004;
 
 Square FindSpread(const std::vector<RenderAtom>& Atoms) {
   ViewVector Middle{};
@@ -106,8 +106,7 @@ ViewMatrix FindFirstView(const RenderControl& Control) {
       RotateAxis(DegreesToRadians(AboutX * TiltStep), 0, Tilted);
       RotateAxis(DegreesToRadians(AboutY * TiltStep), 1, Tilted);
       const Double Tilt = TiltStep * std::hypot(AboutX, AboutY);
-      const Double Cost =
-          FindOverlap(Control.Atoms, Tilted) + TiltCost * Tilt * static_cast<Double>(Control.Atoms.size());
+      const Double Cost = FindOverlap(Control.Atoms, Tilted) + TiltCost * Tilt;
       if (Cost >= Least) continue;
       Least = Cost;
       Best = Tilted;

@@ -12,6 +12,7 @@
 #include "qt/Dispatch.h"
 #include "qt/TextConversion.h"
 #include "qt/controls/Boxes.h"
+#include "qt/frame/ContextMenus.h"
 #include "qt/frame/DarkOutlines.h"
 #include "qt/frame/FirstSight.h"
 #include "qt/frame/HostLink.h"
@@ -95,6 +96,7 @@ int Run(const Text& CommandLine, const Text& Document) {
   FollowDesktopColours(Window.get());
   AnswerCalls(Window.get());
   FollowDocuments(*Window);
+  AddContextMenus();
   OfferLeftWork();
   if (!ProgramHasEnded()) OpenDocument(Document);
   QTimer Times;
