@@ -375,6 +375,7 @@ void SetFixedState() {
   SetVisible(Main.ShieldTable, False);
   LayOutWindow();
   InitSpectrumView();
+  if (Settings.FirstSight) StartAtFirstSight();
   InitMeasuredView();
   SetChecked(Main.mnuLorentzian, True);
   SetChecked(Main.mnuGaussian, False);
