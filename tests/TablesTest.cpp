@@ -212,7 +212,7 @@ void Type(TextView Keys) {
 
 TEST_F(TablesTest, OpenValueIsStoredWhereItWasTyped) {
   Show(CouplingView);
-  PickCell(Table, 4, 4);
+  PickRange(Table, 4, 4, 4, 4);
   Type("8");
   // The other table has no such row.
   Show(ShieldingView);

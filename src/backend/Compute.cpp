@@ -43,26 +43,26 @@ const char* ComputedItem() {
 // The user has given the calculation up.
 struct RunCancelled {};
 
-// Starts a stage and waits for it. Purpose stands in the message behind the program's name. False when it can't start.
-bool RunBackend(TextView Stage, const char* Purpose) {
+// Starts a stage and waits for it. WhatFor stands in the message behind the program's name. False when it can't start.
+bool RunBackend(TextView Stage, const char* WhatFor) {
   Long Process = 0;
   try {
     Process = Platform.Shell(BackendWords(Stage, Settings.NMRIniPath));
   } catch (const Failure& Problem) {
-    ShowError(Join("Unable to run the backend: ", "<", Settings.CalcExeFile, Purpose, Problem.What, "."));
+    ShowError(Join("Unable to run the backend: ", "<", Settings.CalcExeFile, WhatFor, Problem.What, "."));
     return false;
   }
   if (!WaitForBackend(Process)) throw RunCancelled();
   return true;
 }
 
-bool RunStage1(const char* Purpose) {
+bool RunStage1(const char* WhatFor) {
   ShowStatus(Join("Computing the NMR ", ComputedItem(), "..."));
   // Error bars of an earlier run, which a backend without them would leave in place.
   if (IsSet(FileExists(Settings.ParamErrorFile)) && !IsSet(EmptyResultFile(Settings.ParamErrorFile))) return false;
   std::remove(Settings.ParamReferenceFile.c_str());
   if (!IsSet(EmptyResultFile(Settings.ParamOutputFile)) || !IsSet(WriteParamInput(Settings.ParamInputFile)) ||
-      !RunBackend("1", Purpose) || !IsSet(ReadParamResults(Settings.ParamOutputFile))) {
+      !RunBackend("1", WhatFor) || !IsSet(ReadParamResults(Settings.ParamOutputFile))) {
     return false;
   }
   TakeLevelReferences();
@@ -86,11 +86,11 @@ bool AcceptSize() {
   return true;
 }
 
-bool RunStage2(const char* Purpose) {
+bool RunStage2(const char* WhatFor) {
   ShowStatus("Computing the NMR spectrum...");
   RemovePeakMap();
   if (!IsSet(EmptyResultFile(Settings.SpectOutputFile)) || !IsSet(WriteSpectInput(Settings.SpectInputFile)) ||
-      !RunBackend("2", Purpose) || !IsSet(ReadSpectResults(Settings.SpectOutputFile))) {
+      !RunBackend("2", WhatFor) || !IsSet(ReadSpectResults(Settings.SpectOutputFile))) {
     return false;
   }
   ReadPeakMap();

@@ -96,7 +96,6 @@ Htr HtrCreate() {
 }
 
 void DestroyHtr(Htr Tree) { AllTrees().Trees.erase(Tree); }
-int CountTrees() { return static_cast<int>(AllTrees().Trees.size()); }
 
 Id IdCreateSystemHtrId(Htr Tree) { return CreateNode(Tree, 0, SystemNodeKind, 0); }
 Id IdCreateMoleculeHtrId(Htr Tree, Id System) { return CreateNode(Tree, System, MoleculeNodeKind, SystemNodeKind); }

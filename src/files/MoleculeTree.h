@@ -24,8 +24,6 @@ enum BondOrder : int { NoOrder, SingleOrder, DoubleOrder, TripleOrder, AromaticO
 
 Htr HtrCreate();
 void DestroyHtr(Htr Tree);
-// Trees that are alive.
-int CountTrees();
 
 Id IdCreateSystemHtrId(Htr Tree);
 Id IdCreateMoleculeHtrId(Htr Tree, Id System);

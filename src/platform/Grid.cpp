@@ -170,8 +170,6 @@ void SetGridSelection(GridControl& Grid, int StartRow, int EndRow, int StartCol,
   Fire(Grid.SelChange);
 }
 
-void PickCell(GridControl& Grid, int Row, int Col) { PickRange(Grid, Row, Col, Row, Col); }
-
 void PickRange(GridControl& Grid, int FromRow, int FromCol, int ToRow, int ToCol) {
   NeedCell(Grid, FromRow, FromCol);
   NeedCell(Grid, ToRow, ToCol);

@@ -65,9 +65,8 @@ void SetCellNumbers(GridControl& Grid, int Row, int Col, std::span<const Single>
 void SetCurrentCell(GridControl& Grid, int Row, int Col);
 void SetGridSelection(GridControl& Grid, int StartRow, int EndRow, int StartCol, int EndCol);
 
-// Moves of the user: one cell, which becomes the selection; a range from the cell where it begins, which becomes the
-// current one, to its other end. A range may reach into the headers, the current cell does not.
-void PickCell(GridControl& Grid, int Row, int Col);
+// A move of the user: a range from the cell where it begins, which becomes the current one, to its other end; one cell
+// alone is a range. A range may reach into the headers, the current cell does not.
 void PickRange(GridControl& Grid, int FromRow, int FromCol, int ToRow, int ToCol);
 void PressGridKey(GridControl& Grid, int KeyAscii);
 

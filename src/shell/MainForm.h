@@ -158,8 +158,6 @@ struct ToolRow {
   const char* Help;
 };
 
-std::span<const ToolRow> ToolRows();
-
 // Gives the menu items and toolbar buttons what the tables hold. Once, before the window is shown.
 void BuildMainForm();
 

@@ -142,7 +142,6 @@ constexpr std::array<ToolRow, NumToolButtons> Tools = {{
 }  // namespace
 
 std::span<const MenuRow> MenuRows() { return Rows; }
-std::span<const ToolRow> ToolRows() { return Tools; }
 
 MainForm Main;
 
