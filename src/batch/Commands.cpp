@@ -216,6 +216,7 @@ std::map<Text, CommandRow>& Commands() {
       {"view", {[](const Words& All) { WriteView(All[1].Value); }, 1, true}},
       {"chart", {[](const Words& All) { pictures::WriteChartPicture(All[1].Value); }, 1, true}},
       {"save", {SaveSpectrum, 1, true}},
+      {"report", {[](const Words& All) { WriteReport(All[1].Value); }, 1, true}},
       {"measured",
        {[](const Words& All) { RunRecorded("changing the measured spectrum", [&] { Measured(All); }); }, 1, true}},
       {"undo", {[](const Words&) { GoStep(GoBack, "undone ", "nothing to undo"); }, 0, true}},

@@ -11,6 +11,7 @@
 #include "pictures/ViewPictures.h"
 #include "platform/TextFiles.h"
 #include "predict/Task.h"
+#include "report/Report.h"
 #include "shell/Frame.h"
 #include "spectrum/PeakLists.h"
 #include "spectrum/SpectrumDrawing.h"
@@ -85,9 +86,9 @@ const std::vector<FormatRow>& FormatRows() {
       {"pdf", true, [](const Text& Path) { pictures::WriteViewPicture(Path); }},
       {"csv", true, [](const Text& Path) { WriteWholeFile(Path, BuildPeakCsv()); }},
       {"jdx", true, [](const Text& Path) { WriteWholeFile(Path, BuildPeakJcamp()); }},
-      {"html", false, nullptr},
-      {"sdf", false, nullptr},
-      {"txt", false, nullptr},
+      {"html", false, [](const Text& Path) { WriteWholeFile(Path, BuildReportPage(Path + ".svg")); }},
+      {"sdf", false, [](const Text& Path) { WriteWholeFile(Path, BuildNmreData()); }},
+      {"txt", false, [](const Text& Path) { WriteWholeFile(Path, BuildPublicationText()); }},
   };
   return Rows;
 }
@@ -145,6 +146,7 @@ Outputs CollectOutputs(const Options& Given) {
     All.Shifts.push_back({.Atom = Atom,
                           .Element = ElementSymbol(W.AtomicNumber[Atom - 1]),
                           .Shift = Double{W.ChemicalShift[Entry]},
+                          .Error = Entry <= W.ShieldingError.UpperBound() ? Double{W.ShieldingError[Entry]} : 0,
                           .Shielding = Double{W.Shielding[Entry]},
                           .Class = Classes.at(static_cast<std::size_t>(Atom - 1))});
     for (int Other = Entry + 1; Other < W.NumNMRAtoms; ++Other) {

@@ -7,6 +7,7 @@
 #include "files/Converter.h"
 #include "files/FileCommands.h"
 #include "onestep/PredictSpectrum.h"
+#include "pictures/ViewPictures.h"
 #include "platform/Paths.h"
 #include "platform/TextFiles.h"
 #include "platform/posix/PosixServices.h"
@@ -50,6 +51,7 @@ void UseFolder(const Text& Folder) {
   Settings.NMRIniPath = Folder;
   Settings.ParamInputFile = Folder + "/nmrparam.in";
   Settings.ParamOutputFile = Folder + "/nmrparam.out";
+  Settings.ParamErrorFile = Folder + "/nmrparam.err";
   Settings.SpectInputFile = Folder + "/nmrspect.in";
   Settings.SpectOutputFile = Folder + "/nmrspect.out";
 }
@@ -96,6 +98,7 @@ void Compute(const Options& Given) {
 void StartProgram() {
   UsePosixServices();
   Platform.ShowBox = TakeBox;
+  Platform.WriteViewPicture = pictures::WriteViewPicture;
   Platform.ControlChanged = [](Control&, Property) {};
   Platform.OtherInstanceRuns = [] { return false; };
   Platform.DoEvents = [] {
