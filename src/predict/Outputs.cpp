@@ -59,6 +59,14 @@ std::vector<LineRow> ReadLines(const Text& Csv) {
   return Lines;
 }
 
+// The backend tells the error of a spectrum that it had to cut, in percent, in the description.
+Double ToldError() {
+  constexpr TextView Words = "estimated error ";
+  const Text Told = W.SpectDescription;
+  const std::size_t Place = Told.find(Words);
+  return Place == Text::npos ? 0 : PrefixNumber(TextView(Told).substr(Place + Words.size())) / 100;
+}
+
 void ShowPicture(const Options& Given) {
   EnterSpectrumView();
   if (Rooms.LinesAndEnvelopCommand) Rooms.LinesAndEnvelopCommand();
@@ -124,9 +132,10 @@ Text JsonList(const char* Key, const std::vector<Row>& Rows, const Show& ShowRow
   return List + "]";
 }
 
-Text JsonTail(const Options& Given, Double Seconds) {
+Text JsonTail(const Options& Given, Double Error, Double Seconds) {
   return Join(",\"method\":\"", Given.Quantum ? "quantum" : "fast",
-              "\",\"exact\":true,\"seconds\":", FormatNumber(Seconds, "0.00"), "}");
+              "\",\"exact\":", Error > 0 ? FormatNumber(Error, "0.0#####") : Text("true"),
+              ",\"seconds\":", FormatNumber(Seconds, "0.00"), "}");
 }
 
 }  // namespace
@@ -159,6 +168,7 @@ Outputs CollectOutputs(const Options& Given) {
   if (Given.Observed->SpinHalf) {
     ShowPicture(Given);
     All.Lines = ReadLines(BuildPeakCsv());
+    All.Error = ToldError();
   }
   return All;
 }
@@ -195,12 +205,12 @@ Text JsonOf(const Options& Given, const Text& Name, const Outputs& Numbers, Doub
     return Join("{\"ppm\":", FormatNumber(Row.Ppm, "0.0#####"), ",\"hz\":", FormatNumber(Row.Hz, "0.0###"),
                 ",\"intensity\":", FormatNumber(Row.Intensity, "0.0#####"), "}");
   });
-  return Json + JsonTail(Given, Seconds);
+  return Json + JsonTail(Given, Numbers.Error, Seconds);
 }
 
 Text FailedJson(const Options& Given, const Text& Name, const Text& Message, Double Seconds) {
   return JsonHead(Given, Name, "failed", Message) + ",\"shifts\":[],\"couplings\":[],\"lines\":[]" +
-         JsonTail(Given, Seconds);
+         JsonTail(Given, 0, Seconds);
 }
 
 Text CsvCell(const Text& Value) {
