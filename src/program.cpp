@@ -174,6 +174,13 @@ constexpr StepName StepNames[] = {
     {&MainForm::mnuEditCalculateTypes, "recalculating atom types"},
     {&MainForm::mnuUndo, ""},
     {&MainForm::mnuRedo, ""},
+    // A value that is still being typed is stored when the view changes, as a step under its own name.
+    {&MainForm::mnuViewMolecule, ""},
+    {&MainForm::mnuViewShielding, ""},
+    {&MainForm::mnuViewCoupling, ""},
+    {&MainForm::mnuLines, ""},
+    {&MainForm::mnuEnvelop, ""},
+    {&MainForm::mnuLinesAndEnvelop, ""},
     {&MainForm::mnuSetupNMRParam, "setting up shielding and coupling"},
     {&MainForm::mnuSetupNMRSpect, "setting up the spectrum"},
     {&MainForm::mnuSetupReferenceShielding, "setting reference shieldings"},
@@ -201,7 +208,7 @@ Text StepNameOf(const MenuItem& Item) {
 }
 
 void ShieldTable_Record(const Event& Work) {
-  RunRecorded(W.ViewMode == CouplingView ? "typing a coupling" : "typing a shielding", Work);
+  RunRecorded(TableEditing.EditView == CouplingView ? "typing a coupling" : "typing a shielding", Work);
 }
 
 void RecordTableEdit() {
@@ -387,6 +394,7 @@ void SetFixedState() {
   SetVisible(Main.ShieldTable, False);
   LayOutWindow();
   InitSpectrumView();
+  if (Settings.FirstSight) StartAtFirstSight();
   InitMeasuredView();
   SetChecked(Main.mnuLorentzian, True);
   SetChecked(Main.mnuGaussian, False);

@@ -63,6 +63,7 @@ void BuildRecordForm() {
   RecordForm& D = Dialog;
   D.frmRecords.Caption = "Choose Record";
   D.Label1.Caption = "&Search:";
+  D.Label2.AccessibleName = "Records that match";
   D.Text1.Change = ShowMatches;
   D.List1.AccessibleName = "Records of the file";
   D.List1.EmptyHint = "No record has this in its number, name or formula.";

@@ -116,6 +116,7 @@ int ComputeNucleus(const Nucleus& Observed) {
 }
 
 void PredictSpectrum(const Nucleus& Observed) {
+  Fire(Rooms.EndTableEdit);
   if (!IsSet(W.MoleculeLoaded)) return ShowWarning("There is no molecule: open one first.");
   try {
     if (!SetUpNucleus(Observed, 0)) {

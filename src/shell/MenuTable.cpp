@@ -43,7 +43,7 @@ constexpr std::array Rows = {
           "Open a measured spectrum beside the simulated one."),
     Below(&M::mnuFile, &M::mnuFileExport, "&Export...", "Ctrl+E",
           "Write what is shown as a picture, or its values for other programs."),
-    Below(&M::mnuFile, &M::mnuFileNewSmiles, "New From S&MILES...", "", "Make a molecule from its SMILES."),
+    Below(&M::mnuFile, &M::mnuFileNewSmiles, "New F&rom SMILES...", "", "Make a molecule from its SMILES."),
 
     Top(&M::mnuEdit, "&Edit", "Copy data to the clipboard."),
     Below(&M::mnuEdit, &M::mnuCopy, "&Copy", "Ctrl+C", "Copy the current image into the Windows clipboard."),
