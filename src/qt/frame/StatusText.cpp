@@ -88,7 +88,10 @@ class StatusLabel : public QLabel {
     const QString Hint = IsSet(Workspace.IsBusy) ? QString() : NextStep();
     const int Free = Room.width() - fontMetrics().horizontalAdvance(Fitting) - Gap;
     if (fontMetrics().horizontalAdvance(Hint) > Free) return;
-    Painter.setPen(palette().color(QPalette::PlaceholderText));
+    constexpr qreal Quiet = 0.65;  // of the text colour, which every theme has
+    QColor Pen = palette().color(QPalette::WindowText);
+    Pen.setAlphaF(Quiet);
+    Painter.setPen(Pen);
     Painter.drawText(Room, static_cast<int>(Qt::AlignRight | Qt::AlignVCenter), Hint);
   }
 
