@@ -14,6 +14,8 @@
 #include "basic/NumberText.h"
 #include "files/FileCommands.h"
 #include "files/ZMatrixImport.h"
+#include "files/frmRecords.h"
+#include "files/frmSmiles.h"
 #include "history/History.h"
 #include "history/Recovery.h"
 #include "host/GetCommand.h"
@@ -29,9 +31,11 @@
 #include "molecule/MouseDrag.h"
 #include "molecule/TakeSystem.h"
 #include "molecule/frmRender.h"
+#include "onestep/PredictSpectrum.h"
 #include "platform/Paths.h"
 #include "platform/RenderScene.h"
 #include "platform/Variables.h"
+#include "report/ReadNmreData.h"
 #include "settings/ColorSets.h"
 #include "settings/Settings.h"
 #include "settings/frmPreference.h"
@@ -129,6 +133,13 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuComputeNMR, mnuComputeNMR_Click},
     {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
     {&MainForm::mnuComputeAll, mnuComputeAll_Click},
+    {&MainForm::mnuFileNewSmiles, mnuFileNewSmiles_Click},
+    {&MainForm::mnuPredict1H, [] { PredictSpectrum(Nuclei[0]); }},
+    {&MainForm::mnuPredict13C, [] { PredictSpectrum(Nuclei[1]); }},
+    {&MainForm::mnuPredict15N, [] { PredictSpectrum(Nuclei[2]); }},
+    {&MainForm::mnuPredict17O, [] { PredictSpectrum(Nuclei[3]); }},
+    {&MainForm::mnuPredict19F, [] { PredictSpectrum(Nuclei[4]); }},
+    {&MainForm::mnuPredict31P, [] { PredictSpectrum(Nuclei[5]); }},
     {&MainForm::mnuHelpContents, mnuHelpContents_Click, TableEdit::StaysOpen},
     {&MainForm::mnuHelpUsing, mnuHelpUsing_Click, TableEdit::StaysOpen},
     {&MainForm::mnuAbout, mnuAbout_Click, TableEdit::StaysOpen},
@@ -163,12 +174,26 @@ constexpr StepName StepNames[] = {
     {&MainForm::mnuEditCalculateTypes, "recalculating atom types"},
     {&MainForm::mnuUndo, ""},
     {&MainForm::mnuRedo, ""},
+    // A value that is still being typed is stored when the view changes, as a step under its own name.
+    {&MainForm::mnuViewMolecule, ""},
+    {&MainForm::mnuViewShielding, ""},
+    {&MainForm::mnuViewCoupling, ""},
+    {&MainForm::mnuLines, ""},
+    {&MainForm::mnuEnvelop, ""},
+    {&MainForm::mnuLinesAndEnvelop, ""},
     {&MainForm::mnuSetupNMRParam, "setting up shielding and coupling"},
     {&MainForm::mnuSetupNMRSpect, "setting up the spectrum"},
     {&MainForm::mnuSetupReferenceShielding, "setting reference shieldings"},
     {&MainForm::mnuComputeNMR, "computing shieldings and couplings"},
     {&MainForm::mnuComputeSpectra, "computing the spectrum"},
     {&MainForm::mnuComputeAll, "computing both stages"},
+    {&MainForm::mnuFileNewSmiles, "making a molecule from SMILES"},
+    {&MainForm::mnuPredict1H, "predicting the 1H spectrum"},
+    {&MainForm::mnuPredict13C, "predicting the 13C spectrum"},
+    {&MainForm::mnuPredict15N, "predicting the 15N spectrum"},
+    {&MainForm::mnuPredict17O, "predicting the 17O spectrum"},
+    {&MainForm::mnuPredict19F, "predicting the 19F spectrum"},
+    {&MainForm::mnuPredict31P, "predicting the 31P spectrum"},
 };
 
 Text StepNameOf(const MenuItem& Item) {
@@ -183,7 +208,7 @@ Text StepNameOf(const MenuItem& Item) {
 }
 
 void ShieldTable_Record(const Event& Work) {
-  RunRecorded(W.ViewMode == CouplingView ? "typing a coupling" : "typing a shielding", Work);
+  RunRecorded(TableEditing.EditView == CouplingView ? "typing a coupling" : "typing a shielding", Work);
 }
 
 void RecordTableEdit() {
@@ -290,6 +315,7 @@ void ConnectRooms() {
   Rooms.TurnMolecule = TurnMolecule;
   Rooms.FitMolecule = FitMolecule;
   Rooms.OpenZMatrix = OpenZMatrix;
+  OpenAssignedSignals = OpenNmreData;
   Rooms.UpdateAtomLabels = [] {
     TakeSystem();
     UpdateAtomLabels(Main.MolRender1);
@@ -368,6 +394,7 @@ void SetFixedState() {
   SetVisible(Main.ShieldTable, False);
   LayOutWindow();
   InitSpectrumView();
+  if (Settings.FirstSight) StartAtFirstSight();
   InitMeasuredView();
   SetChecked(Main.mnuLorentzian, True);
   SetChecked(Main.mnuGaussian, False);
@@ -424,6 +451,8 @@ void BuildProgram() {
   BuildIntegralForm();
   BuildProcessForm();
   BuildExportForm();
+  BuildRecordForm();
+  BuildSmilesForm();
   GiveHelpContexts();
   ConnectMainForm();
   ConnectRooms();

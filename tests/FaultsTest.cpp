@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <utility>
 
 #include "Support.h"
 #include "backend/Compute.h"
@@ -14,6 +15,7 @@
 #include "backend/ParamInput.h"
 #include "backend/Results.h"
 #include "backend/SpectInput.h"
+#include "files/Converter.h"
 #include "files/DocumentReader.h"
 #include "files/DocumentWriter.h"
 #include "files/FileCommands.h"
@@ -23,6 +25,7 @@
 #include "platform/posix/PosixServices.h"
 #include "platform/posix/Processes.h"
 #include "settings/ProfileAccess.h"
+#include "shell/Progress.h"
 #include "typing/AtomTyping.h"
 
 // Everything that can stand in a file's place, for every read and every write of the program.
@@ -325,6 +328,19 @@ TEST_F(FaultsTest, NoProcessOutlivesItsRun) {
   EXPECT_EQ(FailureOf([&] { Platform.Shell({Prose}); }), "The file is not a program");
   EXPECT_EQ(FailureOf([&] { Platform.Shell({TempPath("missing")}); }), "File not found");
   EXPECT_EQ(FailureOf([&] { Platform.Shell({MakeFolder("folder")}); }), "Permission denied");
+}
+
+TEST_F(FaultsTest, AConversionThatIsGivenUpSaysNoMore) {
+  const Text Folder = MakeFolder("slow-converter");
+  Script("slow-converter/zelvanor-convert", "sleep 20");
+  const auto Former = std::exchange(Platform.ProgramDirectory, [Folder] { return Folder; });
+  Settings.NMRIniPath = MakeFolder("converted");
+  AskCancelLater();
+  EXPECT_FALSE(ConvertMolecule({"", "CCO"}, ConvertedPath()));
+  Platform.ProgramDirectory = Former;
+  EXPECT_EQ(Boxes(), "");
+  EXPECT_FALSE(AnyProcessRuns());
+  EXPECT_FALSE(Progress.Runs);
 }
 
 // The lock of a first start, in a process of its own that is killed.

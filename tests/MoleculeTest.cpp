@@ -7,6 +7,7 @@
 #include "Support.h"
 #include "molecule/AtomSelection.h"
 #include "molecule/ElementLook.h"
+#include "molecule/FirstView.h"
 #include "molecule/MoleculeView.h"
 #include "molecule/MouseDrag.h"
 #include "platform/Picture.h"
@@ -97,6 +98,34 @@ TEST_F(MoleculeTest, TurningAboutAPointKeepsItInPlace) {
   RotateAboutCentre(View, 0, 0, RightAngle, {0, 0, 0});
   EXPECT_NEAR(GetViewTransform(View, 9), Double{0.1F}, 1e-15);
   EXPECT_NEAR(GetViewTransform(View, 10), 0.1 - Double{0.1F}, 1e-15);
+}
+
+TEST_F(MoleculeTest, FirstSightLooksDownTheShortestAxis) {
+  struct Row {
+    const char* What;
+    std::vector<std::array<Double, 4>> Atoms;  // longest along z, shortest along x
+    Double MostOverlap;
+  };
+  const Row Rows[] = {
+      {"flat", {{0, 1, 0, 0.3}, {0, -1, 1, 0.3}, {0, 1, 5, 0.3}, {0, -1, -4, 0.3}}, 0},
+      {"one behind another", {{0.6, 0, 0, 0.3}, {-0.6, 0, 0, 0.3}, {0, 1, 4, 0.3}, {0, 1, -4, 0.3}}, 0.1},
+      {"one atom", {{1, 2, 3, 0.3}}, 0},
+  };
+  for (const Row& Each : Rows) {
+    PutAtoms(Each.Atoms, 0);
+    const ViewMatrix M = FindFirstView(View);
+    ViewVector Along{0, 0, 1};
+    TransformPoint(Along, M);
+    EXPECT_GT(std::fabs(Along[0]), Each.Atoms.size() > 1 ? 0.8 : -1) << Each.What;
+    for (std::size_t A = 0; A < Each.Atoms.size(); ++A) {
+      for (std::size_t B = 0; B < A; ++B) {
+        ViewVector Apart{};
+        for (std::size_t C = 0; C < 3; ++C) Apart[C] = Each.Atoms[A][C] - Each.Atoms[B][C];
+        TransformPoint(Apart, M);
+        EXPECT_GT(std::hypot(Apart[0], Apart[1]), 0.6 - Each.MostOverlap) << Each.What;
+      }
+    }
+  }
 }
 
 TEST_F(MoleculeTest, FailsWhereNumbersEnd) {

@@ -2,6 +2,7 @@
 #include <random>
 
 #include "Support.h"
+#include "settings/SettingsState.h"
 #include "spectrum/Envelope.h"
 #include "spectrum/SpectrumDrawing.h"
 #include "spectrum/SpectrumInteraction.h"
@@ -408,6 +409,30 @@ TEST_F(SpectrumTest, LineWidthBarFollowsTheSettings) {
 }
 
 // Whatever the hand does on an empty or very wide surface, no failure leaves the handlers.
+TEST_F(SpectrumTest, FirstSightShowsTheNarrowestEnvelopeThatCanBeSeen) {
+  StartAtFirstSight();
+  W.AbsLineWidth = True;
+  Show({{3000, 1}, {1000, 1}});
+  EXPECT_NEAR(V.CurrentLineWidth, 1.5 * GetHighLow() / 500, 1e-3);
+  EXPECT_EQ(V.DisplayMode, LinesAndEnvelope);
+  Show({{100, 1}, {90, 1}});
+  EXPECT_EQ(V.CurrentLineWidth, 1.0F);
+  SetValue(Main.HScroll2, 7);
+  Show({{3000, 1}, {1000, 1}});
+  EXPECT_EQ(V.CurrentLineWidth, 7.0F) << "the user's";
+  SetChecked(Main.mnuLinesAndEnvelop, False);
+
+  Settings.PrefGraphColor = Rgb(0, 255, 0);
+  Settings.PrefEnvelopColor = White;
+  Settings.PrefSelectionColor = Rgb(255, 0, 255);
+  UseDesktopColours(false);
+  EXPECT_EQ(Main.Spectrum1.BackColor, White);
+  SetBackColor(Main.Spectrum1, Black);
+  Settings.PrefGraphColor = LinePen;
+  UseDesktopColours(false);
+  EXPECT_EQ(Main.Spectrum1.BackColor, Black) << "a colour of the user's stays";
+}
+
 TEST_F(SpectrumTest, HandlersKeepTheirFailures) {
   struct Gesture {
     const char* What;

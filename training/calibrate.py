@@ -17,9 +17,12 @@ from network import Net
 
 ORDER = molecules.NUCLEI + ["1H"]
 BASE = dict(zip(molecules.NUCLEI, [2.0, 8.0, 4.0, 3.0, 10.0, 15.0, 5.0, 50.0]), **{"1H": 0.2})
+# Steepest power of the scale in the error bar: few fluorines far from carbon are told to be less certain than they are.
+STEEPEST = {"19F": 3.0}
 LEAST = {"13C": 0.3, "1H": 0.03, "195Pt": 30.0}  # ppm, 1 for the others
 EXCHANGING = [3.0, 1.0, 1.0, 1.5]  # hydrogens on N, O, S: seldom in the lists, and where they stand is chance
-COMPUTED_SHARE = 0.25  # between measured hydrogens (0) and computed ones (1)
+COMPUTED_SHARE = 0.6  # of what computed hydrogens differ from measured ones; at most
+LARGEST_COMPUTED = 0.07  # ppm, as in src/nmrcalc/shifts/ShiftModel.cpp
 
 
 def known_surroundings(work):
@@ -57,7 +60,9 @@ def collect(models, items, known, rows):
         if nucleus == "1H":
             on_carbon = batch["feat"][batch["parent"], 0] == 6
             share = COMPUTED_SHARE * on_carbon
-            own_values = learn.gmean(mean(lambda o: o[3][0] + share * o[3][1]), batch["hgroup"])
+            difference = learn.gmean(mean(lambda o: o[3][1]), batch["hgroup"])
+            own_values = learn.gmean(mean(lambda o: o[3][0]), batch["hgroup"])
+            own_values = own_values + (share * difference).clamp(-LARGEST_COMPUTED, LARGEST_COMPUTED)
             own_scales = learn.gmean(mean(lambda o: torch.exp(o[3][2].clamp(-5, 4))), batch["hgroup"])
             own_seen = seen[batch["parent"]]
         index, wanted, _ = learn.match(groups, own_values)
@@ -77,7 +82,7 @@ def fit(nucleus, rows):
         inside = seen & (scale >= low) & (scale <= high)
         x.append(np.log(np.median(scale[inside])))
         y.append(np.log(np.quantile(error[inside], 0.68)))
-    power = float(np.clip(np.polyfit(x, y, 1)[0], 0.5, 1.5))
+    power = float(np.clip(np.polyfit(x, y, 1)[0], 0.5, STEEPEST.get(nucleus, 1.5)))
     factor = float(np.exp(np.mean(y) - power * np.mean(x)))
     factor *= float(np.quantile(error[seen] / np.maximum(factor * scale[seen] ** power, least), 0.68))
     bar = np.maximum(factor * scale**power, least)

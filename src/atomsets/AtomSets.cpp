@@ -28,12 +28,14 @@ Integer ElementOfAtom(int AtomNumber) {
 }
 
 Text AtomEntryText(int AtomNumber) {
+  if (AtomNumber == 0) return "(no atom)";  // the host ended in the middle of a set
   const int Atom = AtomNumber - 1;
   return Join("M ", W.AtomMolecule[Atom], " A ", W.AtomInMolecule[Atom], " ", ShownText(W.AtomElement[Atom]), " ",
               ShownText(W.AtomType[Atom]));
 }
 
 void StoreEntryText(int AtomNumber) {
+  if (AtomNumber == 0) return;
   const int Atom = AtomNumber - 1;
   W.AtomElement[Atom] = TextView(ShownText(W.AtomElement[Atom]));
   W.AtomType[Atom] = TextView(ShownText(W.AtomType[Atom]));

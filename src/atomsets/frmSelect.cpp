@@ -54,9 +54,15 @@ const WorkList* Candidates() {
   return AtomSets.AtomSetMode == NMRMode && Dialog.Quantum.Count != 0 ? &Dialog.Quantum : nullptr;
 }
 
+// Without the places that the host has left without an atom.
 void CopySet(WorkList& Work, const Array<Integer>& Set, Integer Count) {
-  Work.Count = Count;
   Work.Atom = Set;
+  Work.Count = 0;
+  for (int Entry = 0; Entry < Count; ++Entry) {
+    if (Set[Entry] == 0) continue;
+    Work.Atom[Work.Count] = Set[Entry];
+    ++Work.Count;
+  }
 }
 
 void ShowWork() {

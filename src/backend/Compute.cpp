@@ -199,20 +199,7 @@ Flag EmptyResultFile(const Text& Path) {
 }
 
 bool WaitForBackend(Long ProcessId) {
-  const Long Handle = Platform.OpenProcess(ProcessId);
-  bool Stopped = false;
-  BeginProgress(Settings.NMRIniPath + PathSeparator + "nmrprogress.out");
-  for (;;) {
-    Platform.DoEvents();
-    const ProcessStatus Status = Platform.GetExitCodeProcess(Handle);
-    if (!Status.Known || Status.ExitCode != StillActive) break;
-    FollowProgress();
-    if (!Progress.CancelAsked || Stopped) continue;
-    Platform.StopProcess(Handle);
-    Stopped = true;
-  }
-  EndProgress();
-  return !Stopped;
+  return !WaitForProcess(ProcessId, Settings.NMRIniPath + PathSeparator + "nmrprogress.out").Cancelled;
 }
 
 void mnuComputeNMR_Click() {

@@ -178,6 +178,17 @@ void Recover(const Words& /*All*/) {
   PrintOut(Taken ? "recovered " + Escaped(Left->DocumentTitle) : Text("nothing to recover"));
 }
 
+void RecordMeasured(const Words& All) {
+  RunRecorded("changing the measured spectrum", [&] { Measured(All); });
+}
+
+// What is still being typed into a table counts before the command.
+template <void (*Run)(const Words& All)>
+void AfterTableEdit(const Words& All) {
+  Fire(Rooms.EndTableEdit);
+  Run(All);
+}
+
 std::map<Text, CommandRow>& Commands() {
   static std::map<Text, CommandRow> Rows = {
       {"start", {Start, 0, false}},
@@ -215,9 +226,9 @@ std::map<Text, CommandRow>& Commands() {
       {"dump", {Dump, 1, true}},
       {"view", {[](const Words& All) { WriteView(All[1].Value); }, 1, true}},
       {"chart", {[](const Words& All) { pictures::WriteChartPicture(All[1].Value); }, 1, true}},
-      {"save", {SaveSpectrum, 1, true}},
-      {"measured",
-       {[](const Words& All) { RunRecorded("changing the measured spectrum", [&] { Measured(All); }); }, 1, true}},
+      {"save", {AfterTableEdit<SaveSpectrum>, 1, true}},
+      {"measured", {AfterTableEdit<RecordMeasured>, 1, true}},
+      {"report", {[](const Words& All) { WriteReport(All[1].Value); }, 1, true}},
       {"undo", {[](const Words&) { GoStep(GoBack, "undone ", "nothing to undo"); }, 0, true}},
       {"redo", {[](const Words&) { GoStep(GoForward, "redone ", "nothing to redo"); }, 0, true}},
       {"cancel", {[](const Words&) { Progress.Runs ? AskCancel() : AskCancelLater(); }, 0, true}},

@@ -7,6 +7,7 @@
 #include "platform/Paths.h"
 #include "platform/TextFiles.h"
 #include "settings/SettingsState.h"
+#include "shell/Progress.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
@@ -17,7 +18,14 @@ namespace {
 WorkspaceState& W = Workspace;
 
 constexpr const char* ProgramName = "zelvanor-convert";
+constexpr int CancelledStatus = -1;
 constexpr const char* Endings[] = {".MOL", ".SDF", ".SD", ".MOL2", ".PDB", ".ENT", ".XYZ", ".SMI", ".CML", ".CIF"};
+
+// What went wrong, in a box; what the user has given up needs none.
+void Report(const ConverterAnswer& Answer) {
+  const Text Said = Answer.Message + ".";
+  Answer.Status == CancelledStatus ? ShowStatus(Said) : ShowWarning(Said);
+}
 
 struct IsotopeRow {
   int Element;
@@ -112,12 +120,9 @@ ConverterAnswer RunConverter(std::vector<Text> Words, const Text& Output) {
   Words.insert(Words.begin(), {Program, "--out", Output, "--messages", Messages});
   WriteWholeFile(Output, "");
   WriteWholeFile(Messages, "");
-  const Long Handle = Platform.OpenProcess(Platform.Shell(Words));
-  ProcessStatus Status;
-  do {
-    Platform.DoEvents();
-    Status = Platform.GetExitCodeProcess(Handle);
-  } while (Status.Known && Status.ExitCode == StillActive);
+  ShowStatus("Converting the molecule...");
+  const auto [Cancelled, Status] = WaitForProcess(Platform.Shell(Words), WorkFile("convert.progress"));
+  if (Cancelled) return {CancelledStatus, "The conversion was cancelled"};
   ConverterAnswer Answer{Status.Known ? static_cast<int>(Status.ExitCode) : 1, FirstLine(Messages)};
   if (Answer.Status != 0 && Answer.Message.empty()) Answer.Message = "zelvanor-convert has ended without a word";
   return Answer;
@@ -129,7 +134,7 @@ bool ConvertMolecule(const MoleculeOrigin& Origin, const Text& Output) {
   const ConverterAnswer Answer = Origin.Smiles.empty()
                                      ? TryConverter({"--record", GeneralForm(Origin.Record), "--", Origin.Path}, Output)
                                      : TryConverter({"--smiles", Origin.Smiles}, Output);
-  if (Answer.Status != 0) ShowWarning(Answer.Message + ".");
+  if (Answer.Status != 0) Report(Answer);
   return Answer.Status == 0;
 }
 
@@ -145,7 +150,7 @@ std::vector<RecordRow> ListRecords(const Text& Path, bool& Known) {
   Known = Answer.Known();
   std::vector<RecordRow> Rows;
   if (Answer.Status != 0) {
-    if (Known) ShowWarning(Answer.Message + ".");
+    if (Known) Report(Answer);
     return Rows;
   }
   const Text Listed = ReadWholeFile(Output);

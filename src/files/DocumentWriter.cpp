@@ -141,6 +141,11 @@ Flag OpenAndWrite(const Text& Path) {
 void WriteEntries(const Array<Integer>& Entries, int Count, Integer FileNumber) {
   for (int Entry = 0; Entry < Count; ++Entry) {
     const int Atom = Entries[Entry] - 1;
+    if (Atom == -1) {
+      // A set that the host did not give to its end has places without an atom. They come back as they are.
+      PrintLine(FileNumber, "mol 1 atom 0");
+      continue;
+    }
     PrintLine(FileNumber, Join("mol ", W.AtomMolecule[Atom], " atom ", W.AtomInMolecule[Atom]));
   }
 }

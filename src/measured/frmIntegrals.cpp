@@ -37,6 +37,7 @@ Text Ppm(Double Value) { return FormatNumber(Value, "0.000"); }
 void FillList(int Chosen) {
   std::vector<Text> Rows;
   const std::vector<Double> Values = IntegralValues();
+  Rows.reserve(Values.size());
   for (Long Range = 0; Range < W.IntegralCount; ++Range) {
     Rows.push_back(Join(Ppm(W.IntegralHigh[Range]), " to ", Ppm(W.IntegralLow[Range]),
                         " ppm:  ", FormatNumber(Values[static_cast<std::size_t>(Range)], "0.00")));

@@ -5,7 +5,9 @@
 
 #include "molecule/AtomSelection.h"
 #include "molecule/ElementLook.h"
+#include "molecule/FirstView.h"
 #include "molecule/MoleculeView.h"
+#include "settings/SettingsState.h"
 #include "shell/MainForm.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
@@ -108,7 +110,8 @@ void TakeAtoms(RenderControl& Control, const TableImage& Image) {
     TakeAtom(Control, Atom, Looks, Middle);
     if (const Text Bad = TakeBonds(Control, Atom); !Bad.empty()) Problem = Bad;
   }
-  SetViewTransform(Control, ViewMatrix{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}}});
+  SetViewTransform(
+      Control, Settings.FirstSight ? FindFirstView(Control) : ViewMatrix{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}}});
   FitMolecule();
   ShowStatus(Problem.empty() ? Join("Loaded ", Long{Count}, Count == 1 ? " atom." : " atoms.") : Problem);
 }

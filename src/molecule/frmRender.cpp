@@ -2,6 +2,7 @@
 
 #include "molecule/MoleculeView.h"
 #include "platform/Variables.h"
+#include "settings/SettingsState.h"
 #include "shell/Frame.h"
 
 namespace zelvanor {
@@ -48,6 +49,9 @@ void optRenderAtom_Click(int Index) {
 }
 
 void ShowStyles() {
+  // What has come up without a choice is shown as if it were one.
+  if (Settings.FirstSight && R.AtomStyle == 0) R.AtomStyle = Main.MolRender1.AtomRenderType;
+  if (Settings.FirstSight && R.BondStyle == 0) R.BondStyle = Main.MolRender1.BondRenderType;
   R.LabelStyle = Main.AtomLabelMode;
   SetOption(R.optRenderAtom, NumAtomOptions, R.AtomStyle - 1);
   SetOption(R.optRenderBond, NumBondOptions, R.BondStyle - 1);

@@ -11,12 +11,12 @@
 #include <new>
 
 #include "basic/Failure.h"
-#include "nmrcalc/Estimate.h"
 #include "nmrcalc/Memory.h"
 #include "nmrcalc/Progress.h"
 #include "nmrcalc/engines/Engine.h"
 #include "nmrcalc/engines/Geometry.h"
 #include "nmrcalc/input/InputText.h"
+#include "nmrcalc/input/ParamInput.h"
 #include "nmrcalc/input/SpinSettings.h"
 #include "nmrcalc/spins/LinearAlgebra.h"
 #include "nmrcalc/spins/Spectrum.h"

@@ -95,11 +95,4 @@ ParamResults Estimate(const ParamInput& Input, const std::string& ParameterDirec
   return Results;
 }
 
-ParamTexts EstimateParameters(const std::string& InputPath, const std::string& ParameterDirectory, Log& Report) {
-  const ParamInput Input = ReadParamInput(InputPath);
-  const ParamResults Results =
-      Estimate(Input, ParameterDirectory, Input.WantsShielding || Input.WantsTensor, Input.WantsCoupling, Report);
-  return {.Results = FormatResults(Input, Results), .Errors = FormatErrors(Results)};
-}
-
 }  // namespace nmrcalc

@@ -11,12 +11,18 @@
 #include "program.h"
 #include "qt/Dispatch.h"
 #include "qt/TextConversion.h"
+#include "qt/controls/Boxes.h"
+#include "qt/frame/ContextMenus.h"
 #include "qt/frame/DarkOutlines.h"
+#include "qt/frame/FirstSight.h"
 #include "qt/frame/HostLink.h"
 #include "qt/frame/MainWindow.h"
+#include "qt/frame/OneWindow.h"
 #include "qt/frame/OpenFiles.h"
 #include "qt/frame/QtServices.h"
+#include "qt/frame/RecentFiles.h"
 #include "qt/frame/Remembered.h"
+#include "shell/MainForm.h"
 #include "workspace/Helpers.h"
 
 namespace {
@@ -63,14 +69,34 @@ void OfferLeftWork() {
   });
 }
 
+// What a file has to tell comes in one box; its document in the view that it was left in.
+void FollowDocuments(const QMainWindow& Window) {
+  AddRecentMenu(Window.menuBar());
+  Main.mnuFileOpen.Click = [Open = Main.mnuFileOpen.Click] {
+    ShowWarningsTogether([&Open] {
+      Open();
+      RestoreView();
+    });
+  };
+  AfterDispatch = [Others = AfterDispatch] {
+    if (Others) Others();
+    NoteView();
+  };
+}
+
 int Run(const Text& CommandLine, const Text& Document) {
   UseQtServices();
   UseHostLink();
+  WantFirstSight();
   BuildProgram();
   const auto Window = MakeMainWindow();
   Dispatch([&] { Form_Load(CommandLine); });
   if (ProgramHasEnded()) return 0;
   if (!Window->isVisible()) return 1;  // a failure has been shown, and there is nothing to go on with
+  FollowDesktopColours(Window.get());
+  AnswerCalls(Window.get());
+  FollowDocuments(*Window);
+  AddContextMenus();
   OfferLeftWork();
   if (!ProgramHasEnded()) OpenDocument(Document);
   QTimer Times;

@@ -39,6 +39,7 @@ struct SettingRow {
   int Slot;
   const char* Key;
   const char* Default;
+  const char* AtFirstSight = nullptr;  // the default there, where it is another one
   ItemForm Is;
   bool Written = true;
   Double Low = 0;
@@ -97,6 +98,7 @@ constexpr SettingRow Rows[] = {
     {.Slot = 0,
      .Key = "AtomRenderType",
      .Default = "1",
+     .AtFirstSight = "3",
      .Is = ItemForm::WholeRange,
      .Low = 1,
      .High = 3,
@@ -105,6 +107,7 @@ constexpr SettingRow Rows[] = {
     {.Slot = 1,
      .Key = "BondRenderType",
      .Default = "1",
+     .AtFirstSight = "3",
      .Is = ItemForm::WholeRange,
      .Low = 1,
      .High = 3,
@@ -343,7 +346,8 @@ void ReadColorItem(const SettingRow& Row, const Text& Value) {
 }
 
 void ReadItem(const SettingRow& Row) {
-  const Text Value = ReadIniText(NmrSection, Row.Key, Row.Default);
+  const bool OwnDefault = S.FirstSight && Row.AtFirstSight != nullptr;
+  const Text Value = ReadIniText(NmrSection, Row.Key, OwnDefault ? Row.AtFirstSight : Row.Default);
   switch (Row.Is) {
     case ItemForm::WholeRange:
     case ItemForm::Range:
@@ -390,6 +394,16 @@ void WriteSettings() {
   const std::vector<ProfileEntry> References = ReferenceShieldingEntries();
   Entries.insert(Entries.end(), References.begin(), References.end());
   WritePrivateProfileStrings(Entries, S.IniFile);
+}
+
+bool AreSpectrumColoursOwn() {
+  constexpr int LineSlot = 6;
+  const Colour Present[] = {S.PrefGraphColor, S.PrefEnvelopColor, S.PrefSelectionColor};
+  for (const SettingRow& Row : Rows) {
+    const int Place = Row.Slot - LineSlot;
+    if (Place >= 0 && Place < 3 && ReadColour(Row.Default) != Present[Place]) return true;
+  }
+  return false;
 }
 
 std::vector<Text> SettingKeys() {

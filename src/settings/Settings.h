@@ -16,4 +16,7 @@ void WriteSettings();
 // The keys of the section "nmr".
 std::vector<Text> SettingKeys();
 
+// Whether the user has given the spectrum colours other than the built-in ones.
+bool AreSpectrumColoursOwn();
+
 }  // namespace zelvanor

@@ -14,6 +14,10 @@ inline constexpr int NumElementEntries = 129;  // element numbers 0..128
 // What win.ini and nmr.ini have given, and what goes back into nmr.ini at exit. Options that belong to the document
 // live in the Workspace in between.
 struct SettingsState {
+  // Views come up as they are seen best where the user has chosen nothing: balls and cylinders, turned to be looked at,
+  // an envelope. The window wants it; a script finds the plain start.
+  bool FirstSight = false;
+
   // Directories, without a separator at the end.
   Text NMRExePath;
   Text NMRIniPath;

@@ -37,8 +37,6 @@ void TakeLine(TextView Line) {
   }
 }
 
-}  // namespace
-
 void BeginProgress(const Text& File) {
   RemoveFile(File);
   ProgressFile = File;
@@ -51,7 +49,7 @@ void BeginProgress(const Text& File) {
 
 void FollowProgress() {
   const Clock::time_point Now = Clock::now();
-  if (CancelAt && Now >= *CancelAt) AskCancel();
+  if (CancelAt && Now >= *CancelAt) Progress.CancelAsked = true;
   if (Now < NextLook) return;
   NextLook = Now + BetweenLooks;
   try {
@@ -66,6 +64,25 @@ void EndProgress() {
   RemoveFile(ProgressFile);
   Progress = {};
   CancelAt.reset();
+}
+
+}  // namespace
+
+ProcessEnd WaitForProcess(Long ProcessId, const Text& File) {
+  const Long Handle = Platform.OpenProcess(ProcessId);
+  ProcessEnd End;
+  BeginProgress(File);
+  for (;;) {
+    Platform.DoEvents();
+    End.Status = Platform.GetExitCodeProcess(Handle);
+    if (!End.Status.Known || End.Status.ExitCode != StillActive) break;
+    FollowProgress();
+    if (!Progress.CancelAsked || End.Cancelled) continue;
+    Platform.StopProcess(Handle);
+    End.Cancelled = true;
+  }
+  EndProgress();
+  return End;
 }
 
 void AskCancel() { Progress.CancelAsked = Progress.Runs; }

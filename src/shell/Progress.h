@@ -1,6 +1,7 @@
 #pragma once
 
 #include "basic/Types.h"
+#include "platform/Services.h"
 
 namespace zelvanor {
 
@@ -17,11 +18,15 @@ struct ProgressState {
 
 extern ProgressState Progress;
 
-// A process starts, and has ended; between the two FollowProgress looks at the file that it writes, at most ten times a
-// second: one line "STAGE STEP STEPS SECONDS TEXT". The file goes at both ends.
-void BeginProgress(const Text& File);
-void FollowProgress();
-void EndProgress();
+// How a process that was waited for has ended. One that was given up is stopped, with whatever it has started.
+struct ProcessEnd {
+  bool Cancelled = false;
+  ProcessStatus Status;
+};
+
+// Waits for a process while the window lives on. At most ten times a second the file that the process writes is looked
+// at: one line "STAGE STEP STEPS SECONDS TEXT", or nothing for one that does not tell. The file goes at both ends.
+ProcessEnd WaitForProcess(Long ProcessId, const Text& ProgressFile);
 
 // The user gives the running process up; nothing without one.
 void AskCancel();

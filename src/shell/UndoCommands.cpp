@@ -26,6 +26,7 @@ void ChooseView() {
 
 Text Go(std::optional<Text> (*Step)()) {
   const WorkspaceState& W = Workspace;
+  if (!IsRecording()) Fire(Rooms.EndTableEdit);  // what is still being typed is the latest step
   const Flag HadPeaks = W.SpectraAvailable;
   const Array<Single> Frequency = W.PeakFrequency;
   const Array<Single> Intensity = W.PeakIntensity;

@@ -88,6 +88,14 @@ Double FillEnvelope(const PeakRange& Range, int NumColumns) {
   return Samples.empty() ? 0.0 : std::max(0.0, *std::max_element(Samples.begin(), Samples.end()));
 }
 
+// The envelope is seen where its lines are a little wider than the columns that it is drawn by.
+void TakeLeastWidth(int NumColumns) {
+  constexpr Double LeastWidth = 1;  // Hz
+  constexpr Double ColumnsOfLine = 1.5;
+  V.CurrentLineWidth = ToSingle(std::max(LeastWidth, ColumnsOfLine * GetHighLow() / NumColumns));
+  V.Linewidth = V.CurrentLineWidth;
+}
+
 void TakePeakList(bool Negate) {
   ClearWorkArrays();
   TakeViewSize();
@@ -125,6 +133,7 @@ void ComputeLineWidths(bool UpdateScale) {
   if (V.DisplayMode == LinesOnly && UpdateScale) NewMaxIntensity();
   const int NumColumns = EnvelopeColumns();
   if (NumColumns <= 0) throw Failure(failures::DivisionByZero);
+  if (!V.OwnWidth) TakeLeastWidth(NumColumns);
   const Double Largest = FillEnvelope(FillWorkArrays(), NumColumns);
   if (!UpdateScale) return;
   const Double Scaled = Headroom * Largest;
@@ -142,7 +151,7 @@ struct Pens {
 
 Pens ChoosePens() {
   if (V.Monochrome != 0) return {Black, Black, Black};
-  return {V.GraphClr, V.SelectionClr, White};
+  return {V.GraphClr, V.SelectionClr, Main.Spectrum1.BackColor == White ? Black : White};
 }
 
 void DrawLine(DrawingContext& Context, int X1, int Y1, int X2, int Y2) {

@@ -40,7 +40,9 @@ void RepeatReadout() {
 }
 
 // The width that the bar stands for, as a share of the window.
-void TakeRelativeLineWidth() { V.CurrentLineWidth = ToSingle(GetHighLow() * Main.HScroll2.Value * WidthPerBarStep); }
+void TakeRelativeLineWidth() {
+  if (V.OwnWidth) V.CurrentLineWidth = ToSingle(GetHighLow() * Main.HScroll2.Value * WidthPerBarStep);
+}
 
 void ResetView() {
   V.Zooms.clear();
@@ -143,6 +145,8 @@ void HScroll1_Change() {
 }
 
 void HScroll2_Change() {
+  if (!V.OwnWidth && !IsSet(V.LineWidthBarLive)) return;
+  V.OwnWidth = true;
   if (IsSet(W.AbsLineWidth)) {
     V.CurrentLineWidth = static_cast<Single>(Main.HScroll2.Value);
   } else {

@@ -5,6 +5,7 @@
 
 #include "basic/Numbers.h"
 #include "platform/Services.h"
+#include "settings/SettingsState.h"
 #include "shell/Frame.h"
 #include "spectrum/SpectrumDrawing.h"
 #include "spectrum/SpectrumView.h"
@@ -144,6 +145,7 @@ void FitHorizontalScale() {
 namespace {
 
 void ShowSurface() {
+  if (Settings.FirstSight) SetVisible(Main.mnuViewWidths, ToFlag(V.DisplayMode != LinesOnly));
   SetVisible(Main.MolRender1, ToFlag(PaneWidth() > 0));
   SetVisible(Main.ShieldTable, False);
   SetVisible(Main.Spectrum1, True);

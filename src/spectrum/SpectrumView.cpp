@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "platform/Variables.h"
+#include "settings/Settings.h"
+#include "settings/SettingsState.h"
 #include "shell/MainForm.h"
 #include "workspace/Workspace.h"
 
@@ -65,6 +67,23 @@ void AddSpectrumVariables() {
   const auto CountPeaks = [] { return IsSet(Workspace.SpectraAvailable) ? Workspace.PeakCount : 0; };
   AddArray("PeakWork1", V.PeakWork1, CountPeaks);
   AddArray("PeakWork2", V.PeakWork2, CountPeaks);
+}
+
+void StartAtFirstSight() {
+  SpectrumView.OwnWidth = false;
+  SpectrumView.DisplayMode = LinesAndEnvelope;
+  SetChecked(Main.mnuLinesAndEnvelop, True);
+  Main.HScroll2.Value = Main.HScroll2.Min;
+}
+
+void UseDesktopColours(bool Dark) {
+  if (AreSpectrumColoursOwn() || SpectrumView.Monochrome != 0) return;
+  constexpr Colour Blue = Rgb(0, 90, 200);
+  constexpr Colour Magenta = Rgb(200, 0, 130);
+  SetGraphClr(Dark ? Settings.PrefGraphColor : Blue);
+  SetEnvelop(Dark ? Settings.PrefEnvelopColor : Black);
+  SetSelectionClr(Dark ? Settings.PrefSelectionColor : Magenta);
+  SetBackColor(Main.Spectrum1, Dark ? Black : White);
 }
 
 int EnvelopeColumns() { return std::min<int>(SpectrumView.ViewWidth, MaxEnvelopeSamples); }

@@ -49,6 +49,7 @@ struct SpectrumViewState {
   Flag BandIntegrates = False;  // it began with Shift held
 
   Single CurrentLineWidth = 0;  // Hz
+  bool OwnWidth = true;         // the user's or the plain start's; else the smallest that shows, from 1 Hz on
   Double FrequencyRange = 0;    // -1 while another view is refreshed
   Double TotalIntensity = 0;
   Flag LineWidthBarLive = False;
@@ -86,6 +87,11 @@ void AddSpectrumVariables();
 
 // Samples that the envelope of the present view has.
 int EnvelopeColumns();
+
+// The window's start: lines and envelope, as narrow as it can be seen, until the user moves the line width bar.
+void StartAtFirstSight();
+// Colours that stand out on a light or a dark desktop; nothing where the user has chosen some or wants none.
+void UseDesktopColours(bool Dark);
 
 // Colours and monochrome display; none of them redraws.
 void SetEnvelop(Colour Value);

@@ -138,7 +138,11 @@ void ShieldTable_RowColChange() {
 }
 
 void EndTableEdit() {
-  if (IsSet(E.EditActive)) FinishEdit(StoreOpenEdit());
+  if (!IsSet(E.EditActive)) return;
+  const bool Stored = StoreOpenEdit();
+  // The edit may have stayed open behind the spectrum, which goes now.
+  if (Stored && W.ViewMode == SpectrumViewMode && W.MeasuredCount == 0) W.ViewMode = MoleculeView;
+  FinishEdit(Stored);
 }
 
 void ShieldTable_SelChange() { TableEditing.EditFirstKey = True; }

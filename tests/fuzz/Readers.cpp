@@ -13,6 +13,7 @@
 #include "host/GetCommand.h"
 #include "hostsim/SimulatedHost.h"
 #include "nmrcalc/Estimate.h"
+#include "nmrcalc/engines/ParamResults.h"
 #include "nmrcalc/input/ParamInput.h"
 #include "nmrcalc/input/SpectrumInput.h"
 #include "nmrcalc/input/SpinSettings.h"
@@ -199,7 +200,9 @@ Text RunStage(Routine Stage) {
 Text Estimate(const Text& Input, const Text& Tables) {
   return RunStage([&] {
     nmrcalc::Log Report = AllLines();
-    return nmrcalc::EstimateParameters(Input, Tables, Report).Results;
+    const nmrcalc::ParamInput Read = nmrcalc::ReadParamInput(Input);
+    const bool Shieldings = Read.WantsShielding || Read.WantsTensor;
+    return nmrcalc::FormatResults(Read, nmrcalc::Estimate(Read, Tables, Shieldings, Read.WantsCoupling, Report));
   });
 }
 

@@ -176,6 +176,42 @@ TEST(MessageBoxes, ShowPlainTextAndAnswer) {
   }
 }
 
+TEST(MessageBoxes, WarningsOfACommandComeTogether) {
+  struct Row {
+    int Warnings;
+    QString Shown;
+  };
+  const Row Rows[] = {
+      {1, "WARNING: fault 0."},
+      {2, "WARNING: There are 2 problems:\n\nfault 0.\nfault 1."},
+      {9,
+       "WARNING: There are 9 problems:\n\nfault 0.\nfault 1.\nfault 2.\nfault 3.\nfault 4.\nfault 5.\nfault 6.\n"
+       "fault 7.\n\nand 1 more."},
+  };
+  for (const bool Asks : {false, true}) {
+    for (const Row& Row : Rows) {
+      QStringList Seen;
+      const auto CloseNext = [&Seen] {
+        auto* Box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        Seen << Box->text();
+        QTest::keyClick(Box, Qt::Key_Escape);
+      };
+      Later([&] {
+        if (Asks) Later(CloseNext);
+        CloseNext();
+      });
+      ShowWarningsTogether([&] {
+        for (int Fault = 0; Fault < Row.Warnings; ++Fault)
+          ShowMessageBox({BoxKind::Warning, BoxButtons::Ok, "Zelvanor", Join("WARNING: fault ", Long{Fault}, ".")});
+        EXPECT_TRUE(Seen.isEmpty());
+        if (!Asks) return;
+        EXPECT_EQ(ShowMessageBox({BoxKind::Question, BoxButtons::YesNo, "Zelvanor", "asked"}), BoxAnswer::No);
+      });
+      EXPECT_EQ(Seen.value(0), Row.Shown);
+    }
+  }
+}
+
 }  // namespace
 
 }  // namespace zelvanor::tests

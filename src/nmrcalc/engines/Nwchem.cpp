@@ -319,9 +319,7 @@ double EstimateSeconds(const EngineTask& Task) {
   constexpr double Seconds = 131.0;
   constexpr double Power = 2.9;
   double Count = 0.0;
-  for (std::size_t Index = 0; Index < Task.Input.System.Atoms.size(); ++Index) {
-    Count += Task.Input.System.Atoms[Index].AtomicNumber == 1 ? PerHydrogen : PerHeavyAtom;
-  }
+  for (const auto& Atom : Task.Input.System.Atoms) Count += Atom.AtomicNumber == 1 ? PerHydrogen : PerHeavyAtom;
   if (!Task.Input.QuantumAtoms.empty()) Count = PerHeavyAtom * static_cast<double>(Task.Input.QuantumAtoms.size());
   return Seconds * std::pow(Count / Functions, Power) / CountProcesses(Task.Settings);
 }

@@ -275,7 +275,7 @@ std::string FindProgram(const std::string& Name) {
   std::string Rest = Value != nullptr ? Value : "/usr/local/bin:/usr/bin:/bin";
   while (!Rest.empty()) {
     const std::size_t Colon = std::min(Rest.find(':'), Rest.size());
-    const std::string Path = (Colon == 0 ? "." : Rest.substr(0, Colon)) + "/" + Name;
+    std::string Path = (Colon == 0 ? "." : Rest.substr(0, Colon)) + "/" + Name;
     std::error_code Error;
     if (access(Path.c_str(), X_OK) == 0 && std::filesystem::is_regular_file(Path, Error)) return Path;
     Rest.erase(0, Colon + 1);

@@ -38,4 +38,7 @@ struct ParamInput {
 // Reads the file. Blanks around "=" and unknown options do no harm. Throws Failure with file, line and reason.
 ParamInput ReadParamInput(const std::string& Path, bool NeedsNMRAtoms = true);
 
+// The option LogPrintLevel of the input file, 0 when it is absent. Throws Failure when the file cannot be read.
+int ReadLogLevel(const std::string& InputPath);
+
 }  // namespace nmrcalc

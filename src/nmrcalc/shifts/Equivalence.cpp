@@ -79,6 +79,7 @@ Colour StereoSignature(const Molecule& System, std::vector<Colour> Colours, std:
     const int Z = System.Atoms[Index].AtomicNumber;
     if (List.size() != 4 && !(List.size() == 3 && (Z == 15 || Z == 16))) continue;
     std::vector<std::pair<Colour, std::size_t>> Sorted;
+    Sorted.reserve(List.size());
     for (const Neighbour& Bond : List) Sorted.emplace_back(Colours[Bond.Atom], Bond.Atom);
     std::sort(Sorted.begin(), Sorted.end());
     bool Distinct = true;

@@ -20,6 +20,15 @@ std::array<int, 3> CellOf(const Vector3& Place, double Width) {
   return Cell;
 }
 
+// Whether three atoms are so near to a line that nothing turns about it in a definite way, as in an allene.
+bool IsStraight(const Molecule& System, std::size_t First, std::size_t Middle, std::size_t Last) {
+  const Vector3& Origin = System.Atoms[Middle].Place;
+  const Vector3 Normal = Cross(Direction(Difference(System.Atoms[First].Place, Origin)),
+                               Direction(Difference(System.Atoms[Last].Place, Origin)));
+  constexpr double SquaredSine = 0.1;  // 18 degrees off the line
+  return Dot(Normal, Normal) < SquaredSine;
+}
+
 }  // namespace
 
 double SpannedVolume(const Molecule& System, std::size_t Center, std::size_t First, std::size_t Second,
@@ -85,6 +94,7 @@ int SideOfRing(const StereoPicture& Stereo, std::size_t FirstMember, std::size_t
 
 int SideOfDoubleBond(const Molecule& System, std::size_t First, std::size_t Left, std::size_t Right,
                      std::size_t Second) {
+  if (IsStraight(System, First, Left, Right) || IsStraight(System, Left, Right, Second)) return 0;
   const double Cosine = std::cos(TorsionAngle(System, {First, Left, Right, Second}));
   constexpr double Clear = 0.2;
   return Cosine > Clear ? 1 : (Cosine < -Clear ? 2 : 0);

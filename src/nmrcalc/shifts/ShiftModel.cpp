@@ -26,6 +26,8 @@ constexpr std::array<OutputScale, NumHeavyNuclei> HeavyScales = {{{100.0, 40.0, 
                                                                   {-10.0, 30.0, 5.0},
                                                                   {-2500.0, 1000.0, 50.0}}};
 constexpr OutputScale HydrogenScale = {4.0, 3.0, 0.2};
+// ppm. Small differences between computed and measured shifts come from the conformation, large ones from the method.
+constexpr double LargestComputed = 0.07;
 constexpr double LeastLogScale = -5.0;
 constexpr double LargestLogScale = 4.0;
 
@@ -203,9 +205,12 @@ void AverageGroups(const std::vector<std::uint32_t>& Groups, std::vector<ShiftEs
 
 double LogScale(double Output) { return std::exp(std::clamp(Output, LeastLogScale, LargestLogScale)); }
 
-double ErrorBar(const ErrorCalibration& Calibration, double Scale, bool Seen) {
+// Spread tells the range of the nucleus: no bar goes beyond it, and without examples none is narrow.
+double ErrorBar(const ErrorCalibration& Calibration, double Scale, bool Seen, double Spread) {
   const double Bar = std::max(Calibration.Factor * std::pow(Scale, Calibration.Power), Calibration.Least);
-  return Seen ? Bar : Bar * Calibration.Unseen;
+  constexpr double Widest = 2.5;
+  constexpr double LeastUnseen = 0.1;
+  return std::min(Seen ? Bar : std::max(Bar * Calibration.Unseen, LeastUnseen * Spread), Widest * Spread);
 }
 
 // Hydrogens on nitrogen, oxygen, sulfur: where they are seen depends on solvent, concentration and temperature.
@@ -213,8 +218,63 @@ bool MayExchange(const Atom& Parent) {
   return Parent.AtomicNumber == 7 || Parent.AtomicNumber == 8 || Parent.AtomicNumber == 16;
 }
 
-bool IsKnown(const ShiftModel& Model, std::uint32_t Hash) {
-  return std::binary_search(Model.KnownSurroundings.begin(), Model.KnownSurroundings.end(), Hash);
+// A radical, ion or carbene, which the bonds do not tell apart; isocyanides and carbon monoxide are none.
+bool HasOpenValence(const Molecule& System, std::size_t Index) {
+  const Atom& Item = System.Atoms[Index];
+  if (Item.AtomicNumber != 6 || Item.Neighbours.size() >= 4) return false;
+  int Bonds = 0;
+  for (const Neighbour& Next : Item.Neighbours) {
+    if (Next.Order == BondOrder::Aromatic || Next.Order == BondOrder::Triple) return false;
+    Bonds += Next.Order == BondOrder::Double ? 2 : 1;
+  }
+  return Bonds < 4;
+}
+
+// Whether the training tells something of a node: of itself, and of the elements that it is bound to. For carbon beside
+// carbon its own surroundings are enough.
+void FindSeen(const ShiftModel& Model, const Molecule& System, const ShiftGraph& Graph,
+              std::vector<ShiftEstimate>& Nodes) {
+  std::vector<bool> Own;
+  const std::vector<std::uint32_t> Hashes = HashAllSurroundings(Graph);
+  for (std::size_t Node = 0; Node < Nodes.size(); ++Node) {
+    Own.push_back(std::binary_search(Model.KnownSurroundings.begin(), Model.KnownSurroundings.end(), Hashes[Node]) &&
+                  !HasOpenValence(System, Graph.HeavyAtoms[Node]));
+    Nodes[Node].Seen = Own.back();
+  }
+  for (const ShiftEdge& Edge : Graph.Bonds) {
+    const std::size_t Beside = Graph.HeavyAtoms[Edge.From];
+    if (System.Atoms[Beside].AtomicNumber != 6 || HasOpenValence(System, Beside)) {
+      Nodes[Edge.To].Seen = Nodes[Edge.To].Seen && Own[Edge.From];
+    }
+  }
+}
+
+// Turns the scales that the networks told into error bars.
+void TellErrors(const ShiftModel& Model, const Molecule& System, const ShiftGraph& Graph, ShiftPrediction& Result) {
+  constexpr double OpenShare = 0.5;  // of the range, where the valence is open
+  for (std::size_t Node = 0; Node < Result.Nodes.size(); ++Node) {
+    ShiftEstimate& Item = Result.Nodes[Node];
+    if (!Item.Known) continue;
+    const std::size_t Atom = Graph.HeavyAtoms[Node];
+    const auto Nucleus = static_cast<std::size_t>(
+        std::find(HeavyNuclei.begin(), HeavyNuclei.end(), System.Atoms[Atom].AtomicNumber) - HeavyNuclei.begin());
+    const double Spread = HeavyScales[Nucleus].Spread;
+    Item.Error = ErrorBar(Model.Errors[Nucleus], Item.Error, Item.Seen, Spread);
+    if (HasOpenValence(System, Atom)) Item.Error = std::max(Item.Error, OpenShare * Spread);
+  }
+  for (std::size_t Hydrogen = 0; Hydrogen < Result.Hydrogens.size(); ++Hydrogen) {
+    ShiftEstimate& Item = Result.Hydrogens[Hydrogen];
+    bool Exchanges = false;
+    bool IsOpen = false;
+    for (const std::uint32_t Node : Graph.Parents[Hydrogen]) {
+      Item.Seen = Item.Seen && Result.Nodes[Node].Seen;
+      Exchanges = Exchanges || MayExchange(System.Atoms[Graph.HeavyAtoms[Node]]);
+      IsOpen = IsOpen || HasOpenValence(System, Graph.HeavyAtoms[Node]);
+    }
+    const ErrorCalibration& Calibration = Model.Errors[NumHeavyNuclei + (Exchanges ? 1 : 0)];
+    Item.Error = ErrorBar(Calibration, Item.Error, Item.Seen, HydrogenScale.Spread);
+    if (IsOpen) Item.Error = std::max(Item.Error, OpenShare * HydrogenScale.Spread);
+  }
 }
 
 }  // namespace
@@ -243,7 +303,6 @@ ShiftPrediction PredictShifts(const ShiftModel& Model, const Molecule& System) {
   const std::size_t NumNodes = Graph.HeavyAtoms.size();
   ShiftPrediction Result{.Nodes = std::vector<ShiftEstimate>(NumNodes),
                          .Hydrogens = std::vector<ShiftEstimate>(Graph.Hydrogens.size())};
-  const std::vector<std::uint32_t> Hashes = HashAllSurroundings(Graph);
   const double Share = 1.0 / static_cast<double>(Model.Networks.size());
   std::vector<std::size_t> Nucleus(NumNodes);
   for (std::size_t Node = 0; Node < NumNodes; ++Node) {
@@ -251,8 +310,9 @@ ShiftPrediction PredictShifts(const ShiftModel& Model, const Molecule& System) {
     Nucleus[Node] =
         static_cast<std::size_t>(std::find(HeavyNuclei.begin(), HeavyNuclei.end(), Z) - HeavyNuclei.begin());
     Result.Nodes[Node].Known = Nucleus[Node] < NumHeavyNuclei;
-    Result.Nodes[Node].Seen = IsKnown(Model, Hashes[Node]);
   }
+  FindSeen(Model, System, Graph, Result.Nodes);
+  std::vector<ShiftEstimate> Differences(Graph.Hydrogens.size());  // computed less measured shifts
   for (const ShiftNetwork& Network : Model.Networks) {
     const Rows Nodes = DescribeNodes(Network, Graph);
     const Rows Heavy = ApplyLayer(Network.HeavyOuter, ApplySilu(ApplyLayer(Network.HeavyInner, Nodes)));
@@ -268,26 +328,22 @@ ShiftPrediction PredictShifts(const ShiftModel& Model, const Molecule& System) {
       const double* Output = Hydrogens.Row(Hydrogen);
       ShiftEstimate& Item = Result.Hydrogens[Hydrogen];
       Item.Known = !Graph.Parents[Hydrogen].empty();
+      Item.Shift += Share * (HydrogenScale.Mean + HydrogenScale.Spread * Output[0]);
       // Computed values of hydrogens on other atoms than carbon are those of the gas phase.
       const bool OnCarbon = Item.Known && System.Atoms[Graph.HeavyAtoms[Graph.Parents[Hydrogen][0]]].AtomicNumber == 6;
-      Item.Shift += Share * (HydrogenScale.Mean + HydrogenScale.Spread * Output[0] +
-                             (OnCarbon ? Model.ComputedShare * Output[1] : 0.0));
+      if (OnCarbon) Differences[Hydrogen].Shift += Share * Output[1];
       Item.Error += Share * HydrogenScale.Base * LogScale(Output[2]);
     }
   }
   const Equivalence Groups = FindEquivalence(System, Graph);
   AverageGroups(Groups.NodeGroup, Result.Nodes);
   AverageGroups(Groups.HydrogenGroup, Result.Hydrogens);
-  for (std::size_t Node = 0; Node < NumNodes; ++Node) {
-    ShiftEstimate& Item = Result.Nodes[Node];
-    if (Item.Known) Item.Error = ErrorBar(Model.Errors[Nucleus[Node]], Item.Error, Item.Seen);
+  AverageGroups(Groups.HydrogenGroup, Differences);
+  for (std::size_t Hydrogen = 0; Hydrogen < Differences.size(); ++Hydrogen) {
+    Result.Hydrogens[Hydrogen].Shift +=
+        std::clamp(Model.ComputedShare * Differences[Hydrogen].Shift, -LargestComputed, LargestComputed);
   }
-  for (std::size_t Hydrogen = 0; Hydrogen < Result.Hydrogens.size(); ++Hydrogen) {
-    ShiftEstimate& Item = Result.Hydrogens[Hydrogen];
-    for (const std::uint32_t Node : Graph.Parents[Hydrogen]) Item.Seen = Item.Seen && Result.Nodes[Node].Seen;
-    const bool Exchanges = Item.Known && MayExchange(System.Atoms[Graph.HeavyAtoms[Graph.Parents[Hydrogen][0]]]);
-    Item.Error = ErrorBar(Model.Errors[NumHeavyNuclei + (Exchanges ? 1 : 0)], Item.Error, Item.Seen);
-  }
+  TellErrors(Model, System, Graph, Result);
   return Result;
 }
 

@@ -53,6 +53,7 @@ Growth GrowCluster(const SpectrumInput& Input, const SpinPart& Part, const std::
                    double LargestCost) {
   Growth Result{.Sites = Core, .Influence = std::vector<double>(Core.size(), 1.0)};
   std::vector<int> Degeneracies;
+  Degeneracies.reserve(Core.size());
   for (const std::size_t Site : Core) Degeneracies.push_back(Input.Sites[Site].Degeneracy);
   std::vector<double> Reach(Part.Sites.size());
   std::vector<bool> Closed(Part.Sites.size());
@@ -116,6 +117,7 @@ std::vector<OutsideUnit> FindOutsideUnits(const SpectrumInput& Input, const std:
   std::map<std::size_t, OutsideUnit> Units;
   for (std::size_t K = 0; K < Outside.size(); ++K) Units[UnitOf[K]].push_back(Outside[K]);
   std::vector<OutsideUnit> Result;
+  Result.reserve(Units.size());
   for (auto& [Key, Unit] : Units) Result.push_back(std::move(Unit));
   return Result;
 }
@@ -264,7 +266,7 @@ double SumOfCubes(const std::vector<int>& Degeneracies) {
   std::vector<int> Choice = Degeneracies;
   double Sum = 0.0;
   double NumChoices = 1.0;
-  for (const int Degeneracy : Degeneracies) NumChoices *= Degeneracy / 2 + 1;
+  for (const int Degeneracy : Degeneracies) NumChoices *= int{Degeneracy / 2 + 1};
   if (NumChoices > LargestCombination) return NumChoices * SumOfCubesOf(Choice);
   while (true) {
     Sum += SumOfCubesOf(Choice);

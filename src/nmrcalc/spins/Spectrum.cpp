@@ -70,7 +70,7 @@ double MeasureSpeed() {
 
 double ChoiceCount(const SpectrumInput& Input, const SpinPart& Part) {
   double Choices = 1.0;
-  for (const std::size_t Site : Part.Sites) Choices *= Input.Sites[Site].Degeneracy / 2 + 1;
+  for (const std::size_t Site : Part.Sites) Choices *= int{Input.Sites[Site].Degeneracy / 2 + 1};
   return Choices;
 }
 

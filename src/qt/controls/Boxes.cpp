@@ -7,7 +7,9 @@
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QMessageBox>
+#include <QThread>
 #include <QWindow>
 #include <utility>
 
@@ -15,6 +17,8 @@
 #include "qt/TextConversion.h"
 #include "qt/controls/Pointer.h"
 #include "qt/frame/MainWindow.h"
+#include "qt/frame/OneWindow.h"
+#include "qt/frame/RecentFiles.h"
 #include "qt/frame/Remembered.h"
 #include "qt/help/HelpWindow.h"
 #include "shell/HelpTopics.h"
@@ -110,47 +114,120 @@ QString Shortened(const QString& Message) {
   return Message.size() <= Longest ? Message : Message.left(Longest) + QString::fromUtf8(" \u2026");
 }
 
+constexpr const char* OtherRuns = "Zelvanor is already running.";
+constexpr const char* HowToOpenThere =
+    "\r\rIts window comes to the front. Open the file there by File > Open..., or drop it on that window.";
 constexpr const char* NoHost = "No running Morvantis.";
 
 // Who works without the host need not be told at each start.
 bool MayBeSilent(const MessageBox& Box) { return Box.Message.ends_with(NoHost); }
 
-// A box stands in the middle of its window only once the desktop has given the window its place.
+// A box stands in the middle of its window only once the desktop has given the window its place, which X11 tells a
+// little after the window has come up.
 void WaitForPlace(const QWidget* Window) {
   constexpr int Longest = 1000;  // milliseconds
+  constexpr int Settled = 100;
   constexpr int Rest = 10;
-  if (Window == nullptr || Window->windowHandle() == nullptr) return;
+  static bool Placed = QGuiApplication::platformName() != "xcb";
+  if (Placed || Window == nullptr || Window->windowHandle() == nullptr) return;
   QElapsedTimer Waited;
+  QElapsedTimer Unmoved;
   Waited.start();
-  while (!Window->windowHandle()->isExposed() && Waited.elapsed() < Longest) {
+  Unmoved.start();
+  QPoint Place = Window->pos();
+  while (Waited.elapsed() < Longest && (!Window->windowHandle()->isExposed() || Unmoved.elapsed() < Settled)) {
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, Rest);
+    QThread::msleep(Rest);
+    if (std::exchange(Place, Window->pos()) != Window->pos() || !Window->windowHandle()->isExposed()) Unmoved.restart();
   }
-  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  Placed = true;
 }
 
-}  // namespace
+// Warnings of a command that shows them together.
+struct HeldWarnings {
+  bool Holds = false;
+  std::vector<MessageBox> Boxes;
+};
 
-BoxAnswer ShowMessageBox(const MessageBox& Box) {
-  const ButtonsRow& Row = RowOf(Box.Buttons);
-  if (MayBeSilent(Box) && RememberedHostSilence()) {
-    ShowStatus(NoHost);
-    return AnswerOf(Row.Escape, Row);
+HeldWarnings Held;
+
+MessageBox JoinBoxes(const std::vector<MessageBox>& Boxes, QString& Details) {
+  constexpr std::size_t MostShown = 8;
+  const Text Head = "WARNING: ";
+  MessageBox All = Boxes.front();
+  if (Boxes.size() == 1) return All;
+  const auto Plain = [&Head](const Text& Said) { return Said.starts_with(Head) ? Said.substr(Head.size()) : Said; };
+  All.Message = Join(Head, "There are ", static_cast<Long>(Boxes.size()), " problems:\r");
+  for (std::size_t Place = 0; Place < std::min(Boxes.size(), MostShown); ++Place) {
+    All.Message += "\r" + Plain(Boxes[Place].Message);
   }
-  QMessageBox Shown(IconOf(Box.Kind), ToQt(Box.Title), Shortened(ToQtLines(Box.Message)), Row.Shown, TopWindow());
+  if (Boxes.size() <= MostShown) return All;
+  All.Message += Join("\r\rand ", static_cast<Long>(Boxes.size() - MostShown), " more.");
+  for (const MessageBox& Box : Boxes) Details += Shortened(ToQtLines(Plain(Box.Message))) + "\n";
+  return All;
+}
+
+void AddForms(QMessageBox& Shown, const MessageBox& Box) {
   Shown.setTextFormat(Qt::PlainText);
   Shown.setTextInteractionFlags(Qt::TextSelectableByMouse);
-  Shown.setDefaultButton(Row.Default);
-  Shown.setEscapeButton(Row.Escape);
+  Shown.setDefaultButton(RowOf(Box.Buttons).Default);
+  Shown.setEscapeButton(RowOf(Box.Buttons).Escape);
   Shown.setWindowModality(Qt::WindowModal);  // the manual stays open to use
   AddHelpKey(&Shown, MessagesHelp);
+}
+
+BoxAnswer RunBox(const MessageBox& Box, const QString& Details) {
+  const ButtonsRow& Row = RowOf(Box.Buttons);
+  const bool Refused = Box.Message.ends_with(OtherRuns);
+  const QString Words = Shortened(ToQtLines(Refused ? Box.Message + HowToOpenThere : Box.Message));
+  QMessageBox Shown(IconOf(Box.Kind), ToQt(Box.Title), Words, Row.Shown, TopWindow());
+  AddForms(Shown, Box);
+  if (!Details.isEmpty()) Shown.setDetailedText(Details);
   if (AfterDispatch) AfterDispatch();  // what stands behind the box is up to date
   if (MayBeSilent(Box)) Shown.setCheckBox(new QCheckBox("Do not show this again", &Shown));
   WaitForPlace(Shown.parentWidget());
   const PlainPointer Pointer;
   const int Pressed = Shown.exec();
   if (Shown.checkBox() != nullptr && Shown.checkBox()->isChecked()) RememberHostSilence(true);
+  if (Refused) CallRunningWindow();
   PassEnd();
   return AnswerOf(Pressed, Row);
+}
+
+void ShowHeldWarnings() {
+  if (Held.Boxes.empty()) return;
+  QString Details;
+  const MessageBox All = JoinBoxes(std::exchange(Held.Boxes, {}), Details);
+  RunBox(All, Details);
+}
+
+}  // namespace
+
+BoxAnswer ShowMessageBox(const MessageBox& Box) {
+  const ButtonsRow& Row = RowOf(Box.Buttons);
+  if (Held.Holds && Box.Kind == BoxKind::Warning && Box.Buttons == BoxButtons::Ok) {
+    Held.Boxes.push_back(Box);
+    return BoxAnswer::Ok;
+  }
+  ShowHeldWarnings();
+  if (MayBeSilent(Box) && RememberedHostSilence()) {
+    ShowStatus(NoHost);
+    return AnswerOf(Row.Escape, Row);
+  }
+  return RunBox(Box, {});
+}
+
+void ShowWarningsTogether(const std::function<void()>& Command) {
+  if (Held.Holds) return Command();
+  Held.Holds = true;
+  try {
+    Command();
+  } catch (...) {
+    Held = {};
+    throw;
+  }
+  Held.Holds = false;
+  ShowHeldWarnings();
 }
 
 QStringList NameFilters(const Text& Filter) {
@@ -179,6 +256,7 @@ std::optional<Text> AskForFile(const FileDialog& Dialog) {
   // A file to open is no answer to the question where unsaved work goes to, which may come before.
   if (!Dialog.Save && !QueuedFile().empty()) {
     RememberFolderOf(PathToQt(QueuedFile()));
+    RememberRecent(PathToQt(QueuedFile()));
     return std::exchange(QueuedFile(), {});
   }
   QFileDialog Shown(TopWindow(), ToQt(Dialog.Title), FirstFolder());
@@ -204,6 +282,7 @@ std::optional<Text> AskForFile(const FileDialog& Dialog) {
   if (!Chosen) return std::nullopt;
   const QString Path = QDir::toNativeSeparators(Shown.selectedFiles().front());
   RememberFolderOf(Path);
+  if (!Dialog.Save || Dialog.DefaultExtension == "NMR") RememberRecent(Path);
   return PathFromQt(Path);
 }
 

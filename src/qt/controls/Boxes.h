@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QStringList>
+#include <functional>
 #include <optional>
 
 #include "platform/Services.h"
@@ -8,6 +9,8 @@
 namespace zelvanor {
 
 BoxAnswer ShowMessageBox(const MessageBox& Box);
+// Runs a command whose plain warnings are shown in one box when it has come to its end, or before it asks something.
+void ShowWarningsTogether(const std::function<void()>& Command);
 std::optional<Text> AskForFile(const FileDialog& Dialog);
 std::optional<Colour> AskForColour(Colour Current);
 

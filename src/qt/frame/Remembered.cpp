@@ -71,6 +71,9 @@ QString RememberedFolder() {
   return QFileInfo(Kept).isDir() ? Kept : QString();
 }
 
+void RememberList(const QString& Name, const QStringList& Entries) { OwnSettings().setValue("lists/" + Name, Entries); }
+QStringList RememberedList(const QString& Name) { return OwnSettings().value("lists/" + Name).toStringList(); }
+
 void RememberHostSilence(bool Silent) { OwnSettings().setValue(SilenceKey, Silent); }
 bool RememberedHostSilence() { return OwnSettings().value(SilenceKey).toBool(); }
 

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 #include <map>
 
@@ -30,6 +31,10 @@ QSize RememberedSize(const QString& Form);
 // The folder of the last file that was chosen; one that is gone counts as none (empty).
 void RememberFolderOf(const QString& Path);
 QString RememberedFolder();
+
+// Lists of texts, the last one first: the files that were opened, the views of documents.
+void RememberList(const QString& Name, const QStringList& Entries);
+QStringList RememberedList(const QString& Name);
 
 // Whether the message that no host runs has been turned off.
 void RememberHostSilence(bool Silent);

@@ -25,6 +25,24 @@ constexpr int TickMilliseconds = 100;
 // Work that is over sooner shows no bar: it would only flicker.
 constexpr int BarMilliseconds = 400;
 
+// What the user can do next in the view that is shown, at the right where there is room.
+QString NextStep() {
+  const WorkspaceState& W = Workspace;
+  switch (W.ViewMode) {
+    case ShieldingView:
+    case CouplingView:
+      return "Type over a value; Ctrl+C copies the selected cells or all";
+    case SpectrumViewMode:
+      return "Drag to zoom, right click for the whole; click on a line reads it, Shift+drag integrates";
+    default:
+      break;
+  }
+  if (!IsSet(W.MoleculeLoaded)) return {};
+  if (W.NumNMRAtoms == 0) return "Setup > Shielding & Coupling... chooses the NMR atoms";
+  if (!IsSet(W.SpectraAvailable)) return "Compute > Both: I Then II computes shieldings, couplings and spectrum";
+  return "Drag turns the molecule, the wheel magnifies; N and Enter pick atoms";
+}
+
 // One line of text, cut with an ellipsis where the window is too narrow; its tool tip is then the whole of it.
 class StatusLabel : public QLabel {
  public:
@@ -66,6 +84,15 @@ class StatusLabel : public QLabel {
     const QString Fitting = fontMetrics().elidedText(Words, Qt::ElideRight, Room.width());
     setToolTip(Fitting == Words ? QString() : Words);
     DrawWords(Painter, Room, Qt::AlignLeft, Fitting);
+    constexpr int Gap = 24;
+    const QString Hint = IsSet(Workspace.IsBusy) ? QString() : NextStep();
+    const int Free = Room.width() - fontMetrics().horizontalAdvance(Fitting) - Gap;
+    if (fontMetrics().horizontalAdvance(Hint) > Free) return;
+    constexpr qreal Quiet = 0.65;  // of the text colour, which every theme has
+    QColor Pen = palette().color(QPalette::WindowText);
+    Pen.setAlphaF(Quiet);
+    Painter.setPen(Pen);
+    Painter.drawText(Room, static_cast<int>(Qt::AlignRight | Qt::AlignVCenter), Hint);
   }
 
  private:

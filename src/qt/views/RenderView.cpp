@@ -11,6 +11,7 @@
 #include "qt/TextConversion.h"
 #include "qt/controls/ControlWidgets.h"
 #include "qt/frame/Accessible.h"
+#include "qt/views/AtomKeys.h"
 #include "qt/views/MouseCodes.h"
 #include "qt/views/SurfaceMarks.h"
 #include "shell/MainForm.h"
@@ -59,6 +60,7 @@ class RenderView : public KeyedSurface {
 
   // As a notch of the wheel does; the other keys of the view are the program's.
   void keyPressEvent(QKeyEvent* Key) override {
+    if (&View == &Main.MolRender1 && MayAct(View) && PressAtomKey(*Key)) return ForgetPicture();
     const int Notches = Key->key() == Qt::Key_Plus ? 1 : Key->key() == Qt::Key_Minus ? -1 : 0;
     if (Notches == 0 || !View.MouseWheel || !MayAct(View)) return KeyedSurface::keyPressEvent(Key);
     Dispatch([&] { View.MouseWheel(Notches); });
@@ -83,7 +85,15 @@ class RenderView : public KeyedSurface {
     BuildScene(View, Scene);
     PaintScene(Scene, View, Picture, DeviceSize, Ratio, Pieces);
     if (!Scene.Simple) MarkSelection();
+    PaintPointedAtom();
     IsStale = false;
+  }
+
+  void PaintPointedAtom() {
+    const int Atom = PointedAtom();
+    if (&View != &Main.MolRender1 || Atom < 0) return;
+    QPainter Painter(&Picture);
+    PaintAtomPointer(Painter, Scene, Atom);
   }
 
   void MarkSelection() {
@@ -119,7 +129,9 @@ class RenderView : public KeyedSurface {
 QString DescribeMolecule() {
   return QString(
              "%1 atoms, %2 of them NMR atoms, %3 selected. Home and End turn the view, Space fits it to the window, "
-             "plus and minus magnify.")
+             "plus and minus magnify; N and P point at the next and the previous atom, Enter selects it, Backspace "
+             "takes it "
+             "out of the selection.")
       .arg(Main.MolRender1.Atoms.size())
       .arg(int(Workspace.NumNMRAtoms))
       .arg(int(Main.NumSelectedAtoms));

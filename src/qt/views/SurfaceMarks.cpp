@@ -60,6 +60,19 @@ void PaintAtomMarks(QPainter& Painter, const RenderScene& Scene, const std::vect
   }
 }
 
+void PaintAtomPointer(QPainter& Painter, const RenderScene& Scene, int Atom) {
+  constexpr qreal Distance = 7;
+  constexpr qreal LeastRadius = 12;
+  Painter.setRenderHint(QPainter::Antialiasing);
+  for (const DrawItem& Item : Scene.Items) {
+    const bool Round = Item.Form == DrawForm::Disc || Item.Form == DrawForm::Sphere;
+    if (Item.Atom != Atom || (!Round && Item.Form != DrawForm::Label)) continue;
+    const qreal Radius = std::max(qreal{Item.Size} * (Round ? 1.0 : 0.5) + Distance, LeastRadius);
+    const QRectF Frame(Item.X1 - Radius, Item.Y1 - Radius, 2 * Radius, 2 * Radius);
+    return DrawTwice(Painter, 2, [&] { Painter.drawRect(Frame); });
+  }
+}
+
 void PaintHint(QPainter& Painter, const QWidget& Of, const QRect& Room, const QString& Words) {
   constexpr int Margin = 12;
   Painter.setPen(Of.palette().color(QPalette::PlaceholderText));

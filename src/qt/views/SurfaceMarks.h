@@ -33,6 +33,8 @@ void PaintLineMark(QPainter& Painter, int X, int Top);
 void PaintAtomMarks(QPainter& Painter, const RenderScene& Scene, const std::vector<bool>& IsSelected);
 
 // What an empty table, list or view has to say.
+// The atom that the keys point at.
+void PaintAtomPointer(QPainter& Painter, const RenderScene& Scene, int Atom);
 void PaintHint(QPainter& Painter, const QWidget& Of, const QRect& Room, const QString& Words);
 
 }  // namespace zelvanor

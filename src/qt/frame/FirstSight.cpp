@@ -1,0 +1,44 @@
+#include "qt/frame/FirstSight.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QPalette>
+
+#include "qt/Dispatch.h"
+#include "settings/SettingsState.h"
+#include "settings/frmPreference.h"
+#include "shell/Frame.h"
+#include "spectrum/SpectrumView.h"
+
+namespace zelvanor {
+
+namespace {
+
+void TakeDesktopColours() {
+  constexpr int Middle = 128;
+  UseDesktopColours(QApplication::palette().color(QPalette::Base).lightness() < Middle);
+  RefreshView();
+}
+
+// The desktop may turn from light to dark while the program runs.
+class PaletteFollower : public QObject {
+ public:
+  using QObject::QObject;
+  bool eventFilter(QObject* /*Watched*/, QEvent* Event) override {
+    if (Event->type() == QEvent::PaletteChange) Dispatch(TakeDesktopColours);
+    return false;
+  }
+};
+
+}  // namespace
+
+void WantFirstSight() { Settings.FirstSight = true; }
+
+void FollowDesktopColours(QWidget* Window) {
+  // Preferences that are confirmed bring back their own colours, which may be none of the user's.
+  Preferences.RefreshView = TakeDesktopColours;
+  Dispatch(TakeDesktopColours);
+  Window->installEventFilter(new PaletteFollower(Window));
+}
+
+}  // namespace zelvanor
