@@ -14,6 +14,8 @@
 #include "basic/NumberText.h"
 #include "files/FileCommands.h"
 #include "files/ZMatrixImport.h"
+#include "files/frmRecords.h"
+#include "files/frmSmiles.h"
 #include "history/History.h"
 #include "history/Recovery.h"
 #include "host/GetCommand.h"
@@ -29,9 +31,11 @@
 #include "molecule/MouseDrag.h"
 #include "molecule/TakeSystem.h"
 #include "molecule/frmRender.h"
+#include "onestep/PredictSpectrum.h"
 #include "platform/Paths.h"
 #include "platform/RenderScene.h"
 #include "platform/Variables.h"
+#include "report/ReadNmreData.h"
 #include "settings/ColorSets.h"
 #include "settings/Settings.h"
 #include "settings/frmPreference.h"
@@ -129,6 +133,13 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuComputeNMR, mnuComputeNMR_Click},
     {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
     {&MainForm::mnuComputeAll, mnuComputeAll_Click},
+    {&MainForm::mnuFileNewSmiles, mnuFileNewSmiles_Click},
+    {&MainForm::mnuPredict1H, [] { PredictSpectrum(Nuclei[0]); }},
+    {&MainForm::mnuPredict13C, [] { PredictSpectrum(Nuclei[1]); }},
+    {&MainForm::mnuPredict15N, [] { PredictSpectrum(Nuclei[2]); }},
+    {&MainForm::mnuPredict17O, [] { PredictSpectrum(Nuclei[3]); }},
+    {&MainForm::mnuPredict19F, [] { PredictSpectrum(Nuclei[4]); }},
+    {&MainForm::mnuPredict31P, [] { PredictSpectrum(Nuclei[5]); }},
     {&MainForm::mnuHelpContents, mnuHelpContents_Click, TableEdit::StaysOpen},
     {&MainForm::mnuHelpUsing, mnuHelpUsing_Click, TableEdit::StaysOpen},
     {&MainForm::mnuAbout, mnuAbout_Click, TableEdit::StaysOpen},
@@ -176,6 +187,13 @@ constexpr StepName StepNames[] = {
     {&MainForm::mnuComputeNMR, "computing shieldings and couplings"},
     {&MainForm::mnuComputeSpectra, "computing the spectrum"},
     {&MainForm::mnuComputeAll, "computing both stages"},
+    {&MainForm::mnuFileNewSmiles, "making a molecule from SMILES"},
+    {&MainForm::mnuPredict1H, "predicting the 1H spectrum"},
+    {&MainForm::mnuPredict13C, "predicting the 13C spectrum"},
+    {&MainForm::mnuPredict15N, "predicting the 15N spectrum"},
+    {&MainForm::mnuPredict17O, "predicting the 17O spectrum"},
+    {&MainForm::mnuPredict19F, "predicting the 19F spectrum"},
+    {&MainForm::mnuPredict31P, "predicting the 31P spectrum"},
 };
 
 Text StepNameOf(const MenuItem& Item) {
@@ -297,6 +315,7 @@ void ConnectRooms() {
   Rooms.TurnMolecule = TurnMolecule;
   Rooms.FitMolecule = FitMolecule;
   Rooms.OpenZMatrix = OpenZMatrix;
+  OpenAssignedSignals = OpenNmreData;
   Rooms.UpdateAtomLabels = [] {
     TakeSystem();
     UpdateAtomLabels(Main.MolRender1);
@@ -432,6 +451,8 @@ void BuildProgram() {
   BuildIntegralForm();
   BuildProcessForm();
   BuildExportForm();
+  BuildRecordForm();
+  BuildSmilesForm();
   GiveHelpContexts();
   ConnectMainForm();
   ConnectRooms();

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "atomsets/AtomSets.h"
+#include "onestep/Equivalence.h"
 #include "platform/Form.h"
 #include "platform/Variables.h"
 #include "workspace/Helpers.h"
@@ -30,6 +31,7 @@ struct EquivalentForm {
   ListBox List2{&frmEquiv, "List2", true};
   CommandButton Command5{&frmEquiv, "Command5"};
   CommandButton Command6{&frmEquiv, "Command6"};
+  CommandButton Command9{&frmEquiv, "Command9"};
   CommandButton Command4{&frmEquiv, "Command4"};
   CommandButton Command1{&frmEquiv, "Command1"};
 
@@ -268,6 +270,28 @@ void Command4_Click() {
   HideForm(Dialog.frmEquiv);
 }
 
+// Find: from the bonds, in place of the sets there are.
+void Command9_Click() {
+  try {
+    const std::vector<std::vector<int>> Sets = FindEquivalentSets(FindAtomClasses(), NumSavedSets);
+    if (Sets.empty()) return ShowWarning("No NMR atoms are equivalent.");
+    for (int Set = 0; Set < NumSavedSets; ++Set) Dialog.WorkSetSize[Set] = 0;
+    Dialog.WorkSetCount = static_cast<int>(Sets.size());
+    for (int Set = 0; Set < Dialog.WorkSetCount; ++Set) {
+      const std::vector<int>& Members = Sets[static_cast<std::size_t>(Set)];
+      Dialog.WorkSetSize[Set] = static_cast<int>(Members.size());
+      for (int Member = 0; Member < Dialog.WorkSetSize[Set]; ++Member) {
+        Dialog.WorkEquivalentAtom(Set, Member) = Members[static_cast<std::size_t>(Member)];
+      }
+    }
+    Dialog.CurrentSet = 0;
+    ShowSetNumber();
+    LoadAppliedSet();
+  } catch (const Failure& Problem) {
+    WarnOfFailure(Problem);
+  }
+}
+
 void Command1_Click() { HideForm(Dialog.frmEquiv); }
 
 void AddWorkVariables() {
@@ -296,6 +320,7 @@ void BuildEquivalentForm() {
   SetUpButton(D.Command7, ">", Command7_Click, "Next set");
   SetUpButton(D.Command5, "&Reset", Command5_Click);
   SetUpButton(D.Command6, "A&pply", [] { Apply(); });
+  SetUpButton(D.Command9, "&Find", Command9_Click, "Find equivalent atoms");
   SetUpOkAndCancel(D.Command4, "&OK", Command4_Click, D.Command1, Command1_Click);
   D.List1.EmptyHint = "There are no NMR atoms: choose them first.";
   D.List2.EmptyHint = "This set is empty: select equivalent atoms on the left, then Add.";
@@ -306,7 +331,7 @@ void BuildEquivalentForm() {
                                  RowOf({ItemOf(D.Label3), ItemOf(D.Text1)}),
                                  RowOf({ItemOf(D.Command8), ItemOf(D.Command7)}), StretchOf()}),
                        ColumnOf({ItemOf(D.Label2), ItemOf(D.List2), RowOf({ItemOf(D.Command5), ItemOf(D.Command6)})})}),
-                RowOf({StretchOf(), ItemOf(D.Command4), ItemOf(D.Command1)})});
+                RowOf({ItemOf(D.Command9), StretchOf(), ItemOf(D.Command4), ItemOf(D.Command1)})});
   AddWorkVariables();
 }
 

@@ -113,5 +113,7 @@ void WriteView(const Text& Path);
 // Writes the peak list, or with "envelope" or "measured" before the path that curve, as CSV or JCAMP-DX. Throws
 // ScriptStop or a Failure.
 void SaveSpectrum(const std::vector<Argument>& All);
+// The report (.html) or the publication text (.txt).
+void WriteReport(const Text& Path);
 
 }  // namespace zelvanor::batch

@@ -228,6 +228,7 @@ std::map<Text, CommandRow>& Commands() {
       {"chart", {[](const Words& All) { pictures::WriteChartPicture(All[1].Value); }, 1, true}},
       {"save", {AfterTableEdit<SaveSpectrum>, 1, true}},
       {"measured", {AfterTableEdit<RecordMeasured>, 1, true}},
+      {"report", {[](const Words& All) { WriteReport(All[1].Value); }, 1, true}},
       {"undo", {[](const Words&) { GoStep(GoBack, "undone ", "nothing to undo"); }, 0, true}},
       {"redo", {[](const Words&) { GoStep(GoForward, "redone ", "nothing to redo"); }, 0, true}},
       {"cancel", {[](const Words&) { Progress.Runs ? AskCancel() : AskCancelLater(); }, 0, true}},

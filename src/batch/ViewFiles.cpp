@@ -6,6 +6,7 @@
 #include "platform/Grid.h"
 #include "platform/Paths.h"
 #include "platform/TextFiles.h"
+#include "report/Report.h"
 #include "shell/MainForm.h"
 #include "spectrum/PeakLists.h"
 #include "workspace/Workspace.h"
@@ -40,7 +41,15 @@ void WriteView(const Text& Path) {
   pictures::WriteViewPicture(Path);
 }
 
+void WriteReport(const Text& Path) {
+  const Text Ending = EndingOf(Path);
+  if (Ending == ".HTML") return WriteWholeFile(Path, BuildReportPage(Path + ".svg"));
+  if (Ending == ".TXT") return WriteWholeFile(Path, BuildPublicationText());
+  throw ScriptStop{CannotCarryOut, "a report is written as .html or .txt: " + Path};
+}
+
 void SaveSpectrum(const std::vector<Argument>& All) {
+  if (All.size() == 2 && EndingOf(All[1].Value) == ".SDF") return WriteWholeFile(All[1].Value, BuildNmreData());
   struct Saved {
     const char* Word;
     const char* What;

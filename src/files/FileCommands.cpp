@@ -4,9 +4,11 @@
 #include <array>
 
 #include "basic/Numbers.h"
+#include "files/Converter.h"
 #include "files/DocumentReader.h"
 #include "files/DocumentWriter.h"
 #include "files/HostText.h"
+#include "files/frmRecords.h"
 #include "platform/Paths.h"
 #include "platform/TextFiles.h"
 #include "shell/Frame.h"
@@ -107,15 +109,31 @@ Text WithEnding(const Text& Path) {
   return HasEnding || WhyUnreadable(Path) != failures::FileNotFound ? Path : Join(Path, ".", Extension);
 }
 
-// Chooses the origin and reads it. False for a file of no known kind: the Workspace is as it was.
+// HostTextPath is the molecule file, so that a document saved from it gets its name.
+void ReadConvertedSystem(const Text& Source, const Text& Path) {
+  SetOrigin(HostTextFile, Path);
+  EmptyForOpen();
+  if (IsSet(ReadConverted(ConvertedPath(), Source))) W.MoleculeLoaded = True;
+}
+
+// Through the converter. False where nothing was opened: the Workspace is as it was.
+bool OpenMolecule(const Text& Path) {
+  bool Known = IsMoleculeFile(Path) || !FindConverter().empty();
+  const std::vector<RecordRow> Rows = Known ? ListRecords(Path, Known) : std::vector<RecordRow>();
+  if (!Known) ShowWarning(Join("Unknown file format: ", Path, "."));
+  if (Rows.empty()) return false;
+  const Long Record = Rows.size() == 1 ? Rows.front().Number : ChooseRecord(Rows);
+  if (Record == 0 || !ConvertMolecule({.Path = Path, .Smiles = {}, .Record = Record}, ConvertedPath())) return false;
+  ReadConvertedSystem(Path, Path);
+  return true;
+}
+
+// Chooses the origin and reads it. False where nothing was opened: the Workspace is as it was.
 bool OpenFile(const Text& Path) {
   if (Path != AnyFile) {
     FileKind Kind = KindFromEnding(FileTitleOf(Path));
-    if (Kind == UnknownFile) Kind = DetectFileType(Path);
-    if (Kind == UnknownFile) {
-      ShowWarning(Join("Unknown file format: ", Path, "."));
-      return false;
-    }
+    if (Kind == UnknownFile && !IsMoleculeFile(Path)) Kind = DetectFileType(Path);
+    if (Kind == UnknownFile) return OpenMolecule(Path);
     SetOrigin(Kind, Path);
   }
   EmptyForOpen();
@@ -202,6 +220,21 @@ FileKind DetectFileType(const Text& Path) {
   return Complete ? DecideKind(Counts) : UnknownFile;
 }
 
+void TakeConverted(const Text& Source, const Text& Path) {
+  try {
+    ReadConvertedSystem(Source, Path);
+  } catch (const Failure& Problem) {
+    WarnOfFailure(Problem);
+  }
+  if (IsSet(W.MoleculeLoaded)) {
+    W.DocumentTitle = Path.empty() ? Source : UpperCase(FileTitleOf(Path));
+    W.DocumentDirty = True;
+    UpdateTitle();
+  }
+  W.ViewMode = MoleculeView;
+  RefreshView();
+}
+
 void mnuFileNew_Click() {
   if (QuerySave() != False) return;
   ClearSpectrum();
@@ -223,7 +256,12 @@ void mnuFileOpen_Click() {
   const std::optional<Text> Chosen =
       Platform.ShowFileDialog({.Title = "Open File",
                                .FileName = AnyDocument,
-                               .Filter = "Zelvanor (*.NMR)|*.NMR |Morvantis (*.MVS)|*.MVS|MOPAC Z-Matrix (*.ZMT)|*.ZMT",
+                               .Filter = "Zelvanor (*.NMR)|*.NMR |Morvantis (*.MVS)|*.MVS|MOPAC Z-Matrix (*.ZMT)|*.ZMT"
+                                         "|Molecules (*.mol;*.sdf;*.sd;*.mol2;*.pdb;*.ent;*.xyz;*.smi;*.cml;*.cif)"
+                                         "|*.mol;*.sdf;*.sd;*.mol2;*.pdb;*.ent;*.xyz;*.smi;*.cml;*.cif"
+                                         "|MDL Mol (*.mol)|*.mol|MDL SD (*.sdf;*.sd)|*.sdf;*.sd|Mol2 (*.mol2)|*.mol2"
+                                         "|PDB (*.pdb;*.ent)|*.pdb;*.ent|XYZ (*.xyz)|*.xyz|SMILES (*.smi)|*.smi"
+                                         "|CML (*.cml)|*.cml|CIF (*.cif)|*.cif",
                                .DefaultExtension = Extension,
                                .Save = false});
   if (!Chosen) return;
@@ -232,17 +270,17 @@ void mnuFileOpen_Click() {
     ShowWarning(Join("Could not open file ", Quoted(Path), " ", Problem, "."));
     return;
   }
-  bool Known = true;
+  bool Opened = true;
   {
     const BusyState Busy;
     try {
-      Known = OpenFile(Path);
+      Opened = OpenFile(Path);
     } catch (const Failure& Problem) {
       WarnOfFailure(Problem);
     }
-    if (Known && AnythingRead()) SetTitleFrom(Path);
+    if (Opened && AnythingRead()) SetTitleFrom(Path);
   }
-  if (!Known) return RefreshView();
+  if (!Opened) return RefreshView();
   W.ViewMode = FirstViewWithContent();
   if (IsSet(W.SpectraAvailable)) Fire(Rooms.TakeOpenedSpectrum);
   RefreshView();

@@ -20,6 +20,10 @@ FileKind DetectFileType(const Text& Path);
 // separator, with "NMR" as the ending.
 Text SuggestDocumentName(const Text& Path);
 
+// Makes the system that the converter has left the document and shows it. Source stands for it in the title and in
+// messages; Path is its file, empty for none.
+void TakeConverted(const Text& Source, const Text& Path);
+
 void mnuFileNew_Click();
 void mnuFileOpen_Click();
 void mnuFileSave_Click();

@@ -102,7 +102,10 @@ void ShowMeasured() {
 
 }  // namespace
 
+std::function<bool(const Text& Path)> OpenAssignedSignals;
+
 bool OpenMeasured(const Text& Path) {
+  if (OpenAssignedSignals && EndingOf(Path) == ".SDF") return OpenAssignedSignals(Path);
   Text Problem;
   try {
     const BusyState Busy;

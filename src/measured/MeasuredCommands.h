@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "basic/Types.h"
 #include "measured/Processing.h"
 
@@ -9,6 +11,9 @@ namespace zelvanor {
 // Tells what went wrong, and what does not fit the simulation. False: the document is as it was.
 bool OpenMeasured(const Text& Path);
 void RemoveMeasured();
+
+// Takes an SD file, whose signals are assigned to atoms of a molecule, in place of a spectrum; program.cpp fills it.
+extern std::function<bool(const Text& Path)> OpenAssignedSignals;
 
 // Whether a path is one that File > Open Measured would take rather than File > Open, by its name.
 bool LooksMeasured(const Text& Path);

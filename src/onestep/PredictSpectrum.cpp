@@ -78,9 +78,12 @@ void ShareShieldings(const std::vector<int>& Classes) {
     Members[Classes.at(static_cast<std::size_t>(W.NMRAtom[Entry] - 1))].push_back(Entry);
   }
   for (const auto& [Class, Entries] : Members) {
-    Double Sum = 0;
-    for (const int Entry : Entries) Sum += Double{W.Shielding[Entry]};
-    for (const int Entry : Entries) W.Shielding[Entry] = static_cast<Single>(Sum / static_cast<Double>(Entries.size()));
+    for (Array<Single>* Values : {&W.Shielding, &W.ShieldingError}) {
+      if (Entries.back() > Values->UpperBound()) continue;
+      Double Sum = 0;
+      for (const int Entry : Entries) Sum += Double{(*Values)[Entry]};
+      for (const int Entry : Entries) (*Values)[Entry] = static_cast<Single>(Sum / static_cast<Double>(Entries.size()));
+    }
   }
 }
 

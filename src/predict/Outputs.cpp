@@ -11,6 +11,7 @@
 #include "pictures/ViewPictures.h"
 #include "platform/TextFiles.h"
 #include "predict/Task.h"
+#include "report/Report.h"
 #include "shell/Frame.h"
 #include "spectrum/PeakLists.h"
 #include "spectrum/SpectrumDrawing.h"
@@ -58,6 +59,14 @@ std::vector<LineRow> ReadLines(const Text& Csv) {
   return Lines;
 }
 
+// The backend tells the error of a spectrum that it had to cut, in percent, in the description.
+Double ToldError() {
+  constexpr TextView Words = "estimated error ";
+  const Text Told = W.SpectDescription;
+  const std::size_t Place = Told.find(Words);
+  return Place == Text::npos ? 0 : PrefixNumber(TextView(Told).substr(Place + Words.size())) / 100;
+}
+
 void ShowPicture(const Options& Given) {
   EnterSpectrumView();
   if (Rooms.LinesAndEnvelopCommand) Rooms.LinesAndEnvelopCommand();
@@ -85,9 +94,9 @@ const std::vector<FormatRow>& FormatRows() {
       {"pdf", true, [](const Text& Path) { pictures::WriteViewPicture(Path); }},
       {"csv", true, [](const Text& Path) { WriteWholeFile(Path, BuildPeakCsv()); }},
       {"jdx", true, [](const Text& Path) { WriteWholeFile(Path, BuildPeakJcamp()); }},
-      {"html", false, nullptr},
-      {"sdf", false, nullptr},
-      {"txt", false, nullptr},
+      {"html", false, [](const Text& Path) { WriteWholeFile(Path, BuildReportPage(Path + ".svg")); }},
+      {"sdf", false, [](const Text& Path) { WriteWholeFile(Path, BuildNmreData()); }},
+      {"txt", false, [](const Text& Path) { WriteWholeFile(Path, BuildPublicationText()); }},
   };
   return Rows;
 }
@@ -123,9 +132,10 @@ Text JsonList(const char* Key, const std::vector<Row>& Rows, const Show& ShowRow
   return List + "]";
 }
 
-Text JsonTail(const Options& Given, Double Seconds) {
+Text JsonTail(const Options& Given, Double Error, Double Seconds) {
   return Join(",\"method\":\"", Given.Quantum ? "quantum" : "fast",
-              "\",\"exact\":true,\"seconds\":", FormatNumber(Seconds, "0.00"), "}");
+              "\",\"exact\":", Error > 0 ? FormatNumber(Error, "0.0#####") : Text("true"),
+              ",\"seconds\":", FormatNumber(Seconds, "0.00"), "}");
 }
 
 }  // namespace
@@ -145,6 +155,7 @@ Outputs CollectOutputs(const Options& Given) {
     All.Shifts.push_back({.Atom = Atom,
                           .Element = ElementSymbol(W.AtomicNumber[Atom - 1]),
                           .Shift = Double{W.ChemicalShift[Entry]},
+                          .Error = Entry <= W.ShieldingError.UpperBound() ? Double{W.ShieldingError[Entry]} : 0,
                           .Shielding = Double{W.Shielding[Entry]},
                           .Class = Classes.at(static_cast<std::size_t>(Atom - 1))});
     for (int Other = Entry + 1; Other < W.NumNMRAtoms; ++Other) {
@@ -157,6 +168,7 @@ Outputs CollectOutputs(const Options& Given) {
   if (Given.Observed->SpinHalf) {
     ShowPicture(Given);
     All.Lines = ReadLines(BuildPeakCsv());
+    All.Error = ToldError();
   }
   return All;
 }
@@ -193,12 +205,12 @@ Text JsonOf(const Options& Given, const Text& Name, const Outputs& Numbers, Doub
     return Join("{\"ppm\":", FormatNumber(Row.Ppm, "0.0#####"), ",\"hz\":", FormatNumber(Row.Hz, "0.0###"),
                 ",\"intensity\":", FormatNumber(Row.Intensity, "0.0#####"), "}");
   });
-  return Json + JsonTail(Given, Seconds);
+  return Json + JsonTail(Given, Numbers.Error, Seconds);
 }
 
 Text FailedJson(const Options& Given, const Text& Name, const Text& Message, Double Seconds) {
   return JsonHead(Given, Name, "failed", Message) + ",\"shifts\":[],\"couplings\":[],\"lines\":[]" +
-         JsonTail(Given, Seconds);
+         JsonTail(Given, 0, Seconds);
 }
 
 Text CsvCell(const Text& Value) {

@@ -27,6 +27,7 @@ struct Outputs {
   std::vector<ShiftRow> Shifts;
   std::vector<CouplingRow> Couplings;
   std::vector<LineRow> Lines;
+  Double Error = 0;  // estimated, of the area of the spectrum; 0 where it is exact
 };
 
 // Whether a format shows the lines of the spectrum, which nuclei of spin above one half do not get.

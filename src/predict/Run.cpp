@@ -6,8 +6,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <sstream>
 
 #include "files/Converter.h"
+#include "platform/Profile.h"
 #include "platform/TextFiles.h"
 #include "predict/Bar.h"
 #include "predict/Finished.h"
@@ -181,8 +183,22 @@ Long CountMolecules(const Options& Given) {
   return Count;
 }
 
+// A program that the user has named for it, or one of those that the backend looks for.
+bool HasQuantumEngine() {
+  const Text Named = GetPrivateProfileString("backend", "Program", "", Settings.BackendFile);
+  if (!Named.empty()) return true;
+  const char* const Folders = std::getenv("PATH");
+  std::istringstream Listed(Folders == nullptr ? "" : Folders);
+  for (Text Folder; std::getline(Listed, Folder, ':');) {
+    for (const char* Name : {"/nwchem.mpich", "/nwchem.openmpi", "/nwchem"}) {
+      if (access((Folder + Name).c_str(), X_OK) == 0) return true;
+    }
+  }
+  return false;
+}
+
 void NeedParts(const Options& Given) {
-  if (Given.Quantum) throw Failure("the quantum engine is not installed");
+  if (Given.Quantum && !HasQuantumEngine()) throw Failure("the quantum engine is not installed");
   for (const Text& Format : Given.Formats) {
     if (const Text Problem = WhyNoFormat(Format); !Problem.empty()) throw Failure(Problem);
   }

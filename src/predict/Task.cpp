@@ -7,7 +7,9 @@
 #include "files/Converter.h"
 #include "files/FileCommands.h"
 #include "onestep/PredictSpectrum.h"
+#include "pictures/ViewPictures.h"
 #include "platform/Paths.h"
+#include "platform/Profile.h"
 #include "platform/TextFiles.h"
 #include "platform/posix/PosixServices.h"
 #include "predict/Outputs.h"
@@ -46,10 +48,24 @@ Text Reason(const char* Otherwise) {
   return Message;
 }
 
-void UseFolder(const Text& Folder) {
+// The user's options of the backend go along, but for the engine: that is the command line's.
+void ChooseEngine(const Options& Given, const Text& Folder, const Text& UserFile) {
+  if (!Given.Quantum) return;
+  const Text File = Folder + "/nmrback.ini";
+  if (IsSet(FileExists(UserFile))) WriteWholeFile(File, ReadWholeFile(UserFile));
+  if (!WritePrivateProfileStrings({{"backend", "ShieldingEngine", "nwchem"}}, File)) {
+    throw Failure(File + " can't be written");
+  }
+}
+
+void UseFolder(const Options& Given, const Text& Folder) {
+  ChooseEngine(Given, Folder, Settings.BackendFile);
+  Settings.BackendFile = Folder + "/nmrback.ini";
+  Settings.ParamReferenceFile = Folder + "/nmrparam.ref";
   Settings.NMRIniPath = Folder;
   Settings.ParamInputFile = Folder + "/nmrparam.in";
   Settings.ParamOutputFile = Folder + "/nmrparam.out";
+  Settings.ParamErrorFile = Folder + "/nmrparam.err";
   Settings.SpectInputFile = Folder + "/nmrspect.in";
   Settings.SpectOutputFile = Folder + "/nmrspect.out";
 }
@@ -96,6 +112,7 @@ void Compute(const Options& Given) {
 void StartProgram() {
   UsePosixServices();
   Platform.ShowBox = TakeBox;
+  Platform.WriteViewPicture = pictures::WriteViewPicture;
   Platform.ControlChanged = [](Control&, Property) {};
   Platform.OtherInstanceRuns = [] { return false; };
   Platform.DoEvents = [] {
@@ -125,7 +142,7 @@ Result ComputeMolecule(const Options& Given, const Molecule& One, const Text& Fo
   const auto Used = [&] { return std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count(); };
   Result Made;
   try {
-    UseFolder(Folder);
+    UseFolder(Given, Folder);
     if (One.Path.empty()) {
       ConvertRecord(Given, One, Folder);
     } else {

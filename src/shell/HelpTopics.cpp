@@ -27,6 +27,8 @@ constexpr std::array Topics = {
     HelpTopic{"frmProcess", 32},
     HelpTopic{"frmExport", 33},
     HelpTopic{"frmBackend", 40},
+    HelpTopic{"frmRecords", 41},
+    HelpTopic{"frmSmiles", 41},
     HelpTopic{"frmAbout", MainWindowHelp},
 };
 

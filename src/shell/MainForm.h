@@ -51,6 +51,7 @@ struct MainForm {
   MenuItem mnuFileFill3{&frmNMR, "mnuFileFill3"};
   MenuItem mnuFileOpenMeasured{&frmNMR, "mnuFileOpenMeasured"};
   MenuItem mnuFileExport{&frmNMR, "mnuFileExport"};
+  MenuItem mnuFileNewSmiles{&frmNMR, "mnuFileNewSmiles"};
   MenuItem mnuEdit{&frmNMR, "mnuEdit"};
   MenuItem mnuCopy{&frmNMR, "mnuCopy"};
   MenuItem mnuEditFill1{&frmNMR, "mnuEditFill1"};
@@ -106,6 +107,14 @@ struct MainForm {
   MenuItem mnuComputeSpectra{&frmNMR, "mnuComputeSpectra"};
   MenuItem mnuComputeFill{&frmNMR, "mnuComputeFill"};
   MenuItem mnuComputeAll{&frmNMR, "mnuComputeAll"};
+  MenuItem mnuComputeFill1{&frmNMR, "mnuComputeFill1"};
+  MenuItem mnuPredict{&frmNMR, "mnuPredict"};
+  MenuItem mnuPredict1H{&frmNMR, "mnuPredict1H"};
+  MenuItem mnuPredict13C{&frmNMR, "mnuPredict13C"};
+  MenuItem mnuPredict15N{&frmNMR, "mnuPredict15N"};
+  MenuItem mnuPredict17O{&frmNMR, "mnuPredict17O"};
+  MenuItem mnuPredict19F{&frmNMR, "mnuPredict19F"};
+  MenuItem mnuPredict31P{&frmNMR, "mnuPredict31P"};
   MenuItem mnuHelp{&frmNMR, "mnuHelp"};
   MenuItem mnuHelpContents{&frmNMR, "mnuHelpContents"};
   MenuItem mnuHelpUsing{&frmNMR, "mnuHelpUsing"};

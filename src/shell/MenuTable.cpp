@@ -43,6 +43,7 @@ constexpr std::array Rows = {
           "Open a measured spectrum beside the simulated one."),
     Below(&M::mnuFile, &M::mnuFileExport, "&Export...", "Ctrl+E",
           "Write what is shown as a picture, or its values for other programs."),
+    Below(&M::mnuFile, &M::mnuFileNewSmiles, "New F&rom SMILES...", "", "Make a molecule from its SMILES."),
 
     Top(&M::mnuEdit, "&Edit", "Copy data to the clipboard."),
     Below(&M::mnuEdit, &M::mnuCopy, "&Copy", "Ctrl+C", "Copy the current image into the Windows clipboard."),
@@ -117,6 +118,14 @@ constexpr std::array Rows = {
     Fill(&M::mnuCompute, &M::mnuComputeFill),
     Disabled(Below(&M::mnuCompute, &M::mnuComputeAll, "&Both: I Then II", "",
                    "Compute NMR shielding and coupling constants and NMR spectrum.")),
+    Fill(&M::mnuCompute, &M::mnuComputeFill1),
+    Below(&M::mnuCompute, &M::mnuPredict, "&Predict Spectrum", "", "From the molecule to its spectrum in one step."),
+    Below(&M::mnuPredict, &M::mnuPredict1H, "&Protons (1H)", "", "Predict the 1H spectrum of the molecules."),
+    Below(&M::mnuPredict, &M::mnuPredict13C, "&Carbons (13C)", "", "Predict the 13C spectrum of the molecules."),
+    Below(&M::mnuPredict, &M::mnuPredict15N, "&Nitrogens (15N)", "", "Predict the 15N spectrum of the molecules."),
+    Below(&M::mnuPredict, &M::mnuPredict17O, "&Oxygens (17O)", "", "Predict the 17O spectrum of the molecules."),
+    Below(&M::mnuPredict, &M::mnuPredict19F, "&Fluorines (19F)", "", "Predict the 19F spectrum of the molecules."),
+    Below(&M::mnuPredict, &M::mnuPredict31P, "P&hosphoruses (31P)", "", "Predict the 31P spectrum of the molecules."),
 
     Top(&M::mnuHelp, "&Help", "Show on-line help."),
     Below(&M::mnuHelp, &M::mnuHelpContents, "&Contents", "", "See the Table of Contents for the on-line help."),

@@ -20,6 +20,9 @@ namespace {
 constexpr int FirstLevel = 2;
 constexpr int HighestLevel = 16;
 constexpr double FaintestBin = 1e-8;          // of a site's area
+constexpr double RateGrowth = 1.5;            // larger blocks run faster
+constexpr int FirstRestLevel = 7;             // clusters stop growing where their cores have settled
+constexpr double RestShare = 0.25;            // of the tolerance that all of those together may take
 constexpr double LargestTaskShare = 0.125;    // of a level's work, so that the cores end together
 constexpr double BytesPerSquare = 8.0 * 8.0;  // of the largest block: matrices of two levels and their moments
 
@@ -164,25 +167,44 @@ void UpdateErrors(const LevelResult& Upper, const LevelResult& Lower, std::vecto
   }
 }
 
-void TakeLevel(const SpectrumInput& Input, const SpinPart& Part, LevelResult& Level, CutResult& Result) {
-  Result.SiteLines.clear();
-  for (const std::size_t Site : Part.Sites) Result.SiteLines.push_back(std::move(Level.SiteLines[Site]));
-  Result.NumClusters = Level.Plans.size();
-  Result.SmallestCluster = static_cast<std::size_t>(-1);
-  Result.LargestCluster = 0;
-  for (const ClusterPlan& Plan : Level.Plans) {
+// Counts clusters into the result.
+void TellClusters(const SpectrumInput& Input, const std::vector<ClusterPlan>& Plans, CutResult& Result) {
+  for (const ClusterPlan& Plan : Plans) {
     std::size_t NumSpins = 0;
     for (const std::size_t Site : Plan.Sites) NumSpins += static_cast<std::size_t>(Input.Sites[Site].Degeneracy);
-    Result.SmallestCluster = std::min(Result.SmallestCluster, NumSpins);
+    const bool IsFirst = Result.NumClusters++ == 0;
+    Result.SmallestCluster = IsFirst ? NumSpins : std::min(Result.SmallestCluster, NumSpins);
     Result.LargestCluster = std::max(Result.LargestCluster, NumSpins);
+  }
+}
+
+// The clusters whose errors are the smallest, together no more than Allowed, grow no further: their cores leave the
+// list, and the result counts them.
+void RestClusters(const SpectrumInput& Input, const std::vector<double>& Errors, double& Allowed, LevelResult& Level,
+                  std::vector<std::vector<std::size_t>>& Cores, CutResult& Result) {
+  const auto ErrorOf = [&Errors](const ClusterPlan& Plan) {
+    double Sum = 0.0;
+    for (const std::size_t Core : Plan.Cores) Sum += Errors[Plan.Sites[Core]];
+    return Sum;
+  };
+  std::stable_sort(Level.Plans.begin(), Level.Plans.end(),
+                   [&](const ClusterPlan& A, const ClusterPlan& B) { return ErrorOf(A) > ErrorOf(B); });
+  while (!Level.Plans.empty() && ErrorOf(Level.Plans.back()) <= Allowed) {
+    const ClusterPlan& Plan = Level.Plans.back();
+    Allowed -= ErrorOf(Plan);
+    TellClusters(Input, {Plan}, Result);
+    for (const std::size_t Place : Plan.Cores) {
+      std::erase_if(Cores, [Site = Plan.Sites[Place]](const auto& Core) { return Core[0] == Site; });
+    }
+    Level.Plans.pop_back();
   }
 }
 
 }  // namespace
 
 CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const CutLimits& Limits) {
-  const auto Cores = FindCores(Input, Part);
-  std::vector<LevelResult> Levels;  // the last three
+  auto Cores = FindCores(Input, Part);  // that still grow
+  std::vector<LevelResult> Levels;      // the last three
   CutResult Result;
   std::vector<double> Errors(Input.Sites.size());  // area that may be misplaced, by site
   double Area = 0.0;
@@ -193,6 +215,7 @@ CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const Cu
     }
   }
   double Rate = 0.0;  // operations in a second, of the last level
+  double Allowed = RestShare * Limits.Tolerance * Area;
   for (int Level = FirstLevel; Level <= HighestLevel; ++Level) {
     if (Limits.LastLevel > 0 && Level > Limits.LastLevel) break;
     if (Level > FirstLevel && BytesOfLevel(Level) > Limits.Bytes) break;
@@ -200,12 +223,15 @@ CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const Cu
     const double Operations = OperationsOf(Next.Plans);
     const double Left = SecondsUntil(Limits.Deadline);
     if (Level > FirstLevel) {
-      const double Expected = Rate > 0.0 ? Operations / Rate : 0.0;
+      const double Expected = Rate > 0.0 ? Operations / (RateGrowth * Rate) : 0.0;
       if (Expected > Left) break;
       if (Limits.ExactSeconds > 0.0 && (Expected > Limits.ExactSeconds || Expected + Limits.ExactSeconds > Left)) break;
     }
     const auto Start = RunClock::now();
     if (!RunLevel(Input, Level, Limits.Deadline, Level > FirstLevel, Next)) break;
+    for (std::size_t Site = 0; !Levels.empty() && Site < Errors.size(); ++Site) {
+      if (Next.SiteLines[Site].empty()) Next.SiteLines[Site] = Levels.back().SiteLines[Site];
+    }
     Rate = Operations / std::max(-SecondsUntil(Start), 1e-6);
     Levels.push_back(std::move(Next));
     Result.Level = Level;
@@ -213,8 +239,10 @@ CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const Cu
     if (Levels.size() >= 2) UpdateErrors(Levels.back(), Levels.front(), Errors);
     Result.Error = std::accumulate(Errors.begin(), Errors.end(), 0.0) / Area;
     if (Levels.size() == 3 && Result.Error <= Limits.Tolerance) break;
+    if (Level >= FirstRestLevel) RestClusters(Input, Errors, Allowed, Levels.back(), Cores, Result);
   }
-  TakeLevel(Input, Part, Levels.back(), Result);
+  TellClusters(Input, Levels.back().Plans, Result);
+  for (const std::size_t Site : Part.Sites) Result.SiteLines.push_back(std::move(Levels.back().SiteLines[Site]));
   return Result;
 }
 
