@@ -80,6 +80,7 @@ bool TakeGeometry(const Text& Coordinates, Double& Moved) {
   }
   if (New.empty() || New.size() != static_cast<std::size_t>(int(W.NumAtoms))) return false;
   std::vector<Place> Old;
+  Old.reserve(New.size());
   for (int Atom = 0; Atom < W.NumAtoms; ++Atom) Old.push_back({W.AtomX[Atom], W.AtomY[Atom], W.AtomZ[Atom]});
   const Place From = CentreOf(New);
   const Place To = CentreOf(Old);

@@ -259,6 +259,7 @@ void Command4_Click() {
 void SetUpControls() {
   auto& D = Dialog;
   std::vector<Text> Titles;
+  Titles.reserve(Engines.size());
   for (const EngineRow& Row : Engines) Titles.emplace_back(Row.Title);
   const auto SetUp = [&](Label& Caption, const char* Words, ComboBox& Box, const char* Name) {
     Caption.Caption = Words;
