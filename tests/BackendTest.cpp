@@ -492,7 +492,7 @@ TEST_F(BackendTest, FlagsAfterEachCommand) {
       EXPECT_EQ(W.DocumentDirty, Wanted(R.Dirty)) << What;
       EXPECT_EQ(W.ViewMode, R.View) << What;
       EXPECT_EQ(Shown().Statuses.back(), R.LastStatus) << What;
-      EXPECT_EQ(W.IsBusy, 0) << What;
+      EXPECT_EQ(Main.IsBusy, 0) << What;
       EXPECT_EQ(Main.mnuCompute.Enabled, -1) << What;
     }
   }
@@ -629,7 +629,7 @@ TEST_F(BackendTest, NoFailureLeavesTheCommand) {
   UseBackend(Good, "printf 'x\\r\\n2\\r\\nFREQUENCY\\r\\n0 1 1 1\\r\\n5 1 1 1\\r\\n' > \"$O\"");
   W.NMRFrequency = 0;
   EXPECT_EQ(FailureOf(mnuComputeSpectra_Click), "no failure");
-  EXPECT_EQ(W.IsBusy, 0);
+  EXPECT_EQ(Main.IsBusy, 0);
   EXPECT_EQ(Main.mnuFile.Enabled, -1);
   EXPECT_EQ(W.SpectraAvailable, -1);
 }

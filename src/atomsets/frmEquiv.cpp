@@ -3,7 +3,7 @@
 #include <array>
 
 #include "atomsets/AtomSets.h"
-#include "onestep/Equivalence.h"
+#include "atomsets/Equivalence.h"
 #include "platform/Form.h"
 #include "platform/Variables.h"
 #include "workspace/Helpers.h"

@@ -43,6 +43,17 @@ std::vector<Text> SplitAtBlanks(const Text& Line) {
   return Words;
 }
 
-TextView TrimWhite(TextView Value) { return Trim(Value, " \t\r\n"); }
+std::vector<TextView> SplitWords(TextView Line, TextView Between) {
+  std::vector<TextView> Words;
+  std::size_t Place = 0;
+  while ((Place = Line.find_first_not_of(Between, Place)) != TextView::npos) {
+    const std::size_t End = std::min(Line.find_first_of(Between, Place), Line.size());
+    Words.push_back(Line.substr(Place, End - Place));
+    Place = End;
+  }
+  return Words;
+}
+
+TextView TrimWhite(TextView Value) { return Trim(Value, TextSeparators); }
 
 }  // namespace zelvanor

@@ -14,10 +14,14 @@ bool EqualsIgnoringCase(TextView Left, TextView Right);
 // Without the blanks (not tabs) at both ends, or at the left alone.
 TextView TrimBlanks(TextView Value);
 TextView TrimLeftBlanks(TextView Value);
-// What stands between the words of a line.
+// What stands between the words of a line; of one that may still end with a carriage return; of a whole text.
 inline constexpr TextView Separators = " \t";
+inline constexpr TextView LineSeparators = " \t\r";
+inline constexpr TextView TextSeparators = " \t\r\n";
 // The words of a line between its blanks; nothing is quoted.
 std::vector<Text> SplitAtBlanks(const Text& Line);
+// The words of a line between any of these characters.
+std::vector<TextView> SplitWords(TextView Line, TextView Between = Separators);
 // Calls Take with each word between the blanks and tabs of a line, in order.
 template <class Visit>
 void ForEachWord(TextView Line, const Visit& Take) {

@@ -116,12 +116,12 @@ Text Escaped(TextView Value) {
 std::vector<Argument> SplitArguments(TextView Line) {
   std::vector<Argument> Words;
   std::size_t Place = 0;
-  while ((Place = Line.find_first_not_of(" \t\r", Place)) != TextView::npos) {
+  while ((Place = Line.find_first_not_of(LineSeparators, Place)) != TextView::npos) {
     if (Words.empty() && Line[Place] == '#') return {};
     if (Line[Place] == '"') {
       Words.push_back({TakeQuoted(Line, Place), true});
     } else {
-      const std::size_t End = std::min(Line.find_first_of(" \t\r", Place), Line.size());
+      const std::size_t End = std::min(Line.find_first_of(LineSeparators, Place), Line.size());
       Words.push_back({Text(Line.substr(Place, End - Place)), false});
       Place = End;
     }

@@ -1,8 +1,7 @@
 #include "convert/Options.h"
 
-#include <algorithm>
-
 #include "basic/Numbers.h"
+#include "basic/OptionRows.h"
 
 namespace zelvanor::convert {
 
@@ -39,14 +38,7 @@ Long NumberFrom(const Text& Option, const Text& Value, Long Least) {
   throw Failure(Option + " takes a number from " + std::to_string(Least) + ", not \"" + Value + "\"");
 }
 
-struct OptionRow {
-  const char* Short;
-  const char* Name;
-  bool TakesValue;
-  void (*Take)(Options& All, const Text& Value);
-};
-
-constexpr OptionRow Rows[] = {
+constexpr OptionRow<Options> Rows[] = {
     {"-s", "--smiles", true, [](Options& All, const Text& Value) { All.Smiles = Value; }},
     {"-r", "--record", true, [](Options& All, const Text& Value) { All.Record = NumberFrom("--record", Value, 1); }},
     {"-o", "--out", true, [](Options& All, const Text& Value) { All.Output = Value; }},
@@ -63,25 +55,10 @@ constexpr OptionRow Rows[] = {
 
 Options ReadOptions(const std::vector<Text>& Words) {
   Options All;
-  bool Ended = false;
-  for (std::size_t Place = 0; Place < Words.size(); ++Place) {
-    const Text& Word = Words[Place];
-    const auto* Row = std::find_if(std::begin(Rows), std::end(Rows), [&](const OptionRow& R) {
-      return Word == R.Name || (*R.Short != 0 && Word == R.Short);
-    });
-    if (!Ended && Word == "--") {
-      Ended = true;
-    } else if (!Ended && Row != std::end(Rows)) {
-      if (Row->TakesValue && Place + 1 == Words.size()) throw Failure("nothing behind " + Word);
-      Row->Take(All, Row->TakesValue ? Words[++Place] : Text());
-    } else if (!Ended && Word.size() > 1 && Word.starts_with("-")) {
-      throw Failure("unknown option " + Word);
-    } else if (!All.Input.empty()) {
-      throw Failure("more than one file: " + Word);
-    } else {
-      All.Input = Word;
-    }
-  }
+  TakeOptionWords(Words, Rows, All, [&All](const Text& Word) {
+    if (!All.Input.empty()) throw Failure("more than one file: " + Word);
+    All.Input = Word;
+  });
   if (!All.Help && !All.Version && All.Input.empty() == All.Smiles.empty()) {
     throw Failure(All.Input.empty() ? "no file is named" : "a file and a SMILES");
   }

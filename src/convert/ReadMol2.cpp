@@ -93,14 +93,14 @@ Structure ReadMol2(TextView Content) {
   int Line = 0;
   while (Walk.Next()) {
     if (Walk.Line.starts_with("@")) {
-      Section = Walk.Line.substr(0, Walk.Line.find_last_not_of(" \t") + 1);
+      Section = Walk.Line.substr(0, Walk.Line.find_last_not_of(Separators) + 1);
       Line = 0;
       continue;
     }
     ++Line;
     if (Section == "@<TRIPOS>MOLECULE") {
       TakeMoleculeLine(Walk, Line, State);
-    } else if (Walk.Line.find_first_not_of(" \t") == TextView::npos || Walk.Line.starts_with("#")) {
+    } else if (Walk.Line.find_first_not_of(Separators) == TextView::npos || Walk.Line.starts_with("#")) {
       continue;
     } else if (Section == "@<TRIPOS>ATOM") {
       TakeAtomLine(Walk, State);

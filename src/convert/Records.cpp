@@ -100,8 +100,8 @@ bool NextSmiles(RecordSource& Source, Record& Next) {
   Text Line;
   while (ReadLine(Source, Line)) {
     if (IsBlank(Line)) continue;
-    const std::size_t Start = Line.find_first_not_of(" \t");
-    const std::size_t End = std::min(Line.find_first_of(" \t", Start), Line.size());
+    const std::size_t Start = Line.find_first_not_of(Separators);
+    const std::size_t End = std::min(Line.find_first_of(Separators, Start), Line.size());
     Next.Title = PlainTitle(TextView(Line).substr(End));
     Taken.Add(TextView(Line).substr(Start, End - Start));
     return true;

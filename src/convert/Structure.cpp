@@ -218,7 +218,7 @@ std::vector<Text> ReadFields(TextView Content) {
       const std::size_t Open = Walk.Line.find('<');
       const std::size_t Close = Walk.Line.rfind('>');
       Field = Open != TextView::npos && Close > Open ? Text(Walk.Line.substr(Open + 1, Close - Open - 1)) : Text("-");
-    } else if (!Field.empty() && Walk.Line.find_first_not_of(" \t\r") != TextView::npos) {
+    } else if (!Field.empty() && Walk.Line.find_first_not_of(LineSeparators) != TextView::npos) {
       Notes.push_back(Field + ": " + Text(Walk.Line));
     }
   }

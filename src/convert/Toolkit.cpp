@@ -11,6 +11,7 @@
 
 #include <cmath>
 
+#include "basic/TextTools.h"
 #include "convert/Embedding.h"
 #include "files/MoleculeTree.h"
 #include "workspace/ElementData.h"
@@ -42,7 +43,7 @@ void NeedElements(const RDKit::ROMol& Whole) {
 Molecule ReadSmiles(const Text& Content) {
   RDKit::SmilesParserParams Settings;
   Settings.removeHs = false;
-  const Text Smiles(Content.substr(0, Content.find_first_of(" \t\r\n")));
+  const Text Smiles(Content.substr(0, Content.find_first_of(TextSeparators)));
   if (Smiles.empty()) throw Failure("there is no SMILES");
   Molecule Whole(RDKit::SmilesToMol(Smiles, Settings));
   if (!Whole) throw Failure("it is no SMILES");

@@ -8,8 +8,8 @@ namespace zelvanor {
 // were set. Closes the file in all cases.
 Flag ReadDocument(const Text& Path);
 
-// The pieces of it. Each works on the open file, reports its failures and leaves the file behind its section; Path
-// serves messages.
+// The pieces of it. Each works on the open file, reports its failures, where it names Path, and leaves the file
+// behind its section.
 Flag ReadHostBlock(Integer FileNumber);
 Flag ReadSelections(const Text& Path, Integer FileNumber);
 Flag ReadOptions(const Text& Path, Integer FileNumber);

@@ -221,10 +221,12 @@ Flag BuildAtomTableFromTree() {
     const auto Index = IndexNodes(Nodes);
     for (int Atom = 0; Atom < W.NumAtoms; ++Atom) FillAtom(Atom, Nodes[static_cast<std::size_t>(Atom)], Index);
     W.MoleculeAtomCount[0] = W.NumAtoms;
-    if (Rooms.UpdateAtomLabels) Rooms.UpdateAtomLabels();
+    // Before the view takes it in, which would else find no molecule and drop the selection.
     W.MoleculeLoaded = True;
+    if (Rooms.UpdateAtomLabels) Rooms.UpdateAtomLabels();
     return True;
   } catch (const Failure& Problem) {
+    W.MoleculeLoaded = False;
     WarnOfFailure(Problem);
     return False;
   }

@@ -23,17 +23,7 @@ constexpr int HeaderLines = 3;
 constexpr Double SmallestAngle = 10.0;
 constexpr Double LargestValue = 1e6;  // angstrom, degrees
 
-Words SplitRow(TextView Line) {
-  constexpr const char* Separators = " \t,";
-  Words Result;
-  std::size_t From = Line.find_first_not_of(Separators);
-  while (From != TextView::npos) {
-    const std::size_t End = std::min(Line.find_first_of(Separators, From), Line.size());
-    Result.push_back(Line.substr(From, End - From));
-    From = Line.find_first_not_of(Separators, End);
-  }
-  return Result;
-}
+Words SplitRow(TextView Line) { return SplitWords(Line, " \t,"); }
 
 bool IsComment(TextView Line) { return TrimWhite(Line).starts_with('*'); }
 

@@ -64,7 +64,6 @@ class LargeArraysAside {
 // What is of the session and not of the document.
 void CopySessionFields(const WorkspaceState& From, WorkspaceState& To) {
   To.ViewMode = From.ViewMode;
-  To.IsBusy = From.IsBusy;
   To.LogFilePath = From.LogFilePath;
 }
 

@@ -29,7 +29,7 @@ struct Snapshot {
 std::shared_ptr<Snapshot> TakeSnapshot(const Snapshot* Former);
 // Whether the document is what it was, wherever it stands and whether it is saved or not.
 bool IsUnchanged(const Snapshot& Before);
-// Puts the document back; the view, the busy state and the log stay. Throws Failure or bad_alloc, and nothing has
+// Puts the document back; the view and the log stay. Throws Failure or bad_alloc, and nothing has
 // changed then.
 void RestoreSnapshot(const Snapshot& Kept);
 

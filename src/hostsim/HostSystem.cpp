@@ -18,18 +18,6 @@ namespace {
 constexpr std::size_t ElementWord = 3;
 constexpr std::size_t CoordinationWord = 10;
 
-std::vector<TextView> SplitWords(TextView Line) {
-  constexpr const char* White = " \t\r";
-  std::vector<TextView> Words;
-  std::size_t Place = 0;
-  while ((Place = Line.find_first_not_of(White, Place)) != TextView::npos) {
-    const std::size_t End = std::min(Line.find_first_of(White, Place), Line.size());
-    Words.push_back(Line.substr(Place, End - Place));
-    Place = End;
-  }
-  return Words;
-}
-
 std::vector<TextView> SplitLines(TextView Content) {
   std::vector<TextView> Lines;
   while (!Content.empty()) {
@@ -81,7 +69,7 @@ struct PartialCopy {
 };
 
 void CopyLine(PartialCopy& Copy, TextView Line) {
-  const std::vector<TextView> Words = SplitWords(Line);
+  const std::vector<TextView> Words = SplitWords(Line, LineSeparators);
   const TextView First = Words.empty() ? TextView() : Words[0];
   const bool Record = First == "mol" || First == "endmol" || First == "atom";
   if (!Record) {
@@ -122,7 +110,7 @@ HostSystem ReadHostSystem(Text Content) {
   System.Content = std::move(Content);
   AtomRef Place;
   for (const TextView Line : SplitLines(System.Content)) {
-    const std::vector<TextView> Words = SplitWords(Line);
+    const std::vector<TextView> Words = SplitWords(Line, LineSeparators);
     if (Words.empty()) continue;
     if (Words[0] == "mol") {
       Place = {Place.Molecule + 1, 0};

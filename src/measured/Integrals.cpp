@@ -59,6 +59,10 @@ void AddIntegral(Double LowPpm, Double HighPpm) {
     return;
   }
   if (W.IntegralCount >= MostIntegrals) return ShowWarning("There are too many integrals.");
+  AppendIntegral(LowPpm, HighPpm);
+}
+
+void AppendIntegral(Double LowPpm, Double HighPpm) {
   W.IntegralHigh.ReDimPreserve(W.IntegralCount + 1);
   W.IntegralLow.ReDimPreserve(W.IntegralCount + 1);
   W.IntegralHigh[W.IntegralCount] = HighPpm;

@@ -14,6 +14,8 @@ std::vector<Double> IntegralValues();
 
 // A new range; an end of a range that is there already, near to one of the new ends, moves instead. Places in ppm.
 void AddIntegral(Double LowPpm, Double HighPpm);
+// The same behind the ranges that are there, whatever they are.
+void AppendIntegral(Double LowPpm, Double HighPpm);
 void RemoveIntegral(Long Range);
 inline constexpr Long MostIntegrals = 500;
 

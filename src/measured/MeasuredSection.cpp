@@ -70,11 +70,7 @@ void TakeIntegral(TextView Value) {
   const Double Low = StrictNumber(Value.substr(Blank));
   if (!(High > Low) || W.IntegralCount >= MostIntegrals)
     throw Failure("an integral of the measured spectrum is damaged");
-  W.IntegralHigh.ReDimPreserve(W.IntegralCount + 1);
-  W.IntegralLow.ReDimPreserve(W.IntegralCount + 1);
-  W.IntegralHigh[W.IntegralCount] = High;
-  W.IntegralLow[W.IntegralCount] = Low;
-  ++W.IntegralCount;
+  AppendIntegral(Low, High);
 }
 
 void TakeLine(TextView Line) {

@@ -19,7 +19,8 @@ namespace {
 WorkspaceState& W = Workspace;
 MoleculeViewState& V = ShownMolecule;
 
-// The part of the atom table that the control draws.
+// The part of the atom table that the control draws. The view compares it with what it has taken in instead of counting
+// changes: undo, scripts and a document that is opened again put the same system in place, and its view has to stay.
 struct TableImage {
   std::vector<Single> Places;
   std::vector<int> Structure;

@@ -1,7 +1,6 @@
 #include "morvantis-sim/Options.h"
 
-#include <algorithm>
-
+#include "basic/OptionRows.h"
 #include "basic/TextTools.h"
 
 namespace zelvanor::morvantis_sim {
@@ -40,45 +39,27 @@ void AddSelection(Options& All, const Text& Value) {
   All.Selections.push_back({Name, hostsim::ReadAtomList(Atoms)});
 }
 
-struct OptionRow {
-  const char* Name;
-  void (*Take)(Options& All, const Text& Value);
-};
-
-constexpr OptionRow Rows[] = {
-    {"--select", AddSelection},
-    {"--current", [](Options& All, const Text& Value) { All.Current = hostsim::ReadAtomList(Value); }},
-    {"--method", [](Options& All, const Text& Value) { All.Method = Value; }},
-    {"--start", [](Options& All, const Text& Value) { All.Start = SplitAtBlanks(Value); }},
-    {"--refuse", [](Options& All, const Text& Value) { All.Refused.push_back(Value); }},
-    {"--reply", [](Options& All, const Text& Value) { All.Answers.push_back(SplitPair(Value)); }},
-    {"--die", [](Options& All, const Text& Value) { All.DieAt = Value; }},
-    {"--hang", [](Options& All, const Text& Value) { All.HangAt = Value; }},
+constexpr OptionRow<Options> Rows[] = {
+    {"", "--select", true, AddSelection},
+    {"", "--current", true, [](Options& All, const Text& Value) { All.Current = hostsim::ReadAtomList(Value); }},
+    {"", "--method", true, [](Options& All, const Text& Value) { All.Method = Value; }},
+    {"", "--start", true, [](Options& All, const Text& Value) { All.Start = SplitAtBlanks(Value); }},
+    {"", "--refuse", true, [](Options& All, const Text& Value) { All.Refused.push_back(Value); }},
+    {"", "--reply", true, [](Options& All, const Text& Value) { All.Answers.push_back(SplitPair(Value)); }},
+    {"", "--die", true, [](Options& All, const Text& Value) { All.DieAt = Value; }},
+    {"", "--hang", true, [](Options& All, const Text& Value) { All.HangAt = Value; }},
+    {"", "--log", false, [](Options& All, const Text&) { All.Log = true; }},
+    {"", "--help", false, [](Options& All, const Text&) { All.Help = true; }},
 };
 
 }  // namespace
 
 Options ReadOptions(const std::vector<Text>& Words) {
   Options All;
-  for (std::size_t Place = 0; Place < Words.size(); ++Place) {
-    const Text& Word = Words[Place];
-    const auto* Row =
-        std::find_if(std::begin(Rows), std::end(Rows), [&](const OptionRow& R) { return Word == R.Name; });
-    if (Row != std::end(Rows)) {
-      if (Place + 1 == Words.size()) throw Failure("nothing behind " + Word);
-      Row->Take(All, Words[++Place]);
-    } else if (Word == "--log") {
-      All.Log = true;
-    } else if (Word == "--help") {
-      All.Help = true;
-    } else if (Word.starts_with("--")) {
-      throw Failure("unknown option " + Word);
-    } else if (!All.File.empty()) {
-      throw Failure("more than one file: " + Word);
-    } else {
-      All.File = Word;
-    }
-  }
+  TakeOptionWords(Words, Rows, All, [&All](const Text& Word) {
+    if (!All.File.empty()) throw Failure("more than one file: " + Word);
+    All.File = Word;
+  });
   if (All.File.empty() && !All.Help) throw Failure("no file is named");
   return All;
 }

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "atomsets/AtomSetChecks.h"
+#include "atomsets/Equivalence.h"
 #include "backend/Compute.h"
-#include "onestep/Equivalence.h"
 #include "shell/Frame.h"
 #include "shell/MainForm.h"
 #include "workspace/Helpers.h"

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "basic/Numbers.h"
+#include "basic/OptionRows.h"
 
 namespace zelvanor::predict {
 
@@ -94,14 +95,7 @@ void TakeRecords(Options& All, const Text& Value) {
   if (All.LastRecord < All.FirstRecord) Refuse("--records", "A-B with A at most B", Value);
 }
 
-struct OptionRow {
-  const char* Short;
-  const char* Name;
-  bool TakesValue;
-  void (*Take)(Options& All, const Text& Value);
-};
-
-constexpr OptionRow Rows[] = {
+constexpr OptionRow<Options> Rows[] = {
     {"-s", "--smiles", true,
      [](Options& All, const Text& Value) {
        All.Inputs.push_back({{}, Value});
@@ -142,28 +136,7 @@ Options ReadOptions(const std::vector<Text>& Words) {
   All.Observed = &Nuclei[0];
   All.Formats = {"svg", "csv"};
   All.Jobs = static_cast<int>(std::max(1L, sysconf(_SC_NPROCESSORS_ONLN)));
-  bool Ended = false;
-  for (std::size_t Place = 0; Place < Words.size(); ++Place) {
-    // --name=value is --name value.
-    Text Word = Words[Place];
-    const std::size_t Equals = !Ended && Word.starts_with("--") ? Word.find('=') : Text::npos;
-    const Text Attached = Equals == Text::npos ? Text() : Word.substr(Equals + 1);
-    if (Equals != Text::npos) Word.resize(Equals);
-    const auto* Row = std::find_if(std::begin(Rows), std::end(Rows), [&](const OptionRow& R) {
-      return Word == R.Name || (*R.Short != 0 && Word == R.Short);
-    });
-    if (Ended || Word == "-" || !Word.starts_with("-")) {
-      All.Inputs.push_back({Words[Place], {}});
-    } else if (Word == "--" && Equals == Text::npos) {
-      Ended = true;
-    } else if (Row == std::end(Rows) || (!Row->TakesValue && Equals != Text::npos)) {
-      throw Failure("unknown option " + Words[Place]);
-    } else if (Row->TakesValue && Equals == Text::npos && Place + 1 == Words.size()) {
-      throw Failure("nothing behind " + Word);
-    } else {
-      Row->Take(All, !Row->TakesValue ? Text() : (Equals != Text::npos ? Attached : Words[++Place]));
-    }
-  }
+  TakeOptionWords(Words, Rows, All, [&All](const Text& Word) { All.Inputs.push_back({Word, {}}); });
   if (!All.Help && !All.Version) Check(All);
   if (All.MHz == 0) All.MHz = static_cast<Long>(std::lround(400.0 * All.Observed->Percent / 100.0));
   return All;

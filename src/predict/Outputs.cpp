@@ -4,10 +4,10 @@
 #include <cmath>
 #include <functional>
 
+#include "atomsets/Equivalence.h"
 #include "basic/NumberText.h"
 #include "basic/Numbers.h"
 #include "files/DocumentWriter.h"
-#include "onestep/Equivalence.h"
 #include "pictures/ViewPictures.h"
 #include "platform/TextFiles.h"
 #include "predict/Task.h"

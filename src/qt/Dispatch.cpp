@@ -7,7 +7,6 @@
 #include "platform/Services.h"
 #include "shell/MainForm.h"
 #include "workspace/Helpers.h"
-#include "workspace/Workspace.h"
 
 namespace zelvanor {
 
@@ -63,7 +62,7 @@ void PassEnd() {
 CommandPause::CommandPause() { ++NumPauses; }
 CommandPause::~CommandPause() { --NumPauses; }
 
-bool CommandsPause() { return NumPauses > 0 || IsSet(Workspace.IsBusy); }
+bool CommandsPause() { return NumPauses > 0 || IsSet(Main.IsBusy); }
 
 bool MayAct(const Control& Target) {
   if (Ended) return false;

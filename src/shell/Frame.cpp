@@ -160,12 +160,12 @@ void SetBusy(Flag Ready) {
 }
 
 BusyState::BusyState() : Exceptions(std::uncaught_exceptions()) {
-  W.IsBusy = True;
+  Main.IsBusy = True;
   SetBusy(False);
 }
 
 BusyState::~BusyState() noexcept(false) {
-  W.IsBusy = False;
+  Main.IsBusy = False;
   ShowReady(True);
   if (std::uncaught_exceptions() == Exceptions) Platform.DoEvents();
 }

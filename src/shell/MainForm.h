@@ -137,7 +137,8 @@ struct MainForm {
   int ToolbarHeight = TwipsFromPixels(30);
   Text ToolHelp[NumToolButtons];
   Text HelpFile;
-  Integer LinkMode;  // 1: the host may open a conversation on the window
+  Integer LinkMode;     // 1: the host may open a conversation on the window
+  Flag IsBusy = False;  // a long command is under way
   Integer MouseMode = RotateMode;
   Integer AtomLabelMode;  // what the labels of the molecule view say, 0..5
 

@@ -9,6 +9,7 @@ void AddShellVariables() {
   AddArray("ToolHelp", Main.ToolHelp, [] { return NumToolButtons; });
   AddVariable("HelpFile", Main.HelpFile);
   AddVariable("LinkMode", Main.LinkMode);
+  AddVariable("IsBusy", Main.IsBusy);
   AddVariable("MouseMode", Main.MouseMode);
   AddVariable("AtomLabelMode", Main.AtomLabelMode);
   const auto CountSelected = [] { return int(Main.NumSelectedAtoms); };

@@ -34,12 +34,6 @@ Words SplitAt(TextView Value, TextView Marks) {
   }
 }
 
-Words SplitWords(TextView Value) {
-  Words All = SplitAt(Value, Separators);
-  std::erase(All, TextView());
-  return All;
-}
-
 bool IsDigit(char C) { return C >= '0' && C <= '9'; }
 
 int CountOf(TextView Word) {

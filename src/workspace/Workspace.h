@@ -142,7 +142,6 @@ struct WorkspaceState {
   Text ParamDescription;
   Text SpectDescription;
   Integer ViewMode;  // 1 molecule, 2 shielding table, 3 coupling table, 4 spectrum
-  Flag IsBusy = False;
 
   // Validity.
   Flag MoleculeLoaded = False;

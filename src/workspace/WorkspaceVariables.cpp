@@ -114,7 +114,6 @@ void AddDocumentState() {
   AddVariable("ParamDescription", W.ParamDescription);
   AddVariable("SpectDescription", W.SpectDescription);
   AddVariable("ViewMode", W.ViewMode);
-  AddVariable("IsBusy", W.IsBusy);
   AddVariable("MoleculeLoaded", W.MoleculeLoaded);
   AddVariable("NMRAtomsValid", W.NMRAtomsValid);
   AddVariable("ShieldingAvailable", W.ShieldingAvailable);

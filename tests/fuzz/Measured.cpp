@@ -34,12 +34,14 @@ bool TakeIn(const Text& Path) {
   return Taken;
 }
 
-bool ReadFile(TextView Input) {
+}  // namespace
+
+bool TryMeasuredFile(TextView Input) {
   ResetProgram();
   return TakeIn(WriteInput("measured", Input));
 }
 
-bool ReadFolder(TextView Input) {
+bool TryMeasuredFolder(TextView Input) {
   ResetProgram();
   constexpr TextView End = "##END=\n";
   const std::size_t Place = Input.find(End);
@@ -52,7 +54,7 @@ bool ReadFolder(TextView Input) {
   return TakeIn(PathOf("sample"));
 }
 
-bool ReadMap(TextView Input) {
+bool TryPeakMap(TextView Input) {
   ResetProgram();
   Demand(IsSet(ReadDocument(SourceFile("examples/ethanol.NMR"))), "the example can't be read");
   std::filesystem::copy_file(WriteInput("map", Input), PeakMapPath(),
@@ -64,11 +66,5 @@ bool ReadMap(TextView Input) {
   RemovePeakMap();
   return Taken;
 }
-
-}  // namespace
-
-const Target MeasuredFileTarget = {"MeasuredFile", ReadFile};
-const Target MeasuredFolderTarget = {"MeasuredFolder", ReadFolder};
-const Target PeakMapTarget = {"PeakMap", ReadMap};
 
 }  // namespace zelvanor::fuzz

@@ -30,7 +30,7 @@ bool HoldAll(int Count, const Arrays&... All) {
 bool AreFlags() {
   for (const Flag Value :
        {W.MoleculeLoaded, W.NMRAtomsValid, W.ShieldingAvailable, W.CouplingAvailable, W.SpectraAvailable,
-        W.DocumentDirty, W.ParamResultsStale, W.SpectResultsStale, W.AtomTypesChanged, W.IsBusy}) {
+        W.DocumentDirty, W.ParamResultsStale, W.SpectResultsStale, W.AtomTypesChanged, Main.IsBusy}) {
     if (Value != True && Value != False) return false;
   }
   return true;
@@ -98,7 +98,7 @@ Text BrokenPromise() {
       {"a measured spectrum is declared that is not there",
        HoldAll(W.MeasuredCount, W.MeasuredPoint) && W.MeasuredCount >= 0 && W.MeasuredCount != 1},
       {"integrals are declared that are not there", HoldAll(W.IntegralCount, W.IntegralHigh, W.IntegralLow)},
-      {"the program is still busy", W.IsBusy == False},
+      {"the program is still busy", Main.IsBusy == False},
       {"the menus are still off", Main.mnuHelp.Enabled == True && Main.mnuView.Enabled == True},
       {"a file is still open", FreeFile() == 1},
   };

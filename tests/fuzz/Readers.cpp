@@ -37,9 +37,11 @@ namespace {
 
 WorkspaceState& W = Workspace;
 
+}  // namespace
+
 // Documents, as the reader takes them and as the user opens them.
 
-bool ReadDocumentInput(TextView Input) {
+bool TryDocument(TextView Input) {
   ResetProgram();
   const Text Path = WriteInput("input.NMR", Input);
   const bool Taken = IsSet(ReadDocument(Path));
@@ -57,7 +59,7 @@ bool ReadDocumentInput(TextView Input) {
 
 // Z-matrices: rows, places, bonds, orders and types, up to the saved document.
 
-bool ReadZMatrixInput(TextView Input) {
+bool TryZMatrix(TextView Input) {
   ResetProgram();
   OpenAsUser(WriteInput("input.zmt", Input));
   const bool Taken = IsSet(Workspace.MoleculeLoaded);
@@ -66,6 +68,8 @@ bool ReadZMatrixInput(TextView Input) {
   if (Taken) CheckRoundTrip();
   return Taken;
 }
+
+namespace {
 
 // Host text: from a file, from the host over the clipboard, and as the simulated host itself takes it.
 
@@ -116,7 +120,9 @@ void GetFromHost(TextView Input) {
   hostsim::CopyAtoms(Host.System, {{1, 1}, {1, 2}, {2, 1}});
 }
 
-bool ReadHostTextInput(TextView Input) {
+}  // namespace
+
+bool TryHostText(TextView Input) {
   ResetProgram();
   const Text Path = WriteInput("input.mvs", Input);
   const bool Taken = ReadSystem(Path) && W.NumAtoms > 0;
@@ -132,6 +138,8 @@ bool ReadHostTextInput(TextView Input) {
   return Taken;
 }
 
+namespace {
+
 // The two result files of the backend, as the readers take them and as the compute commands meet them.
 
 // A system with atom sets, whose results the input stands for.
@@ -140,7 +148,9 @@ void TakeExample() {
   Demand(IsSet(ReadDocument(SourceFile("examples/ethanol.NMR"))), "the example can't be read");
 }
 
-bool ReadParam(TextView Input) {
+}  // namespace
+
+bool TryParamResults(TextView Input) {
   TakeExample();
   const bool Taken = IsSet(ReadParamResults(WriteInput("input.out", Input)));
   // The command behind the reader gives the flags.
@@ -164,7 +174,7 @@ bool ReadParam(TextView Input) {
   return Taken;
 }
 
-bool ReadSpect(TextView Input) {
+bool TrySpectResults(TextView Input) {
   TakeExample();
   const bool Taken = IsSet(ReadSpectResults(WriteInput("input.out", Input)));
   W.SpectraAvailable = ToFlag(Taken);
@@ -178,6 +188,8 @@ bool ReadSpect(TextView Input) {
   LookAround();
   return Taken;
 }
+
+namespace {
 
 // The bundled backend: both inputs, and the tables of the first stage. What it writes has to be what the program reads.
 
@@ -206,16 +218,18 @@ Text Estimate(const Text& Input, const Text& Tables) {
   });
 }
 
-bool ReadStage1Input(TextView Input) {
+}  // namespace
+
+bool TryBackendParam(TextView Input) {
   ResetProgram();
   const Text Path = WriteInput("nmrparam.in", Input);
   const Text Output = Estimate(Path, SourceFile("data"));
   RunStage([&] { return std::to_string(nmrcalc::ReadLogLevel(Path)); });
-  if (!Output.empty()) Demand(ReadParam(Output), "the output of the first stage can't be read");
+  if (!Output.empty()) Demand(TryParamResults(Output), "the output of the first stage can't be read");
   return !Output.empty();
 }
 
-bool ReadStage2Input(TextView Input) {
+bool TryBackendSpect(TextView Input) {
   ResetProgram();
   const Text Path = WriteInput("nmrspect.in", Input);
   const Text Output = RunStage([&] {
@@ -229,12 +243,12 @@ bool ReadStage2Input(TextView Input) {
            "the map has other lines than the spectrum");
     return nmrcalc::FormatSpectrum(Result);
   });
-  if (!Output.empty()) Demand(ReadSpect(Output), "the output of the second stage can't be read");
+  if (!Output.empty()) Demand(TrySpectResults(Output), "the output of the second stage can't be read");
   return !Output.empty();
 }
 
 // The input in the place of the table that it looks like, with the other one as it is installed.
-bool ReadTables(TextView Input) {
+bool TryBackendTables(TextView Input) {
   if (Input.find("TimeBudget") != TextView::npos) {
     const Text Path = WriteInput("nmr_spin.abp", Input);
     return !RunStage([&] { return std::to_string(nmrcalc::ReadSpinSettings(Path).TimeBudget); }).empty();
@@ -248,6 +262,8 @@ bool ReadTables(TextView Input) {
   WriteInput("nmr_cupl.abp", HoldsCouplings ? Input : TextView(Couplings));
   return !Estimate(System, Folder()).empty();
 }
+
+namespace {
 
 // win.ini, and the initialisation files as such: what is written is found again, and nothing else is lost.
 
@@ -268,7 +284,9 @@ void CheckWrites(const Text& Path, TextView Input) {
   Demand(ReadBack(Path) == Written, "the second writing changes the file");
 }
 
-bool ReadProfileInput(TextView Input) {
+}  // namespace
+
+bool TryProfile(TextView Input) {
   ResetProgram();
   const Text Path = WriteInput("profile.ini", Input);
   Platform.WinIniPath = [] { return PathOf("profile.ini"); };
@@ -281,6 +299,8 @@ bool ReadProfileInput(TextView Input) {
   CheckWrites(Path, Input);
   return Taken;
 }
+
+namespace {
 
 // nmr.ini as a start and an exit of the program take it.
 
@@ -305,7 +325,9 @@ bool TakeSettings() {
   return true;
 }
 
-bool ReadSettingsInput(TextView Input) {
+}  // namespace
+
+bool TrySettings(TextView Input) {
   ResetProgram();
   const Text Path = WriteInput("nmr.ini", Input);
   if (!TakeSettings()) {
@@ -325,6 +347,8 @@ bool ReadSettingsInput(TextView Input) {
   CheckPromises();
   return Taken;
 }
+
+namespace {
 
 // The files of the atom typing: the rules, and the types that they may give.
 
@@ -354,28 +378,15 @@ bool TypeExample(TextView Name, TextView Input, TextView OtherName) {
   return Taken;
 }
 
-bool ReadRules(TextView Input) { return TypeExample(RuleFile, Input, TypeFile); }
-bool ReadTypes(TextView Input) {
+}  // namespace
+
+bool TryTypeRules(TextView Input) { return TypeExample(RuleFile, Input, TypeFile); }
+bool TryTypeFile(TextView Input) {
   // Another force field's file may be anything that has a heading.
   WriteInput("ambertype.txt", Input);
   const bool Taken = TypeExample(TypeFile, Input, RuleFile);
   std::remove(PathOf("ambertype.txt").c_str());
   return Taken;
 }
-
-}  // namespace
-
-const Target DocumentTarget = {"Document", ReadDocumentInput};
-const Target ZMatrixTarget = {"ZMatrix", ReadZMatrixInput};
-const Target HostTextTarget = {"HostText", ReadHostTextInput};
-const Target ParamResultsTarget = {"ParamResults", ReadParam};
-const Target SpectResultsTarget = {"SpectResults", ReadSpect};
-const Target BackendParamTarget = {"BackendParam", ReadStage1Input};
-const Target BackendSpectTarget = {"BackendSpect", ReadStage2Input};
-const Target BackendTablesTarget = {"BackendTables", ReadTables};
-const Target ProfileTarget = {"Profile", ReadProfileInput};
-const Target SettingsTarget = {"Settings", ReadSettingsInput};
-const Target TypeRulesTarget = {"TypeRules", ReadRules};
-const Target TypeFileTarget = {"TypeFile", ReadTypes};
 
 }  // namespace zelvanor::fuzz

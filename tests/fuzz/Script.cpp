@@ -98,7 +98,9 @@ void CloseForms() {
   }
 }
 
-bool Read(TextView Input) {
+}  // namespace
+
+bool TryScript(TextView Input) {
   ResetProgram();
   FillFolder();
   CloseForms();
@@ -125,9 +127,5 @@ bool Read(TextView Input) {
   if (batch::State.Started && !batch::State.Ended && Script.find("let") == Text::npos) CheckPromises();
   return batch::State.Status == batch::RanToItsEnd;
 }
-
-}  // namespace
-
-const Target ScriptTarget = {"Script", Read};
 
 }  // namespace zelvanor::fuzz

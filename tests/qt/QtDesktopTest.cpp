@@ -106,9 +106,9 @@ TEST(Drops, AreRefusedWhileTheWindowCantOpen) {
     EXPECT_FALSE(Result.Accepted) << Why;
     EXPECT_EQ(Result.Opened, "") << Why;
   };
-  Workspace.IsBusy = True;
+  Main.IsBusy = True;
   Refuses("busy");
-  Workspace.IsBusy = False;
+  Main.IsBusy = False;
   SetEnabled(Main.mnuFile, False);
   Refuses("started by the host");
   SetEnabled(Main.mnuFile, True);
@@ -216,7 +216,7 @@ TEST(Busy, StatusLineMovesWhileACommandWorks) {
   } Count;
   Wait(50);
   Line->installEventFilter(&Count);
-  Workspace.IsBusy = True;
+  Main.IsBusy = True;
   Dispatch([] { SetBusy(False); });
   EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
   Count.Paints = 0;
@@ -224,7 +224,7 @@ TEST(Busy, StatusLineMovesWhileACommandWorks) {
   for (int Step = 0; Step < 200; ++Step) SetStatus(Main.StatusBar, "Atom " + std::to_string(Step));
   EXPECT_GE(Count.Paints, 1);
   EXPECT_LT(Count.Paints, 50) << "a text that no one can read is not painted";
-  Workspace.IsBusy = False;
+  Main.IsBusy = False;
   Dispatch([] { SetBusy(True); });
   EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
@@ -235,13 +235,13 @@ TEST(Busy, WindowLivesWhileTheBackendRuns) {
   QTimer Clock;
   QObject::connect(&Clock, &QTimer::timeout, [&Ticks] { ++Ticks; });
   Clock.start(50);
-  Workspace.IsBusy = True;
+  Main.IsBusy = True;
   SetStatus(Main.StatusBar, "Computing...");
   const QImage First = Line->grab().toImage();
   WaitForBackend(Platform.Shell({"/bin/sleep", "2"}));
   EXPECT_GE(Ticks, 20) << "events have been served all the time";
   EXPECT_NE(Line->grab().toImage(), First) << "the line shows that time goes on";
-  Workspace.IsBusy = False;
+  Main.IsBusy = False;
   Wait(600);
   EXPECT_EQ(Line->grab().toImage(), First) << "and has no seconds when the work is done";
   SetStatus(Main.StatusBar, "");

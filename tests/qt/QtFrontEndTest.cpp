@@ -136,7 +136,7 @@ TEST(Busy, BlocksCommandsButHelp) {
     Shown<QScrollBar>("HScroll1")->setValue(Shown<QScrollBar>("HScroll1")->value() + 5);
     ActionOf(Main.mnuAbout)->trigger();
   };
-  Workspace.IsBusy = True;
+  Main.IsBusy = True;
   Act();
   EXPECT_EQ(Commands, 0);
   EXPECT_EQ(Helps, 1);
@@ -144,7 +144,7 @@ TEST(Busy, BlocksCommandsButHelp) {
   Window().close();
   EXPECT_TRUE(Window().isVisible());
   EXPECT_FALSE(ProgramHasEnded());
-  Workspace.IsBusy = False;
+  Main.IsBusy = False;
   Act();
   EXPECT_EQ(Commands, 4);
   SetValue(Main.HScroll1, 0);

@@ -82,15 +82,7 @@ const std::string& TakeLine(const TextFile& File, std::size_t Line, const std::s
 }
 
 std::vector<std::string_view> SplitTokens(std::string_view Text) {
-  constexpr std::string_view Separators = " \t\r";
-  std::vector<std::string_view> Tokens;
-  std::size_t Start = Text.find_first_not_of(Separators);
-  while (Start != std::string_view::npos) {
-    const std::size_t End = std::min(Text.find_first_of(Separators, Start), Text.size());
-    Tokens.push_back(Text.substr(Start, End - Start));
-    Start = Text.find_first_not_of(Separators, End);
-  }
-  return Tokens;
+  return zelvanor::SplitWords(Text, zelvanor::LineSeparators);
 }
 
 double NumberAt(const TextFile& File, std::size_t Line, std::string_view Token, const std::string& What) {

@@ -58,6 +58,7 @@ class WorkArea : public QWidget {
       ShowWorkHint(Hint);
       KeepKeysOnView();
       PlacePaneDivider(Divider);
+      WidgetOf(Main.StatusBar)->update();  // its hint goes with the view, whatever its text does
     };
   }
 

@@ -69,7 +69,7 @@ void AddRecentMenu(QMenuBar* Bar) {
 
 void NoteView() {
   static std::pair<QString, int> Noted;
-  if (IsSet(Workspace.IsBusy)) return;
+  if (IsSet(Main.IsBusy)) return;
   std::pair<QString, int> Present{PresentDocument(), Workspace.ViewMode};
   if (Present == Noted) return;
   Noted = Present;

@@ -9,6 +9,7 @@
 #include "qt/TextConversion.h"
 #include "qt/controls/ControlWidgets.h"
 #include "qt/frame/Accessible.h"
+#include "shell/MainForm.h"
 #include "shell/Progress.h"
 #include "workspace/Workspace.h"
 
@@ -85,7 +86,7 @@ class StatusLabel : public QLabel {
     setToolTip(Fitting == Words ? QString() : Words);
     DrawWords(Painter, Room, Qt::AlignLeft, Fitting);
     constexpr int Gap = 24;
-    const QString Hint = IsSet(Workspace.IsBusy) ? QString() : NextStep();
+    const QString Hint = IsSet(Main.IsBusy) ? QString() : NextStep();
     const int Free = Room.width() - fontMetrics().horizontalAdvance(Fitting) - Gap;
     if (fontMetrics().horizontalAdvance(Hint) > Free) return;
     constexpr qreal Quiet = 0.65;  // of the text colour, which every theme has
@@ -130,7 +131,7 @@ class StatusLabel : public QLabel {
 
   void FollowWork() {
     PlaceProgress();
-    if (!IsSet(Workspace.IsBusy)) {
+    if (!IsSet(Main.IsBusy)) {
       Ticks.stop();
       Working.invalidate();
     }
@@ -154,7 +155,7 @@ QWidget* MakeStatusLine(Control& Target, QWidget* Parent) {
   BindWidget(Line, Shown, [&Line, Shown](Property What) {
     if (What != Property::Text) return;
     Shown->setText(ToQt(Line.Value));
-    if (IsSet(Workspace.IsBusy)) Shown->ShowWork();
+    if (IsSet(Main.IsBusy)) Shown->ShowWork();
     SpeakChange(Shown);
   });
   return Shown;

@@ -2,7 +2,7 @@
 // of their neighbours until nothing changes any more. Orders of bonds are left out, since resonance forms differ in
 // them; with all hydrogens there the rest tells atoms apart.
 
-#include "onestep/Equivalence.h"
+#include "atomsets/Equivalence.h"
 
 #include <algorithm>
 #include <array>
