@@ -35,7 +35,9 @@
 #include "platform/Paths.h"
 #include "platform/RenderScene.h"
 #include "platform/Variables.h"
+#include "report/AssignedShifts.h"
 #include "report/ReadNmreData.h"
+#include "report/ReportCommands.h"
 #include "settings/ColorSets.h"
 #include "settings/Settings.h"
 #include "settings/frmPreference.h"
@@ -134,6 +136,8 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuComputeSpectra, mnuComputeSpectra_Click},
     {&MainForm::mnuComputeAll, mnuComputeAll_Click},
     {&MainForm::mnuFileNewSmiles, mnuFileNewSmiles_Click},
+    {&MainForm::mnuFileReport, mnuFileReport_Click},
+    {&MainForm::mnuEditPublication, mnuEditPublication_Click},
     {&MainForm::mnuPredict1H, [] { PredictSpectrum(Nuclei[0]); }},
     {&MainForm::mnuPredict13C, [] { PredictSpectrum(Nuclei[1]); }},
     {&MainForm::mnuPredict15N, [] { PredictSpectrum(Nuclei[2]); }},
@@ -188,6 +192,8 @@ constexpr StepName StepNames[] = {
     {&MainForm::mnuComputeSpectra, "computing the spectrum"},
     {&MainForm::mnuComputeAll, "computing both stages"},
     {&MainForm::mnuFileNewSmiles, "making a molecule from SMILES"},
+    {&MainForm::mnuFileReport, ""},
+    {&MainForm::mnuEditPublication, ""},
     {&MainForm::mnuPredict1H, "predicting the 1H spectrum"},
     {&MainForm::mnuPredict13C, "predicting the 13C spectrum"},
     {&MainForm::mnuPredict15N, "predicting the 15N spectrum"},
@@ -474,6 +480,7 @@ void BuildProgram() {
   AddErrorBarSection();
   AddLevelReferencesSection();
   AddMeasuredSection();
+  AddAssignedShifts();
   AddVariable("StartedAlone", StartedAlone);
 }
 

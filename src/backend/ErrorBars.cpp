@@ -28,8 +28,12 @@ bool HasErrors() {
   return false;
 }
 
+// Behind the numbers, where readers that do not know it pass it over.
+constexpr TextView MethodKey = "method ";
+
 void WriteSection(Integer FileNumber) {
   for (int Atom = 0; Atom < W.NumNMRAtoms; ++Atom) PrintLine(FileNumber, PrintForm(W.ShieldingError[Atom]));
+  if (!W.ShieldingMethod.empty()) PrintLine(FileNumber, Join(MethodKey, W.ShieldingMethod));
 }
 
 void ReadSection(Integer FileNumber) {
@@ -37,6 +41,7 @@ void ReadSection(Integer FileNumber) {
   for (int Atom = 0;; ++Atom) {
     const TextView Line = LineInput(FileNumber);
     if (Line.starts_with(End)) break;
+    if (Line.starts_with(MethodKey)) W.ShieldingMethod = Line.substr(MethodKey.size());
     if (Atom < W.NumNMRAtoms) Errors[Atom] = ToSingle(std::max(PrefixNumber(Line), 0.0));
   }
   W.ShieldingError = Errors;

@@ -102,7 +102,8 @@ void ReadCouplings() {
 }
 
 void ReadParamLines() {
-  RefuseErrorReport(NextLine());
+  const Text Method(NextLine());
+  RefuseErrorReport(Method);
   const Integer Count = ToInteger(PrefixNumber(NextLine()));
   if (Count <= 0) {
     W.NumNMRAtoms = Count;
@@ -123,6 +124,7 @@ void ReadParamLines() {
     NextLine();
   }
   ReadCouplings();
+  W.ShieldingMethod = TrimBlanks(Method);
 }
 
 void ReadPeaks() {

@@ -39,4 +39,8 @@ void ForEachWord(TextView Line, const Visit& Take) {
 // Without blanks, tabs and line ends at both ends.
 TextView TrimWhite(TextView Value);
 
+// Names in a molecule may be of any bytes; pictures and pages hold UTF-8. What is not UTF-8 counts as Latin-1, and
+// control characters become blanks.
+Text PlainUtf8(TextView Value);
+
 }  // namespace zelvanor

@@ -114,6 +114,5 @@ void WriteView(const Text& Path);
 // ScriptStop or a Failure.
 void SaveSpectrum(const std::vector<Argument>& All);
 // The report (.html) or the publication text (.txt).
-void WriteReport(const Text& Path);
 
 }  // namespace zelvanor::batch

@@ -16,6 +16,7 @@
 #include "pictures/ViewPictures.h"
 #include "platform/Grid.h"
 #include "program.h"
+#include "report/Report.h"
 #include "shell/Frame.h"
 #include "shell/Progress.h"
 

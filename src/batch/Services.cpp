@@ -5,6 +5,7 @@
 #include "batch/Batch.h"
 #include "batch/HostCommands.h"
 #include "hostbus/HostBus.h"
+#include "pictures/ReportPages.h"
 #include "pictures/ViewPictures.h"
 #include "platform/posix/PosixServices.h"
 #include "shell/MainForm.h"
@@ -126,6 +127,7 @@ void UseBatchServices() {
   // Scripts see the texts of the clipboard; `chart` writes the picture.
   Platform.SetClipboardPicture = [](const ChartControl& /*Chart*/) {};
   Platform.WriteViewPicture = pictures::WriteViewPicture;
+  Platform.WriteReportPages = pictures::WriteReportPages;
   UseSimulatedHost();
   Platform.DecimalSeparator = [] { return State.DecimalSeparator; };
   Platform.OtherInstanceRuns = [] { return State.OtherInstance; };

@@ -41,13 +41,6 @@ void WriteView(const Text& Path) {
   pictures::WriteViewPicture(Path);
 }
 
-void WriteReport(const Text& Path) {
-  const Text Ending = EndingOf(Path);
-  if (Ending == ".HTML") return WriteWholeFile(Path, BuildReportPage(Path + ".svg"));
-  if (Ending == ".TXT") return WriteWholeFile(Path, BuildPublicationText());
-  throw ScriptStop{CannotCarryOut, "a report is written as .html or .txt: " + Path};
-}
-
 void SaveSpectrum(const std::vector<Argument>& All) {
   if (All.size() == 2 && EndingOf(All[1].Value) == ".SDF") return WriteWholeFile(All[1].Value, BuildNmreData());
   struct Saved {

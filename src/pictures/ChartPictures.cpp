@@ -61,7 +61,7 @@ void DrawText(cairo_t* Context, const ChartText& Item) {
                          Item.Bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
   cairo_set_font_size(Context, Item.Pixels);
   cairo_text_extents_t Size;
-  const Text Words = PictureWords(Item.Words);
+  const Text Words = PlainUtf8(Item.Words);
   cairo_text_extents(Context, Words.c_str(), &Size);
   const Double Before = static_cast<int>(Item.Align) * Size.x_advance / 2.0;
   cairo_save(Context);

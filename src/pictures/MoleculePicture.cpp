@@ -179,7 +179,7 @@ void CairoCylinder(cairo_t* Context, const DrawItem& Item) {
 }
 
 void CairoLabel(cairo_t* Context, const DrawItem& Item) {
-  const Text Value = PictureWords(LabelOf(Item));
+  const Text Value = PlainUtf8(LabelOf(Item));
   cairo_set_font_size(Context, Item.Size);
   cairo_text_extents_t Extents;
   cairo_text_extents(Context, Value.c_str(), &Extents);

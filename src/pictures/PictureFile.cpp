@@ -40,18 +40,17 @@ Text BuildPng(const Picture& Shown, Double Scale) {
   return Status == CAIRO_STATUS_SUCCESS ? Content : Text();
 }
 
-Text BuildPdf(const Picture& Shown) {
+}  // namespace
+
+Text BuildPdf(Double Width, Double Height, const std::function<void(cairo_surface_t*)>& DrawPages) {
   Text Content;
-  cairo_surface_t* Target = cairo_pdf_surface_create_for_stream(Append, &Content, Shown.Size.Width * PointsPerPixel,
-                                                                Shown.Size.Height * PointsPerPixel);
-  Draw(Shown, Target, PointsPerPixel);
+  cairo_surface_t* Target = cairo_pdf_surface_create_for_stream(Append, &Content, Width, Height);
+  DrawPages(Target);
   cairo_surface_finish(Target);
   const cairo_status_t Status = cairo_surface_status(Target);
   cairo_surface_destroy(Target);
   return Status == CAIRO_STATUS_SUCCESS ? Content : Text();
 }
-
-}  // namespace
 
 bool IsPictureFile(const Text& Path) {
   const Text Ending = EndingOf(Path);
@@ -61,7 +60,10 @@ bool IsPictureFile(const Text& Path) {
 void WritePicture(const Picture& Shown, const Text& Path, Double Scale) {
   const Text Ending = EndingOf(Path);
   if (Ending == ".SVG") return WriteWholeFile(Path, Shown.Svg());
-  const Text Content = Ending == ".PNG" ? BuildPng(Shown, Scale) : BuildPdf(Shown);
+  const Text Content = Ending == ".PNG"
+                           ? BuildPng(Shown, Scale)
+                           : BuildPdf(Shown.Size.Width * PointsPerPixel, Shown.Size.Height * PointsPerPixel,
+                                      [&Shown](cairo_surface_t* Target) { Draw(Shown, Target, PointsPerPixel); });
   if (Content.empty()) throw Failure("can't write " + Path);
   WriteWholeFile(Path, Content);
 }

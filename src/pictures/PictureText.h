@@ -16,10 +16,6 @@ struct PictureSize {
 };
 PictureSize SizeOf(const Control& Surface);
 
-// Names in a molecule may be of any bytes; a picture holds UTF-8. What is not UTF-8 counts as Latin-1, and control
-// characters, which no picture can hold, become blanks.
-Text PictureWords(TextView Value);
-
 Text SvgColour(Colour Value);
 // The words, with what is markup in SVG escaped.
 Text SvgEscaped(TextView Value);

@@ -86,7 +86,7 @@ void DrawWithCairo(cairo_t* Context, const PictureSurface& Surface) {
   for (const PictureText& Item : Surface.Texts) {
     SetSource(Context, Item.Pen);
     cairo_move_to(Context, Item.X, Item.Y + SurfaceFontPixels * AscentShare);
-    cairo_show_text(Context, PictureWords(Item.Value).c_str());
+    cairo_show_text(Context, PlainUtf8(Item.Value).c_str());
   }
 }
 

@@ -83,6 +83,9 @@ struct PlatformServices {
   // Writes what the view shows as .svg, .png or .pdf; a picture of pixels is Scale times as fine. Throws a Failure.
   std::function<void(const Text& Path, Double Scale)> WriteViewPicture;
 
+  // Writes the report of the document as pages of a PDF file. Throws a Failure.
+  std::function<void(const Text& Path)> WriteReportPages;
+
   std::function<Text()> DecimalSeparator;   // of the regional settings
   std::function<bool()> OtherInstanceRuns;  // takes the instance lock as well
   std::function<Text()> ProgramDirectory;   // of the running program, without a separator at its end

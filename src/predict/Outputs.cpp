@@ -94,7 +94,7 @@ const std::vector<FormatRow>& FormatRows() {
       {"pdf", true, [](const Text& Path) { pictures::WriteViewPicture(Path); }},
       {"csv", true, [](const Text& Path) { WriteWholeFile(Path, BuildPeakCsv()); }},
       {"jdx", true, [](const Text& Path) { WriteWholeFile(Path, BuildPeakJcamp()); }},
-      {"html", false, [](const Text& Path) { WriteWholeFile(Path, BuildReportPage(Path + ".svg")); }},
+      {"html", false, [](const Text& Path) { WriteWholeFile(Path, BuildReportPage()); }},
       {"sdf", false, [](const Text& Path) { WriteWholeFile(Path, BuildNmreData()); }},
       {"txt", false, [](const Text& Path) { WriteWholeFile(Path, BuildPublicationText()); }},
   };

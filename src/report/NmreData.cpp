@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "basic/NumberText.h"
-#include "basic/Numbers.h"
 #include "measured/Multiplets.h"
+#include "report/MolBlock.h"
 #include "report/Report.h"
+#include "report/Signals.h"
 #include "spectrum/PeakLists.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
@@ -17,88 +19,82 @@ WorkspaceState& W = Workspace;
 
 constexpr Double LeastCoupling = 0.05;  // Hz
 
-Text Padded(const Text& Value, std::size_t Width) {
-  return Value.size() < Width ? Text(Width - Value.size(), ' ') + Value : Value;
-}
-Text Column(Long Value) { return Padded(GeneralForm(Value), 3); }
-Text Place(Double Value) { return Padded(FormatNumber(Value, "0.0000"), 10); }
+// Atoms that have one signal, under one label.
+struct Labelled {
+  std::vector<int> Entries;  // NMR atoms
+  Text Label;
+};
 
-int BondCode(TextView Type) {
-  if (Type == "d") return 2;
-  if (Type == "t") return 3;
-  return Type == "a" ? 4 : 1;
-}
-
-// The blocks of the V2000 table; each bond once.
-Text BuildTable() {
-  Text Atoms;
-  Text Bonds;
-  Long Count = 0;
-  for (int Atom = 0; Atom < W.NumAtoms; ++Atom) {
-    Text Symbol = ElementSymbol(W.AtomicNumber[Atom]);
-    Symbol.resize(3, ' ');
-    const bool Deuterium = W.AtomicNumber[Atom] == 1 && IsLabelled(Atom + 1);
-    Atoms += Join(Place(W.AtomX[Atom]), Place(W.AtomY[Atom]), Place(W.AtomZ[Atom]), " ", Symbol,
-                  Deuterium ? " 1" : " 0", "  0  0  0  0  0  0  0  0  0  0  0\n");
-    for (int K = 0; K < W.AtomCoordination[Atom]; ++K) {
-      const int Other = W.AtomNeighbour(Atom, K);
-      if (Other < Atom) continue;
-      ++Count;
-      const Text Type(TrimBlanks(W.AtomBondType(Atom, K).View()));
-      Bonds += Join(Column(Atom + 1), Column(Other + 1), Column(BondCode(Type)), "  0\n");
-    }
-  }
-  if (Count > 999) throw Failure("An SD file of this kind holds at most 999 bonds");
-  return Join(Column(W.NumAtoms), Column(Count), "  0  0  0  0  0  0  0  0999 V2000\n", Atoms, Bonds);
-}
-
-// The formal charges that the converter has noted in the host text.
-Text ChargeLines() {
-  Text Lines;
-  for (Long Line = 0; Line < W.HostTextLineCount; ++Line) {
-    const TextView Stored = W.HostTextLine[Line].Trimmed();
-    constexpr TextView Key = "; AtomCharge: ";
-    if (!Stored.starts_with(Key)) continue;
-    const TextView Value = Stored.substr(Key.size());
-    const std::size_t Blank = std::min(Value.find(' '), Value.size());
-    const Text Atom = Padded(Text(Value.substr(0, Blank)), 3);
-    Lines += Join("M  CHG  1 ", Atom, " ", Padded(Text(TrimBlanks(Value.substr(Blank))), 3), "\n");
-  }
-  return Lines;
-}
-
-Text Label(int Entry) { return Join("s", Long{Entry + 1}); }
-
-Text Tag(const char* Name, const Text& Value) { return Join(">  <NMREDATA_", Name, ">\n", Value, "\n"); }
-
-Text Assignment() {
-  Text Lines;
+// Equivalent atoms have one label: they are in one site of the calculation. Atoms without a spin that counts, as carbon
+// beside observed protons, have one each.
+std::vector<Labelled> FindLabels() {
+  std::vector<Labelled> All;
+  for (const Signal& Each : FindSignals()) All.push_back({Each.Of.Atoms, ""});
   for (int Entry = 0; Entry < W.NumNMRAtoms; ++Entry) {
-    Lines += Join(Label(Entry), ", ", FormatNumber(W.ChemicalShift[Entry], "0.0###"), ", ", W.NMRAtom[Entry], "\\\n");
+    const auto Has = [&](const Labelled& Each) {
+      return std::find(Each.Entries.begin(), Each.Entries.end(), Entry) != Each.Entries.end();
+    };
+    if (std::none_of(All.begin(), All.end(), Has)) All.push_back({{Entry}, ""});
+  }
+  for (Labelled& Each : All) {
+    const int First = Each.Entries.front();
+    Each.Label = Join(ElementSymbol(W.NMRAtomicNumber[First]), W.NMRAtom[First]);
+  }
+  return All;
+}
+
+Text Tag(const Text& Name, const Text& Value) { return Join(">  <NMREDATA_", Name, ">\n", Value, "\n"); }
+
+Text Assignment(const std::vector<Labelled>& Labels) {
+  Text Lines;
+  for (const Labelled& Each : Labels) {
+    Lines += Join(Each.Label, ", ", FormatNumber(W.ChemicalShift[Each.Entries.front()], "0.0000"));
+    for (const int Entry : Each.Entries) Lines += Join(", ", W.NMRAtom[Entry]);
+    Lines += "\\\n";
   }
   return Lines;
 }
 
-Text Couplings() {
+Double CouplingOf(const Labelled& First, const Labelled& Second) {
+  return IsSet(W.CouplingAvailable) ? Double{W.Coupling(First.Entries.front(), Second.Entries.front())} : 0.0;
+}
+
+Text Couplings(const std::vector<Labelled>& Labels) {
   Text Lines;
-  for (int First = 0; IsSet(W.CouplingAvailable) && First < W.NumNMRAtoms; ++First) {
-    for (int Second = First + 1; Second < W.NumNMRAtoms; ++Second) {
-      const Double Hz = W.Coupling(First, Second);
+  for (std::size_t First = 0; First < Labels.size(); ++First) {
+    for (std::size_t Second = First + 1; Second < Labels.size(); ++Second) {
+      const Double Hz = CouplingOf(Labels[First], Labels[Second]);
       if (std::fabs(Hz) < LeastCoupling) continue;
-      Lines += Join(Label(First), ", ", Label(Second), ", ", FormatNumber(Hz, "0.0###"), "\\\n");
+      Lines += Join(Labels[First].Label, ", ", Labels[Second].Label, ", ", FormatNumber(Hz, "0.00"), "\\\n");
     }
   }
   return Lines;
 }
 
-// The signals of the observed nucleus.
-Text Signals() {
-  Text Lines = Join("Larmor=", W.NMRFrequency, "\\\nSpectrum_Location=none\\\n");
-  for (const Multiplet& Each : FindMultiplets()) {
-    Text Labels;
-    for (const int Entry : Each.Atoms) Labels += Join(Labels.empty() ? "" : "&", Label(Entry));
-    Lines += Join(FormatNumber(Each.Ppm, "0.0###"), ", L=", Labels, ", S=", Each.Kind,
-                  ", N=", static_cast<Long>(Each.Atoms.size()), "\\\n");
+// "J=7.61(H17),1.52(H19)", the largest first; those of the multiplet's pattern.
+Text AssignedCouplings(const std::vector<Labelled>& Labels, std::size_t Own) {
+  constexpr Double LeastSplitting = 0.3;  // Hz, as in the multiplets
+  std::vector<std::pair<Double, Text>> All;
+  for (std::size_t Other = 0; Other < Labels.size(); ++Other) {
+    const Double Hz = Other == Own ? 0.0 : std::fabs(CouplingOf(Labels[Own], Labels[Other]));
+    if (Hz >= LeastSplitting) All.emplace_back(Hz, Labels[Other].Label);
+  }
+  std::stable_sort(All.begin(), All.end(), [](const auto& A, const auto& B) { return A.first > B.first; });
+  Text Words;
+  for (const auto& [Hz, Label] : All)
+    Words += Join(Words.empty() ? ", J=" : ",", FormatNumber(Hz, "0.00"), "(", Label, ")");
+  return Words;
+}
+
+// The signals of the observed nucleus, which stand first among the labels.
+Text Signals(const std::vector<Labelled>& Labels) {
+  Text Lines = Join("Larmor=", FormatNumber(W.NMRFrequency, "0.00"), "\\\nSpectrum_Location=none\\\n");
+  const std::vector<Signal> All = FindSignals();
+  for (std::size_t Place = 0; Place < All.size(); ++Place) {
+    const Multiplet& Of = All[Place].Of;
+    Lines += FormatNumber(Of.Ppm, "0.0000");
+    if (!Of.Kind.empty()) Lines += Join(", S=", Of.Kind, AssignedCouplings(Labels, Place));
+    Lines += Join(", N=", static_cast<Long>(Of.Atoms.size()), ", L=", Labels[Place].Label, "\\\n");
   }
   return Lines;
 }
@@ -107,13 +103,13 @@ Text Signals() {
 
 Text BuildNmreData() {
   if (!IsSet(W.MoleculeLoaded) || !IsSet(W.ShieldingAvailable)) throw Failure("There are no shifts to report");
-  if (W.NumAtoms > 999) throw Failure("An SD file of this kind holds at most 999 atoms");
   ComputeChemicalShifts();
-  Text File = Join(W.DocumentTitle, "\n  Zelvanor          3D\n\n", BuildTable());
-  File += Join(ChargeLines(), "M  END\n", Tag("VERSION", "1.1\\\n"), Tag("LEVEL", "0\\\n"),
-               Tag("ASSIGNMENT", Assignment()));
-  if (const Text Pairs = Couplings(); !Pairs.empty()) File += Tag("J", Pairs);
-  return Join(File, Tag(Join("1D_", ObservedNucleus()).c_str(), Signals()), "$$$$\n");
+  const std::vector<Labelled> Labels = FindLabels();
+  Text File = Join(BuildMolBlock(), Tag("VERSION", "1.1\\\n"), Tag("LEVEL", "0\\\n"));
+  if (!W.MeasuredSolvent.empty()) File += Tag("SOLVENT", W.MeasuredSolvent + "\\\n");
+  File += Tag("ASSIGNMENT", Assignment(Labels));
+  if (const Text Pairs = Couplings(Labels); !Pairs.empty()) File += Tag("J", Pairs);
+  return Join(File, Tag("1D_" + ObservedNucleus(), Signals(Labels)), "$$$$\n");
 }
 
 }  // namespace zelvanor

@@ -10,7 +10,9 @@
 #include "files/Converter.h"
 #include "files/FileCommands.h"
 #include "platform/TextFiles.h"
+#include "report/AssignedShifts.h"
 #include "shell/Frame.h"
+#include "spectrum/PeakLists.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
@@ -29,6 +31,8 @@ struct Assigned {
   std::map<Text, std::set<int>> Atoms;  // by label; numbers
   std::map<int, Double> Shifts;         // ppm, by atom number
   std::vector<Coupled> Couplings;
+  Text Solvent;
+  std::map<Text, Double> MHz;  // by nucleus, as "1H"
 };
 
 // The entries of a field: its lines, cut at commas, without what stands behind ";" and the backslash at their ends.
@@ -79,6 +83,15 @@ Assigned ReadAssigned(const Text& Record) {
   for (const std::vector<Text>& Cells : EntriesOf(Record, "J")) {
     if (Cells.size() > 2) All.Couplings.push_back({Cells[0], Cells[1], StrictNumber(Cells[2])});
   }
+  for (const std::vector<Text>& Cells : EntriesOf(Record, "SOLVENT")) {
+    if (All.Solvent.empty()) All.Solvent = Cells.front();
+  }
+  for (const char* const Nucleus : {"1H", "13C", "15N", "17O", "19F", "31P"}) {
+    for (const std::vector<Text>& Cells : EntriesOf(Record, Join("1D_", Nucleus))) {
+      constexpr TextView Key = "Larmor=";
+      if (Cells.front().starts_with(Key)) All.MHz[Nucleus] = PrefixNumber(TextView(Cells.front()).substr(Key.size()));
+    }
+  }
   if (All.Shifts.empty()) throw Failure("its assignment is empty");
   return All;
 }
@@ -127,7 +140,13 @@ void TakeAssigned(const Assigned& All) {
       }
     }
   }
+  StoreAssignedShifts(All.Shifts);
+  W.MeasuredSolvent = All.Solvent;
   ChooseNucleus();
+  if (const auto Told = All.MHz.find(ObservedNucleus()); Told != All.MHz.end()) {
+    constexpr Double HighestField = 2000.0;  // MHz
+    if (Told->second >= 1.0 && Told->second < HighestField) W.NMRFrequency = ToLong(Told->second);
+  }
   W.ShieldingAvailable = W.CouplingAvailable = True;
   W.ParamResultsStale = False;
   W.SpectResultsStale = W.DocumentDirty = True;

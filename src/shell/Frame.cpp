@@ -121,6 +121,8 @@ void UpdateCommands(int View) {
   Enable(Main.mnuViewLabels, Spectrum && Has.Spectra);
   Enable(Main.mnuViewTree, Spectrum && Has.Spectra);
   Enable(Main.mnuViewPane, Spectrum && Has.Molecule);
+  Enable(Main.mnuFileReport, Has.Shielding);
+  Enable(Main.mnuEditPublication, Has.Shielding);
   Enable(Main.mnuFileExport, (View == MoleculeView && Has.Molecule) || Spectrum);
   UpdateMouseTools(Has, View);
   SetPressed(Main.picToolbar[ToolShielding], ToFlag(View == ShieldingView));

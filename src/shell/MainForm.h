@@ -52,6 +52,7 @@ struct MainForm {
   MenuItem mnuFileOpenMeasured{&frmNMR, "mnuFileOpenMeasured"};
   MenuItem mnuFileExport{&frmNMR, "mnuFileExport"};
   MenuItem mnuFileNewSmiles{&frmNMR, "mnuFileNewSmiles"};
+  MenuItem mnuFileReport{&frmNMR, "mnuFileReport"};
   MenuItem mnuEdit{&frmNMR, "mnuEdit"};
   MenuItem mnuCopy{&frmNMR, "mnuCopy"};
   MenuItem mnuEditFill1{&frmNMR, "mnuEditFill1"};
@@ -61,6 +62,7 @@ struct MainForm {
   MenuItem mnuEditFill3{&frmNMR, "mnuEditFill3"};
   MenuItem mnuUndo{&frmNMR, "mnuUndo"};
   MenuItem mnuRedo{&frmNMR, "mnuRedo"};
+  MenuItem mnuEditPublication{&frmNMR, "mnuEditPublication"};
   MenuItem mnuView{&frmNMR, "mnuView"};
   MenuItem mnuViewMolecule{&frmNMR, "mnuViewMolecule"};
   MenuItem mnuViewFill1{&frmNMR, "mnuViewFill1"};

@@ -44,6 +44,8 @@ constexpr std::array Rows = {
     Below(&M::mnuFile, &M::mnuFileExport, "&Export...", "Ctrl+E",
           "Write what is shown as a picture, or its values for other programs."),
     Below(&M::mnuFile, &M::mnuFileNewSmiles, "New F&rom SMILES...", "", "Make a molecule from its SMILES."),
+    Disabled(Below(&M::mnuFile, &M::mnuFileReport, "Re&port...", "Ctrl+Shift+R",
+                   "Write structure, spectrum and tables as a page to read or print.")),
 
     Top(&M::mnuEdit, "&Edit", "Copy data to the clipboard."),
     Below(&M::mnuEdit, &M::mnuCopy, "&Copy", "Ctrl+C", "Copy the current image into the Windows clipboard."),
@@ -55,6 +57,8 @@ constexpr std::array Rows = {
     Fill(&M::mnuEdit, &M::mnuEditFill3),
     Disabled(Below(&M::mnuEdit, &M::mnuUndo, "&Undo", "Ctrl+Z", "Take back the last change of the document.")),
     Disabled(Below(&M::mnuEdit, &M::mnuRedo, "Re&do", "Ctrl+Shift+Z", "Make the change again that was taken back.")),
+    Disabled(Below(&M::mnuEdit, &M::mnuEditPublication, "Copy Publication Te&xt", "Ctrl+Shift+C",
+                   "Copy the signals as a paper lists them.")),
 
     Top(&M::mnuView, "&View", "Change the contents of the workspace."),
     Disabled(Below(&M::mnuView, &M::mnuViewMolecule, "&Molecule", "", "Display molecules.")),

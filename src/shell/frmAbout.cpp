@@ -24,7 +24,7 @@ void Command1_Click() { HideForm(About.frmAbout); }
 void BuildAboutForm() {
   About.frmAbout.Caption = "About Zelvanor";
   About.Label1.Caption = ProgramTitle;
-  About.Label2.Caption = "Version 8.0";
+  About.Label2.Caption = Join("Version ", ProgramVersion);
   About.Command1.Caption = "OK";
   About.Command1.IsDefault = true;
   About.Command1.IsCancel = true;

@@ -12,6 +12,7 @@ namespace zelvanor {
 // The small services that nearly every room uses.
 
 inline constexpr const char* ProgramTitle = "Zelvanor";
+inline constexpr const char* ProgramVersion = "8.0";
 
 inline Integer MaxInteger(Integer A, Integer B) { return A > B ? A : B; }
 inline Integer MinInteger(Integer A, Integer B) { return A < B ? A : B; }

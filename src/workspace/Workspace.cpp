@@ -51,6 +51,10 @@ void ClearWorkspace() {
   W.ChemicalShift.ReDim(0);
   W.Coupling.ReDim(0, 0);
   for (int Set = 0; Set < NumSavedSets; ++Set) W.EquivalentSetSize[Set] = 0;
+  W.NumAssigned = 0;
+  W.AssignedAtom.ReDim(0);
+  W.AssignedShift.ReDim(0);
+  W.ShieldingMethod.clear();
   W.NMRAtomsValid = W.ShieldingAvailable = W.CouplingAvailable = False;
   UseOwnReferences();
   ClearMeasured();

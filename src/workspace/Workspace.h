@@ -99,6 +99,12 @@ struct WorkspaceState {
   Array<Integer> PeakSiteShare;  // percent
   Array<Integer> SiteOfNMRAtom;  // beside NMRAtom; 0 for one that is in no site
 
+  // Shifts that were measured and assigned to atoms, index 0..NumAssigned; they stay when others are computed.
+  Integer NumAssigned;
+  Array<Integer> AssignedAtom;  // atom numbers, each once
+  Array<Single> AssignedShift;  // ppm
+  Text ShieldingMethod;         // what the backend says of its shieldings; empty where it is not known
+
   Integer NumSpinHalfNMRAtoms;
   Integer NumSpinHalfAtoms;
   Array<Flag> NMRAtomSpinHalf;

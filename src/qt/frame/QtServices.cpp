@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <QTimer>
 
+#include "pictures/ReportPages.h"
 #include "pictures/ViewPictures.h"
 #include "platform/Services.h"
 #include "platform/posix/PosixServices.h"
@@ -52,6 +53,7 @@ void UseQtServices() {
   Platform.GetClipboard = [] { return FromQt(QGuiApplication::clipboard()->text()); };
   Platform.SetClipboard = [](const Text& Value) { QGuiApplication::clipboard()->setText(ToQt(Value)); };
   Platform.WriteViewPicture = pictures::WriteViewPicture;
+  Platform.WriteReportPages = pictures::WriteReportPages;
   Platform.SetClipboardPicture = [](const ChartControl& Chart) {
     QGuiApplication::clipboard()->setImage(ChartImage(Chart));
   };

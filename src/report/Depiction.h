@@ -1,0 +1,46 @@
+#pragma once
+
+#include <vector>
+
+#include "basic/Types.h"
+
+namespace zelvanor {
+
+// The molecules as one draws them on paper. Places are in lengths of a bond, from the top left corner, y down.
+
+struct DrawnAtom {
+  int Atom = 0;  // index in the atom table; its hydrogens are not drawn, unless it is one itself
+  Double X = 0;
+  Double Y = 0;
+  Text Symbol;  // empty for a carbon, which its bonds show
+  int Hydrogens = 0;
+  bool HydrogensFirst = false;  // "HO", where the bond leads to the right
+  int Charge = 0;
+  std::vector<int> Entries;  // NMR atoms that stand here: its own and those of its hydrogens
+  Double NumbersX = 0;       // middle of the text with their numbers
+  Double NumbersY = 0;
+};
+
+enum class StrokeKind { Plain, Wedge, Hashes };
+
+// A line; a wedge and one of hashes are narrow at their first end.
+struct DrawnStroke {
+  Double X1 = 0, Y1 = 0, X2 = 0, Y2 = 0;
+  StrokeKind Kind = StrokeKind::Plain;
+};
+
+struct Depiction {
+  std::vector<DrawnAtom> Atoms;
+  std::vector<DrawnStroke> Strokes;
+  Double Width = 0;  // 0: there is nothing to draw
+  Double Height = 0;
+};
+
+// Half the width of a wedge's broad end, in lengths of a bond.
+inline constexpr Double WedgeHalf = 0.1;
+
+// The flat places come from the converter; where it is not installed or can't find any, the molecules are drawn as they
+// stand, seen along the axis in which they are thinnest.
+Depiction DepictMolecules();
+
+}  // namespace zelvanor

@@ -1,0 +1,69 @@
+#include "report/ReportCommands.h"
+
+#include "platform/Paths.h"
+#include "platform/TextFiles.h"
+#include "report/Report.h"
+#include "workspace/Helpers.h"
+
+namespace zelvanor {
+
+namespace {
+
+struct ReportForm {
+  const char* Ending;
+  void (*Write)(const Text& Path);
+};
+
+constexpr ReportForm Forms[] = {
+    {".HTML", [](const Text& Path) { WriteWholeFile(Path, BuildReportPage()); }},
+    {".HTM", [](const Text& Path) { WriteWholeFile(Path, BuildReportPage()); }},
+    {".PDF",
+     [](const Text& Path) {
+       if (!Platform.WriteReportPages) throw Failure("PDF can't be written here");
+       Platform.WriteReportPages(Path);
+     }},
+    {".TXT", [](const Text& Path) { WriteWholeFile(Path, BuildPublicationText()); }},
+    {".SDF", [](const Text& Path) { WriteWholeFile(Path, BuildNmreData()); }},
+};
+
+}  // namespace
+
+void WriteReport(const Text& Path) {
+  const Text Ending = EndingOf(Path);
+  for (const ReportForm& Each : Forms) {
+    if (Ending == Each.Ending) return Each.Write(Path);
+  }
+  throw Failure("a report is written as .html, .pdf, .txt or .sdf: " + Path);
+}
+
+void mnuFileReport_Click() {
+  const std::optional<Text> Path =
+      Platform.ShowFileDialog({.Title = "Report",
+                               .FileName = "*.html",
+                               .Filter = "Page (*.html)|*.html|Pages to print (*.pdf)|*.pdf|Publication text (*.txt)|"
+                                         "*.txt|NMReData (*.sdf)|*.sdf",
+                               .DefaultExtension = "html",
+                               .Save = true});
+  if (!Path) return;
+  if (IsSet(FileExists(*Path)) &&
+      AskOkCancel("The file already exists.  Do you want to replace this file?") == BoxAnswer::Cancel) {
+    return;
+  }
+  try {
+    WriteReport(*Path);
+  } catch (const Failure& Problem) {
+    return ShowWarning(Join("Could not write the report: ", Problem.What, "."));
+  }
+  ShowStatus(Join("Written: ", *Path));
+}
+
+void mnuEditPublication_Click() {
+  try {
+    Platform.SetClipboard(Text(TrimWhite(BuildPublicationText())));
+    ShowStatus("Publication text copied.");
+  } catch (const Failure& Problem) {
+    ShowWarning(Problem.What + ".");
+  }
+}
+
+}  // namespace zelvanor
