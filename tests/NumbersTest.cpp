@@ -262,8 +262,9 @@ TEST(NumbersTest, ArraysAreCheckedAndKeepASpareElement) {
   Array2<Single> Matrix(2, 3);
   Matrix(2, 3) = 1.0F;
   EXPECT_EQ(Matrix.Row(2).back(), 1.0F);
-  for (const auto& [Row, Column] : {std::pair{3, 0}, {0, 4}, {-1, 0}, {0, -1}}) {
-    EXPECT_EQ(FailureOf([&] { Matrix(Row, Column) = 1; }), OutOfRange) << Row << ", " << Column;
+  for (const std::pair<int, int>& Place : {std::pair{3, 0}, {0, 4}, {-1, 0}, {0, -1}}) {
+    EXPECT_EQ(FailureOf([&] { Matrix(Place.first, Place.second) = 1; }), OutOfRange)
+        << Place.first << ", " << Place.second;
   }
   Matrix.ReDim(2, 3);
   EXPECT_EQ(Matrix(2, 3), 0.0F);

@@ -27,13 +27,6 @@ struct LineWalk {
   }
 };
 
-// The words between blanks and tabs.
-inline std::vector<Text> WordsOf(TextView Line) {
-  std::vector<Text> Words;
-  ForEachWord(Line, [&Words](TextView Word) { Words.emplace_back(Word); });
-  return Words;
-}
-
 inline Double NumberAt(const LineWalk& Walk, TextView Value) {
   try {
     return StrictNumber(Value);

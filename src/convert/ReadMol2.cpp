@@ -34,7 +34,7 @@ void TakeMoleculeLine(const LineWalk& Walk, int Line, Mol2State& State) {
 bool IsNoAtom(TextView Type) { return EqualsIgnoringCase(Type, "LP") || EqualsIgnoringCase(Type.substr(0, 2), "DU"); }
 
 void TakeAtomLine(const LineWalk& Walk, Mol2State& State) {
-  const std::vector<Text> Words = WordsOf(Walk.Line);
+  const std::vector<TextView> Words = SplitWords(Walk.Line);
   if (Words.size() < 6) Walk.Refuse("an atom has to have an id, a name, three coordinates and a type");
   if (IsNoAtom(Words[5])) {
     State.AtomOfId[PrefixIndex(Words[0])] = -1;
@@ -52,11 +52,11 @@ void TakeAtomLine(const LineWalk& Walk, Mol2State& State) {
 }
 
 void TakeBondLine(const LineWalk& Walk, Mol2State& State) {
-  const std::vector<Text> Words = WordsOf(Walk.Line);
+  const std::vector<TextView> Words = SplitWords(Walk.Line);
   if (Words.size() < 4) Walk.Refuse("a bond has to have an id, two atoms and a type");
   const int First = AtomOf(Walk, State, Words[1]);
   const int Second = AtomOf(Walk, State, Words[2]);
-  const Text& Type = Words[3];
+  const TextView Type = Words[3];
   if (First < 0 || Second < 0 || Type == "nc") return;
   if (First == Second) Walk.Refuse("a bond of an atom to itself");
   const int Order = Type == "ar" ? AromaticOrder : std::clamp(static_cast<int>(PrefixNumber(Type)), 1, 3);
@@ -72,7 +72,7 @@ void DropRepeated(std::vector<StructureBond>& Bonds) {
 
 // "ID COUNT", then COUNT lines "NAME VALUE".
 void TakeAttribute(const LineWalk& Walk, Mol2State& State) {
-  const std::vector<Text> Words = WordsOf(Walk.Line);
+  const std::vector<TextView> Words = SplitWords(Walk.Line);
   if (Words.size() < 2) return;
   if (Words[0] == "charge") {
     if (State.Attributed >= 0) {

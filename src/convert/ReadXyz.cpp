@@ -38,7 +38,7 @@ Structure ReadXyz(TextView Content) {
   TakeCharge(Whole, Walk.Line);
   while (Whole.Count() < static_cast<int>(Stated)) {
     if (!Walk.Next()) Walk.Refuse("the file ends before its last atom");
-    const std::vector<Text> Words = WordsOf(Walk.Line);
+    const std::vector<TextView> Words = SplitWords(Walk.Line);
     if (Words.size() < 4) Walk.Refuse("an atom has to have a symbol and three coordinates");
     StructureAtom Atom;
     const Long Number = PrefixIndex(Words[0]);

@@ -13,6 +13,15 @@
 #include <chrono>
 #include <exception>
 
+// AddressSanitizer reserves more than any limit would leave; each compiler tells of it in its own way.
+#ifdef __SANITIZE_ADDRESS__
+#define UNLIMITED_MEMORY
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define UNLIMITED_MEMORY
+#endif
+#endif
+
 namespace zelvanor::convert {
 
 namespace {
@@ -31,7 +40,7 @@ void WriteAll(int Target, TextView Value) {
 }
 
 void LimitMemory() {
-#if !defined(__SANITIZE_ADDRESS__)
+#ifndef UNLIMITED_MEMORY
   constexpr rlim_t Most = rlim_t{3} << 30;
   const rlimit Limit{Most, Most};
   setrlimit(RLIMIT_AS, &Limit);
