@@ -6,6 +6,7 @@
 
 #include "nmrcalc/spins/Blocks.h"
 #include "nmrcalc/spins/LinearAlgebra.h"
+#include "nmrcalc/spins/OutsideFlips.h"
 #include "nmrcalc/spins/SpinSystem.h"
 
 namespace nmrcalc {
@@ -24,12 +25,14 @@ struct SolvedBlock {
   std::vector<double> Vectors{};
   // The first-order shifts of the states by the surroundings: for each weak unit its states, each by eigenstates.
   std::vector<double> Shifts{};
+  std::vector<double> Polarization{};  // <Iz>, spins x eigenstates
 };
 
 // What is the same in all states of the surroundings.
 struct ClusterWork {
   const SpinSystem& System;
   const ClusterPlan& Plan;
+  std::vector<OuterSite> Outside{};
   BlockBasis Basis{};
   std::vector<std::vector<double>> Hamiltonians{};
   std::vector<std::size_t> CoreSpins{};   // spins of the system
@@ -40,21 +43,19 @@ struct ClusterWork {
   std::vector<Line> SplitNext{};
 };
 
-double MzOf(const ClusterWork& Work, std::uint32_t State, std::size_t Spin) {
-  return Work.Basis.Digits[State * Work.System.Size() + Spin] - 0.5 * Work.System.TwiceSpin[Spin];
-}
-
 // <Iz> of each spin in each eigenstate, times the fields of the weak units.
 void ComputeShifts(const ClusterWork& Work, const std::vector<std::uint32_t>& States, SolvedBlock& Block) {
   const std::size_t Size = States.size();
   const std::size_t NumSpins = Work.System.Size();
-  std::vector<double> Polarization(Size * NumSpins);
+  std::vector<double>& Polarization = Block.Polarization;
+  Polarization.assign(Size * NumSpins, 0.0);
   for (std::size_t Own = 0; Own < Size; ++Own) {
     const double* Vector = Block.Vectors.data() + Own * Size;
     double* Target = Polarization.data() + Own * NumSpins;
     for (std::size_t K = 0; K < Size; ++K) {
       const double Share = Vector[K] * Vector[K];
-      for (std::size_t Spin = 0; Spin < NumSpins; ++Spin) Target[Spin] += Share * MzOf(Work, States[K], Spin);
+      for (std::size_t Spin = 0; Spin < NumSpins; ++Spin)
+        Target[Spin] += Share * MzOf(Work.System, Work.Basis, States[K], Spin);
     }
   }
   Block.Shifts.assign(Size * Work.NumWeakStates, 0.0);
@@ -71,17 +72,26 @@ void ComputeShifts(const ClusterWork& Work, const std::vector<std::uint32_t>& St
   }
 }
 
+BlockInField InField(const ClusterWork& Work, std::size_t Level, const FieldState& Field) {
+  return {.System = Work.System,
+          .Basis = Work.Basis,
+          .States = Work.Basis.Chains[0][Level],
+          .Outside = Work.Outside,
+          .Field = Field};
+}
+
 SolvedBlock SolveBlock(const ClusterWork& Work, std::size_t Level, const FieldState& Field) {
   const auto& States = Work.Basis.Chains[0][Level];
   SolvedBlock Block{.Vectors = Work.Hamiltonians[Level]};
   for (std::size_t K = 0; K < States.size(); ++K) {
     double& Diagonal = Block.Vectors[K * States.size() + K];
     for (std::size_t Spin = 0; Spin < Work.System.Size(); ++Spin) {
-      Diagonal += Field.Field[Work.System.Sites[Spin]] * MzOf(Work, States[K], Spin);
+      Diagonal += Field.Field[Work.System.Sites[Spin]] * MzOf(Work.System, Work.Basis, States[K], Spin);
     }
   }
+  AddOutsideFlips(InField(Work, Level, Field), Block.Vectors);
   DiagonalizeSymmetric(Block.Vectors, States.size(), Block.Energies);
-  if (Work.NumWeakStates > 0) ComputeShifts(Work, States, Block);
+  ComputeShifts(Work, States, Block);
   return Block;
 }
 
@@ -145,10 +155,18 @@ const std::vector<Line>& SplitLine(ClusterWork& Work, double Frequency, const do
   return Work.Split;
 }
 
-void AddPairLines(ClusterWork& Work, std::size_t Level, const SolvedBlock& Lower, const SolvedBlock& Upper,
-                  double Weight, ClusterTask& Task) {
+void AddLinesOfOutside(ClusterWork& Work, std::size_t Level, const FieldState& State, const SolvedBlock& Block,
+                       ClusterTask& Task) {
+  for (std::size_t Core = 0; Core < Work.CoreSpins.size(); ++Core) {
+    AddOutsideLines(InField(Work, Level, State), Block.Polarization, Work.CoreSpins[Core],
+                    Work.System.Weight * State.Weight, Task.Lines[Work.CorePlaces[Core]]);
+  }
+}
+
+void AddPairLines(ClusterWork& Work, const FieldState& State, std::size_t Level, const SolvedBlock& Lower,
+                  const SolvedBlock& Upper, double Weight, ClusterTask& Task) {
   const auto& States = Work.Basis.Chains[0][Level];
-  const std::vector<double> Whole = ComputeMoments(BuildRaising(Work.System, Work.Basis, States), Lower, Upper);
+  const std::vector<double> Whole = ComputeMoments(BuildLeaningRaising(InField(Work, Level, State)), Lower, Upper);
   std::vector<std::vector<double>> Own;
   for (const std::size_t Spin : Work.CoreSpins) {
     Own.push_back(ComputeMoments(BuildRaisingOfSpin(Work.System, Work.Basis, States, Spin), Lower, Upper));
@@ -180,9 +198,9 @@ void AddPairLines(ClusterWork& Work, std::size_t Level, const SolvedBlock& Lower
   }
 }
 
-void SimulateSystem(const SpinSystem& System, const ClusterPlan& Plan, ClusterTask& Task,
+void SimulateSystem(const SpectrumInput& Input, const SpinSystem& System, const ClusterPlan& Plan, ClusterTask& Task,
                     const std::atomic<bool>& Stop) {
-  ClusterWork Work{.System = System, .Plan = Plan};
+  ClusterWork Work{.System = System, .Plan = Plan, .Outside = FindOuterSites(Input, Plan, System)};
   for (std::size_t Spin = 0; Spin < System.Size(); ++Spin) {
     const auto Place = std::find(Plan.Cores.begin(), Plan.Cores.end(), System.Sites[Spin]);
     if (Place == Plan.Cores.end()) continue;
@@ -197,10 +215,12 @@ void SimulateSystem(const SpinSystem& System, const ClusterPlan& Plan, ClusterTa
   for (std::size_t Field = Task.FirstField; Field < Task.EndField; ++Field) {
     const FieldState& State = Plan.Fields[Field];
     SolvedBlock Lower = SolveBlock(Work, 0, State);
+    AddLinesOfOutside(Work, 0, State, Lower, Task);
     for (std::size_t Level = 1; Level < Levels.size(); ++Level) {
       if (Stop) return;
       SolvedBlock Upper = SolveBlock(Work, Level, State);
-      AddPairLines(Work, Level - 1, Lower, Upper, System.Weight * State.Weight, Task);
+      AddLinesOfOutside(Work, Level, State, Upper, Task);
+      AddPairLines(Work, State, Level - 1, Lower, Upper, System.Weight * State.Weight, Task);
       Lower = std::move(Upper);
     }
   }
@@ -215,14 +235,13 @@ void SimulateCluster(const SpectrumInput& Input, const ClusterPlan& Plan, Cluste
   SpinPart Part;
   for (std::size_t I = 0; I < NumSites; ++I) {
     Own.Sites.push_back(Input.Sites[Plan.Sites[I]]);
-    Own.Sites[I].Frequency += Plan.Shift[I];
     for (std::size_t K = 0; K < NumSites; ++K) {
       Own.Coupling.push_back(I == K ? 0.0 : Input.J(Plan.Sites[I], Plan.Sites[K]));
     }
     Part.Sites.push_back(I);
   }
   Task.Lines.resize(Plan.Cores.size());
-  for (const SpinSystem& System : ReducePart(Own, Part)) SimulateSystem(System, Plan, Task, Stop);
+  for (const SpinSystem& System : ReducePart(Own, Part)) SimulateSystem(Input, System, Plan, Task, Stop);
 }
 
 }  // namespace nmrcalc

@@ -11,79 +11,18 @@ namespace nmrcalc {
 
 namespace {
 
-constexpr double PairStrength = 0.3;         // strength of a coupling from which two sites are one core
-constexpr double SameField = 1e-6;           // Hz
-constexpr double OperationsPerCube = 5.0;    // of the eigenvectors
-constexpr double OperationsPerMoment = 2.0;  // for each product of moments
-constexpr double LargestCombination = 4096.0;
+constexpr double CoreStrength = 0.1;           // of a coupling from which two sites are one core
+constexpr double UnitStrength = 0.3;           // of a coupling from which sites outside are solved together
+constexpr std::size_t LargestFieldCount = 64;  // states of the surroundings in which a cluster is diagonalised
+constexpr double SameField = 1e-6;             // Hz
+constexpr double OperationsPerCube = 5.0;      // of the eigenvectors
+constexpr double OperationsPerMoment = 2.0;    // for each product of moments
 
 // How strongly two sites are coupled: from 0, first order, to 1, equal shifts.
 double Strength(const SpectrumInput& Input, std::size_t A, std::size_t B) {
   const double J = std::fabs(Input.J(A, B));
   if (J == 0.0) return 0.0;
   return J / (0.3 * std::fabs(Input.Sites[A].Frequency - Input.Sites[B].Frequency) + J);
-}
-
-double SumOfCubesOf(const std::vector<int>& TwiceSpins) {
-  std::vector<double> Counts{1.0};
-  for (const int TwiceSpin : TwiceSpins) {
-    const auto Steps = static_cast<std::size_t>(TwiceSpin);
-    std::vector<double> Next(Counts.size() + Steps);
-    for (std::size_t K = 0; K < Counts.size(); ++K) {
-      for (std::size_t Step = 0; Step <= Steps; ++Step) Next[K + Step] += Counts[K];
-    }
-    Counts = std::move(Next);
-  }
-  double Sum = 0.0;
-  for (const double Size : Counts) Sum += Size * Size * Size;
-  return Sum;
-}
-
-// The members of a cluster while it grows.
-struct Growth {
-  std::vector<std::size_t> Sites{};
-  std::vector<double> Influence{};  // as Sites, 1 for the core
-  std::size_t Refused = NoSite;     // the first that was too large
-};
-
-// Takes in the site of the largest influence on the core, again and again: t is the sum over the members of their
-// influence times the strength of the coupling, and t / (1 + 2 t) the influence. Nuclei that are not observed stay
-// outside; as static fields they lose nothing.
-Growth GrowCluster(const SpectrumInput& Input, const SpinPart& Part, const std::vector<std::size_t>& Core,
-                   double LargestCost) {
-  Growth Result{.Sites = Core, .Influence = std::vector<double>(Core.size(), 1.0)};
-  std::vector<int> Degeneracies;
-  Degeneracies.reserve(Core.size());
-  for (const std::size_t Site : Core) Degeneracies.push_back(Input.Sites[Site].Degeneracy);
-  std::vector<double> Reach(Part.Sites.size());
-  std::vector<bool> Closed(Part.Sites.size());
-  for (std::size_t K = 0; K < Part.Sites.size(); ++K) {
-    const std::size_t Site = Part.Sites[K];
-    Closed[K] = !Input.Sites[Site].Observed || std::find(Core.begin(), Core.end(), Site) != Core.end();
-    if (Closed[K]) continue;
-    for (const std::size_t Member : Core) Reach[K] += Strength(Input, Member, Site);
-  }
-  while (true) {
-    std::size_t Best = Part.Sites.size();
-    for (std::size_t K = 0; K < Part.Sites.size(); ++K) {
-      if (!Closed[K] && Reach[K] > 0.0 && (Best == Part.Sites.size() || Reach[K] > Reach[Best])) Best = K;
-    }
-    if (Best == Part.Sites.size()) return Result;
-    Closed[Best] = true;
-    const std::size_t Site = Part.Sites[Best];
-    Degeneracies.push_back(Input.Sites[Site].Degeneracy);
-    if (SumOfCubes(Degeneracies) > LargestCost) {
-      Degeneracies.pop_back();
-      if (Result.Refused == NoSite) Result.Refused = Site;
-      continue;
-    }
-    const double Influence = Reach[Best] / (1.0 + 2.0 * Reach[Best]);
-    Result.Sites.push_back(Site);
-    Result.Influence.push_back(Influence);
-    for (std::size_t K = 0; K < Part.Sites.size(); ++K) {
-      if (!Closed[K]) Reach[K] += Influence * Strength(Input, Site, Part.Sites[K]);
-    }
-  }
 }
 
 // A few strongly coupled spins outside the cluster, or a single site.
@@ -103,7 +42,7 @@ std::vector<OutsideUnit> FindOutsideUnits(const SpectrumInput& Input, const std:
     for (std::size_t B = 0; B < A; ++B) {
       if (Input.Sites[Outside[A]].Degeneracy > 1 || Input.Sites[Outside[B]].Degeneracy > 1) continue;
       const double Value = Strength(Input, Outside[A], Outside[B]);
-      if (Value > PairStrength) Edges.push_back({Value, A, B});
+      if (Value > UnitStrength) Edges.push_back({Value, A, B});
     }
   }
   std::stable_sort(Edges.begin(), Edges.end(), [](const Edge& A, const Edge& B) { return A.Strength > B.Strength; });
@@ -123,9 +62,10 @@ std::vector<OutsideUnit> FindOutsideUnits(const SpectrumInput& Input, const std:
 }
 
 void AddState(std::vector<FieldState>& States, FieldState State) {
-  const auto IsEqual = [&State](const FieldState& Other) {
-    return std::equal(Other.Field.begin(), Other.Field.end(), State.Field.begin(),
-                      [](double A, double B) { return std::fabs(A - B) < SameField; });
+  const auto IsSame = [](double A, double B) { return std::fabs(A - B) < SameField; };
+  const auto IsEqual = [&](const FieldState& Other) {
+    return std::equal(Other.Field.begin(), Other.Field.end(), State.Field.begin(), IsSame) &&
+           std::equal(Other.Mz.begin(), Other.Mz.end(), State.Mz.begin(), IsSame);
   };
   const auto Place = std::find_if(States.begin(), States.end(), IsEqual);
   if (Place != States.end()) {
@@ -137,13 +77,14 @@ void AddState(std::vector<FieldState>& States, FieldState State) {
 
 // The states of n equivalent spins 1/2 by their total Mz.
 std::vector<FieldState> StatesOfSite(const SpectrumInput& Input, const std::vector<std::size_t>& Members,
-                                     std::size_t Site) {
+                                     const std::vector<std::size_t>& Outside, std::size_t Site) {
   const int Degeneracy = Input.Sites[Site].Degeneracy;
   std::vector<FieldState> States;
   double Weight = std::ldexp(1.0, -Degeneracy);
   for (int Up = 0; Up <= Degeneracy; ++Up) {
     FieldState State{.Weight = Weight};
     for (const std::size_t Member : Members) State.Field.push_back((Up - 0.5 * Degeneracy) * Input.J(Site, Member));
+    for (const std::size_t Other : Outside) State.Mz.push_back(Other == Site ? Up - 0.5 * Degeneracy : 0.0);
     AddState(States, std::move(State));
     Weight = Weight * (Degeneracy - Up) / (Up + 1);
   }
@@ -152,7 +93,7 @@ std::vector<FieldState> StatesOfSite(const SpectrumInput& Input, const std::vect
 
 // The eigenstates of a few spins 1/2, with the mean <Iz> of each spin as its static field.
 std::vector<FieldState> StatesOfSpins(const SpectrumInput& Input, const std::vector<std::size_t>& Members,
-                                      const OutsideUnit& Unit) {
+                                      const std::vector<std::size_t>& Outside, const OutsideUnit& Unit) {
   constexpr double Apart = 1e6;  // Hz, added to every spin so that states of different total Mz do not mix
   const std::size_t NumStates = std::size_t{1} << Unit.size();
   const auto Mz = [](std::size_t State, std::size_t Spin) { return (State >> Spin & 1) != 0 ? 0.5 : -0.5; };
@@ -173,13 +114,16 @@ std::vector<FieldState> StatesOfSpins(const SpectrumInput& Input, const std::vec
   DiagonalizeSymmetric(Matrix, NumStates, Energies);
   std::vector<FieldState> States;
   for (std::size_t Own = 0; Own < NumStates; ++Own) {
-    FieldState State{.Weight = 1.0 / double(NumStates), .Field = std::vector<double>(Members.size())};
+    FieldState State{.Weight = 1.0 / double(NumStates),
+                     .Field = std::vector<double>(Members.size()),
+                     .Mz = std::vector<double>(Outside.size())};
     for (std::size_t Spin = 0; Spin < Unit.size(); ++Spin) {
       double Mean = 0.0;
       for (std::size_t K = 0; K < NumStates; ++K) {
         Mean += Mz(K, Spin) * Matrix[Own * NumStates + K] * Matrix[Own * NumStates + K];
       }
       for (std::size_t I = 0; I < Members.size(); ++I) State.Field[I] += Mean * Input.J(Unit[Spin], Members[I]);
+      for (std::size_t I = 0; I < Outside.size(); ++I) State.Mz[I] += Outside[I] == Unit[Spin] ? Mean : 0.0;
     }
     AddState(States, std::move(State));
   }
@@ -208,7 +152,8 @@ void MultiplyStates(std::vector<FieldState>& Product, const std::vector<FieldSta
   std::vector<FieldState> Result;
   for (const FieldState& A : Product) {
     for (const FieldState& B : Factor) {
-      FieldState State{.Weight = A.Weight * B.Weight, .Field = A.Field};
+      FieldState State{.Weight = A.Weight * B.Weight, .Field = A.Field, .Mz = A.Mz};
+      for (std::size_t I = 0; I < State.Mz.size(); ++I) State.Mz[I] += B.Mz[I];
       for (std::size_t I = 0; I < State.Field.size(); ++I) State.Field[I] += B.Field[I];
       AddState(Result, std::move(State));
     }
@@ -216,26 +161,16 @@ void MultiplyStates(std::vector<FieldState>& Product, const std::vector<FieldSta
   Product = std::move(Result);
 }
 
-// By how much a cluster of this level may be diagonalised anew for the states of its surroundings.
-std::size_t LargestFieldCount(int Level) { return std::size_t{1} << std::clamp(Level - 2, 1, 6); }
 double SmallestMixing(int Level) { return 0.02 * std::pow(0.6, Level); }
 
 // Fills what stands outside the members.
 void AddSurroundings(const SpectrumInput& Input, const SpinPart& Part, const Growth& Members, int Level,
                      ClusterPlan& Plan) {
-  std::vector<std::size_t> Outside;
-  Plan.Shift.assign(Members.Sites.size(), 0.0);
+  const std::vector<std::size_t>& Outside = Plan.Outside;
   for (const std::size_t Site : Part.Sites) {
+    const auto IsCoupled = [&](std::size_t Member) { return Input.J(Site, Member) != 0.0; };
     if (std::find(Members.Sites.begin(), Members.Sites.end(), Site) != Members.Sites.end()) continue;
-    bool Acts = false;
-    for (std::size_t I = 0; I < Members.Sites.size(); ++I) {
-      const double J = Input.J(Site, Members.Sites[I]);
-      if (J == 0.0) continue;
-      Acts = true;
-      const double Distance = Input.Sites[Members.Sites[I]].Frequency - Input.Sites[Site].Frequency;
-      Plan.Shift[I] += Input.Sites[Site].Degeneracy * J * J * Distance / (4.0 * (Distance * Distance + J * J));
-    }
-    if (Acts) Outside.push_back(Site);
+    if (std::any_of(Members.Sites.begin(), Members.Sites.end(), IsCoupled)) Plan.Outside.push_back(Site);
   }
   Plan.IsWhole = Outside.empty();
   struct Ranked {
@@ -244,15 +179,16 @@ void AddSurroundings(const SpectrumInput& Input, const SpinPart& Part, const Gro
   };
   std::vector<Ranked> Units;
   for (const OutsideUnit& Unit : FindOutsideUnits(Input, Outside)) {
-    auto States =
-        Unit.size() == 1 ? StatesOfSite(Input, Members.Sites, Unit[0]) : StatesOfSpins(Input, Members.Sites, Unit);
+    auto States = Unit.size() == 1 ? StatesOfSite(Input, Members.Sites, Outside, Unit[0])
+                                   : StatesOfSpins(Input, Members.Sites, Outside, Unit);
     const double Mixing = MixingByFields(Input, Members, States);
     Units.push_back({Mixing, std::move(States)});
   }
   std::stable_sort(Units.begin(), Units.end(), [](const Ranked& A, const Ranked& B) { return A.Mixing > B.Mixing; });
-  Plan.Fields = {{.Weight = 1.0, .Field = std::vector<double>(Members.Sites.size())}};
+  Plan.Fields = {
+      {.Weight = 1.0, .Field = std::vector<double>(Members.Sites.size()), .Mz = std::vector<double>(Outside.size())}};
   for (Ranked& Unit : Units) {
-    if (Unit.Mixing > SmallestMixing(Level) && Plan.Fields.size() * Unit.States.size() <= LargestFieldCount(Level)) {
+    if (Unit.Mixing > SmallestMixing(Level) && Plan.Fields.size() * Unit.States.size() <= LargestFieldCount) {
       MultiplyStates(Plan.Fields, Unit.States);
     } else {
       Plan.Weak.push_back(std::move(Unit.States));
@@ -261,21 +197,6 @@ void AddSurroundings(const SpectrumInput& Input, const SpinPart& Part, const Gro
 }
 
 }  // namespace
-
-double SumOfCubes(const std::vector<int>& Degeneracies) {
-  std::vector<int> Choice = Degeneracies;
-  double Sum = 0.0;
-  double NumChoices = 1.0;
-  for (const int Degeneracy : Degeneracies) NumChoices *= int{Degeneracy / 2 + 1};
-  if (NumChoices > LargestCombination) return NumChoices * SumOfCubesOf(Choice);
-  while (true) {
-    Sum += SumOfCubesOf(Choice);
-    std::size_t K = 0;
-    for (; K < Choice.size() && Choice[K] < 2; ++K) Choice[K] = Degeneracies[K];
-    if (K == Choice.size()) return Sum;
-    Choice[K] -= 2;
-  }
-}
 
 std::vector<std::vector<std::size_t>> FindCores(const SpectrumInput& Input, const SpinPart& Part) {
   struct Edge {
@@ -290,7 +211,7 @@ std::vector<std::vector<std::size_t>> FindCores(const SpectrumInput& Input, cons
       const SpinSite& Second = Input.Sites[Part.Sites[B]];
       if (First.Degeneracy > 1 || Second.Degeneracy > 1 || !First.Observed || !Second.Observed) continue;
       const double Value = Strength(Input, Part.Sites[A], Part.Sites[B]);
-      if (Value > PairStrength) Edges.push_back({Value * std::fabs(Input.J(Part.Sites[A], Part.Sites[B])), B, A});
+      if (Value > CoreStrength) Edges.push_back({Value * std::fabs(Input.J(Part.Sites[A], Part.Sites[B])), B, A});
     }
   }
   std::stable_sort(Edges.begin(), Edges.end(), [](const Edge& A, const Edge& B) { return A.Strength > B.Strength; });
@@ -307,33 +228,36 @@ std::vector<std::vector<std::size_t>> FindCores(const SpectrumInput& Input, cons
   return Cores;
 }
 
-std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart& Part,
+std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart& Part, const Neighbourhood& Near,
                                       const std::vector<std::vector<std::size_t>>& Cores, int Level) {
   const double LargestCost = SumOfCubes(std::vector<int>(static_cast<std::size_t>(Level), 1));
-  // By the members; the influence of each is the largest on any of the cores.
-  std::map<std::vector<std::size_t>, std::map<std::size_t, double>> Clusters;
-  std::map<std::vector<std::size_t>, std::size_t> Refused;
+  struct Shared {
+    std::map<std::size_t, double> Influences{};  // of each member the largest on any of the cores
+    std::vector<std::size_t> Cores{};
+    std::size_t Refused = NoSite;
+  };
+  std::map<std::vector<std::size_t>, Shared> Clusters;  // by the members
   for (const auto& Core : Cores) {
-    const Growth Members = GrowCluster(Input, Part, Core, LargestCost);
+    const Growth Members = GrowCluster(Input, Near, Core, LargestCost);
     std::vector<std::size_t> Key = Members.Sites;
     std::sort(Key.begin(), Key.end());
-    Refused.try_emplace(Key, Members.Refused);
-    auto& Influences = Clusters[Key];
+    Shared& Cluster = Clusters[Key];
+    if (Cluster.Cores.empty()) Cluster.Refused = Members.Refused;
+    Cluster.Cores.insert(Cluster.Cores.end(), Core.begin(), Core.end());
     for (std::size_t I = 0; I < Members.Sites.size(); ++I) {
-      double& Influence = Influences[Members.Sites[I]];
+      double& Influence = Cluster.Influences[Members.Sites[I]];
       Influence = std::max(Influence, Members.Influence[I]);
     }
   }
   std::vector<ClusterPlan> Plans;
-  for (const auto& [Key, Influences] : Clusters) {
-    ClusterPlan Plan{.Sites = Key, .Refused = Refused[Key]};
+  for (const auto& [Key, Cluster] : Clusters) {
+    ClusterPlan Plan{.Sites = Key, .Refused = Cluster.Refused};
     Growth Members{.Sites = Key};
     std::vector<int> Degeneracies;
     for (std::size_t I = 0; I < Key.size(); ++I) {
-      const double Influence = Influences.at(Key[I]);
-      Members.Influence.push_back(Influence);
+      Members.Influence.push_back(Cluster.Influences.at(Key[I]));
       Degeneracies.push_back(Input.Sites[Key[I]].Degeneracy);
-      if (Influence == 1.0) Plan.Cores.push_back(I);
+      if (std::find(Cluster.Cores.begin(), Cluster.Cores.end(), Key[I]) != Cluster.Cores.end()) Plan.Cores.push_back(I);
     }
     AddSurroundings(Input, Part, Members, Level, Plan);
     Plan.Operations = SumOfCubes(Degeneracies) * double(Plan.Fields.size()) *

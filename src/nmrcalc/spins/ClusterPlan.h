@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "nmrcalc/input/SpectrumInput.h"
+#include "nmrcalc/spins/ClusterGrowth.h"
 #include "nmrcalc/spins/SpinSystem.h"
 
 namespace nmrcalc {
@@ -12,18 +13,17 @@ namespace nmrcalc {
 // of a cluster: the sites of its neighbourhood that matter most. A cluster is simulated exactly, and only the lines of
 // its cores are kept. The sites outside act on it as static fields.
 
-inline constexpr auto NoSite = static_cast<std::size_t>(-1);
-
 // One state of what stands outside: the frequency that it adds to each member of the cluster.
 struct FieldState {
   double Weight = 1.0;
   std::vector<double> Field{};  // Hz, as ClusterPlan::Sites
+  std::vector<double> Mz{};     // of the sites outside, as ClusterPlan::Outside
 };
 
 struct ClusterPlan {
-  std::vector<std::size_t> Sites{};  // indices into SpectrumInput::Sites, rising
-  std::vector<std::size_t> Cores{};  // places in Sites
-  std::vector<double> Shift{};       // Hz, as Sites: the second-order shift by the sites outside
+  std::vector<std::size_t> Sites{};    // indices into SpectrumInput::Sites, rising
+  std::vector<std::size_t> Cores{};    // places in Sites
+  std::vector<std::size_t> Outside{};  // sites that are coupled to members
   // States of the outside that change how the members mix: the cluster is diagonalised in each. The weights add up
   // to 1.
   std::vector<FieldState> Fields{};
@@ -40,11 +40,7 @@ std::vector<std::vector<std::size_t>> FindCores(const SpectrumInput& Input, cons
 
 // The clusters of one level: each costs no more than Level strongly coupled spins 1/2, as far as its core leaves a
 // choice. Cores of equal clusters are together in one.
-std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart& Part,
+std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart& Part, const Neighbourhood& Near,
                                       const std::vector<std::vector<std::size_t>>& Cores, int Level);
-
-// The sum of the cubes of the blocks of sites of these degeneracies, over all total spins; what a diagonalisation
-// costs.
-double SumOfCubes(const std::vector<int>& Degeneracies);
 
 }  // namespace nmrcalc

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cmath>
 #include <exception>
 #include <mutex>
@@ -11,7 +12,6 @@
 #include "nmrcalc/spins/BinnedLines.h"
 #include "nmrcalc/spins/ClusterLines.h"
 #include "nmrcalc/spins/ClusterPlan.h"
-#include "nmrcalc/spins/Workers.h"
 
 namespace nmrcalc {
 
@@ -22,7 +22,7 @@ constexpr int HighestLevel = 16;
 constexpr double FaintestBin = 1e-8;          // of a site's area
 constexpr double RateGrowth = 1.5;            // larger blocks run faster
 constexpr int FirstRestLevel = 7;             // clusters stop growing where their cores have settled
-constexpr double RestShare = 0.25;            // of the tolerance that all of those together may take
+constexpr double RestShare = 0.5;             // of the tolerance that all of those together may take
 constexpr double LargestTaskShare = 0.125;    // of a level's work, so that the cores end together
 constexpr double BytesPerSquare = 8.0 * 8.0;  // of the largest block: matrices of two levels and their moments
 
@@ -203,6 +203,7 @@ void RestClusters(const SpectrumInput& Input, const std::vector<double>& Errors,
 }  // namespace
 
 CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const CutLimits& Limits) {
+  const Neighbourhood Near = FindNeighbours(Input, Part);
   auto Cores = FindCores(Input, Part);  // that still grow
   std::vector<LevelResult> Levels;      // the last three
   CutResult Result;
@@ -219,7 +220,7 @@ CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const Cu
   for (int Level = FirstLevel; Level <= HighestLevel; ++Level) {
     if (Limits.LastLevel > 0 && Level > Limits.LastLevel) break;
     if (Level > FirstLevel && BytesOfLevel(Level) > Limits.Bytes) break;
-    LevelResult Next{.Plans = PlanClusters(Input, Part, Cores, Level)};
+    LevelResult Next{.Plans = PlanClusters(Input, Part, Near, Cores, Level)};
     const double Operations = OperationsOf(Next.Plans);
     const double Left = SecondsUntil(Limits.Deadline);
     if (Level > FirstLevel) {

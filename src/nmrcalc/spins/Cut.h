@@ -1,12 +1,12 @@
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <vector>
 
 #include "nmrcalc/input/SpectrumInput.h"
 #include "nmrcalc/spins/Lines.h"
 #include "nmrcalc/spins/SpinSystem.h"
+#include "nmrcalc/spins/Workers.h"
 
 namespace nmrcalc {
 
@@ -18,8 +18,6 @@ inline constexpr double CutNucleusIntensity = 2048.0;
 
 // The line width at which errors count, in Hz, full width at half height.
 inline constexpr double ErrorLineWidth = 1.0;
-
-using RunClock = std::chrono::steady_clock;
 
 struct CutLimits {
   double Tolerance = 0.003;         // of the area

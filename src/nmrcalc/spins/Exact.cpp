@@ -26,6 +26,7 @@ constexpr double OperationsPerThread = 4e6;         // less is done sooner than 
 constexpr std::size_t PanelColumns = 1024;          // columns of transition moments formed at a time
 constexpr std::size_t LinesBeforeMerge = 4000000;   // per worker
 constexpr double LargestUnordered = 32.0 * 1024.0 * 1024.0;  // bytes of eigenvectors of a system
+constexpr double TellingShare = 0.05;                        // of the work, from which its speed is known
 constexpr double NoiseWidth = 1e-7;  // Hz; transitions nearer than this differ by rounding alone
 
 // The eigenstates of a block, kept until both neighbours have met it.
@@ -70,6 +71,10 @@ struct Team {
   double BytesInUse = 0.0;
   int Solving = 0;
   std::size_t NumSolved = 0;
+  RunClock::time_point Start = RunClock::now();
+  double Operations = 0.0;      // of all blocks, the sum of their cubes
+  double DoneOperations = 0.0;  // of those that are done
+  bool IsLate = false;
   std::exception_ptr Error{};
 };
 
@@ -228,15 +233,25 @@ std::shared_ptr<SystemWork> StartSystem(const SpinSystem& System) {
   return Work;
 }
 
-// Waits until there is memory for the next block or nobody is solving one; nothing when no task is left.
+// Whether the work will not be done by the deadline at the speed so far. The first blocks are too small to tell.
+bool WillBeLate(const Team& Group) {
+  if (Group.Limits.Deadline == RunClock::time_point::max()) return false;
+  const auto Now = RunClock::now();
+  if (Now > Group.Limits.Deadline) return true;
+  if (Group.DoneOperations < TellingShare * Group.Operations) return false;
+  return (Now - Group.Start) * (Group.Operations / Group.DoneOperations) > Group.Limits.Deadline - Group.Start;
+}
+
+// Waits until there is memory for the next block or nobody is solving one; nothing when no task is left or time is up.
 const BlockTask* TakeTask(Team& Group, std::shared_ptr<SystemWork>& Work) {
   std::unique_lock<std::mutex> Guard(Group.Lock);
   Group.Changed.wait(Guard, [&Group] {
-    if (Group.Error || Group.NextTask == Group.Tasks.size() || Group.Solving == 0) return true;
+    if (Group.Error || Group.IsLate || Group.NextTask == Group.Tasks.size() || Group.Solving == 0) return true;
     const double Size = Group.Tasks[Group.NextTask].Size;
     return Group.BytesInUse + VectorBytes(Size) + WorkspaceBytes(Size) <= Group.Limits.Bytes;
   });
-  if (Group.Error || Group.NextTask == Group.Tasks.size()) return nullptr;
+  Group.IsLate = Group.IsLate || (Group.NextTask < Group.Tasks.size() && WillBeLate(Group));
+  if (Group.Error || Group.IsLate || Group.NextTask == Group.Tasks.size()) return nullptr;
   const BlockTask& Task = Group.Tasks[Group.NextTask++];
   Group.BytesInUse += VectorBytes(Task.Size) + WorkspaceBytes(Task.Size);
   ++Group.Solving;
@@ -276,6 +291,7 @@ void ReleasePair(Team& Group, const BlockTask& Task, SystemWork& Work, std::size
 
 void FinishTask(Team& Group, const BlockTask& Task) {
   const std::lock_guard<std::mutex> Guard(Group.Lock);
+  Group.DoneOperations += Task.Size * Task.Size * Task.Size;
   if (--Group.TasksLeft[Task.System] == 0) Group.Works[Task.System].reset();
 }
 
@@ -377,11 +393,11 @@ ExactCost EstimateExactCost(const std::vector<SpinSystem>& Systems) {
   return Cost;
 }
 
-std::vector<Line> SimulateExact(const std::vector<SpinSystem>& Systems, const ExactLimits& Limits,
-                                LineOrigins& Origins) {
+std::optional<std::vector<Line>> SimulateExact(const std::vector<SpinSystem>& Systems, const ExactLimits& Limits,
+                                               LineOrigins& Origins) {
   Team Group{.Systems = Systems, .Limits = Limits};
-  const double Operations = PlanTasks(Group);
-  const std::size_t NumWorkers = ChooseWorkerCount(Operations);
+  Group.Operations = PlanTasks(Group);
+  const std::size_t NumWorkers = ChooseWorkerCount(Group.Operations);
   Group.Found.resize(NumWorkers);
   for (WorkerLines& Found : Group.Found) {
     Found.Lines.reserve(Group.NumTransitions / NumWorkers);
@@ -389,6 +405,7 @@ std::vector<Line> SimulateExact(const std::vector<SpinSystem>& Systems, const Ex
   }
   ForEachWorker(NumWorkers, true, [&Group](std::size_t Worker) { RunWorker(Group, Worker); });
   if (Group.Error) std::rethrow_exception(Group.Error);
+  if (Group.IsLate) return std::nullopt;
   for (WorkerLines& Found : Group.Found) AddOriginsOf(Origins, Found.Origins);
   return GatherLines(Group);
 }

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
+#include <optional>
 #include <vector>
 
 #include "nmrcalc/spins/Lines.h"
 #include "nmrcalc/spins/Origins.h"
 #include "nmrcalc/spins/SpinSystem.h"
+#include "nmrcalc/spins/Workers.h"
 
 namespace nmrcalc {
 
@@ -25,6 +26,7 @@ struct ExactLimits {
   double MinimalIntensity = 0.0;   // merged lines below will be dropped by the caller
   double FaintestOrigin = 0.0;     // of transitions below nobody asks where they come from
   double FarFrequency = 0.0;       // lines beyond this |Hz| belong to nuclei that are not observed; 0: no limit
+  RunClock::time_point Deadline = RunClock::time_point::max();
 };
 
 // The error in a line, in Hz, below which far spins are taken apart from the observed ones.
@@ -34,8 +36,9 @@ ExactCost EstimateExactCost(const std::vector<SpinSystem>& Systems);
 
 // Transitions of the observed spins with the systems' weights; not sorted, not merged, most of those left out that
 // cannot reach the minimal intensity together with their neighbours. Throws Failure when the lines grow beyond the
-// memory or an eigenvalue problem does not converge. Adds to Origins which sites the transitions come from.
-std::vector<Line> SimulateExact(const std::vector<SpinSystem>& Systems, const ExactLimits& Limits,
-                                LineOrigins& Origins);
+// memory or an eigenvalue problem does not converge. Adds to Origins which sites the transitions come from. Nothing as
+// soon as it is clear, by the speed so far, that it will not be done by the deadline.
+std::optional<std::vector<Line>> SimulateExact(const std::vector<SpinSystem>& Systems, const ExactLimits& Limits,
+                                               LineOrigins& Origins);
 
 }  // namespace nmrcalc

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 #include <limits>
+#include <optional>
 
 #include "basic/Failure.h"
 #include "nmrcalc/input/InputText.h"
@@ -24,6 +25,7 @@ constexpr double Mebibyte = 1024.0 * 1024.0;
 constexpr double LargestDegeneracyShown = 2147483647.0;  // readers hold it in 32 bits
 constexpr double LargestWeakPart = 900;                  // spins; beyond, intensities leave double precision
 constexpr double LargestChoiceCount = 100000.0;          // of total spins in a part
+constexpr double LeastTime = 0.1;                        // s, for what is estimated to be quick
 constexpr double OriginShare = 0.1;                      // of the minimal intensity
 
 std::string Count(double Value) { return FixedNumber(Value, 0); }
@@ -95,14 +97,24 @@ PlannedPart PlanPart(const SpectrumInput& Input, SpinPart Part, double FreeBytes
   return Plan;
 }
 
-std::vector<Line> SimulatePartExactly(RunState& Run, const PlannedPart& Plan, LineOrigins& Origins) {
+// The lines of a part, on the scale of its own first-order line or, where it is cut, with CutNucleusIntensity.
+struct PartLines {
+  std::vector<Line> Lines{};
+  LineOrigins Origins{};
+  int NumSpins = 0;
+  bool IsCut = false;
+};
+
+// Nothing when it is not done by the deadline.
+std::optional<std::vector<Line>> SimulatePartExactly(RunState& Run, const PlannedPart& Plan,
+                                                     RunClock::time_point Deadline, LineOrigins& Origins) {
   AddToLog(Run.Report, 1,
            "  exact: " + std::to_string(Plan.Systems.size()) + " total-spin systems, largest block " +
                Count(Plan.Cost.LargestBlock) + " states, " + FixedNumber(Plan.Cost.Bytes / Mebibyte, 1) +
                " MiB, about " + FixedNumber(Plan.ExactSeconds, 2) + " s");
   if (Plan.ExactSeconds > 1.0) WriteLog(Run.Report);  // so that one can see what it is busy with
   const double Minimal = Run.Input.MinimalIntensity;
-  ExactLimits Limits{.Bytes = Run.FreeBytes, .MinimalIntensity = Minimal};
+  ExactLimits Limits{.Bytes = Run.FreeBytes, .MinimalIntensity = Minimal, .Deadline = Deadline};
   Limits.FaintestIntensity = std::clamp(1e-6 * Minimal, FaintestTransition, 1e-7);
   Limits.FaintestOrigin = std::max(OriginShare * Minimal, Limits.FaintestIntensity);
   double NearestFar = 0.0;
@@ -134,18 +146,31 @@ double SpinsObserved(const SpectrumInput& Input, const SpinPart& Part) {
   return Sum;
 }
 
-// Cuts the part, or finds that the exact answer is the better one and returns false. Time is shared with the parts that
-// are still to come.
-bool CutPart(RunState& Run, const PlannedPart& Plan, double Share, CutResult& Cut) {
+RunClock::time_point After(double Seconds) {
+  return RunClock::now() + std::chrono::duration_cast<RunClock::duration>(std::chrono::duration<double>(Seconds));
+}
+
+// The part in clusters where the exact answer takes too long; else nothing. Time is shared with the parts that are
+// still to come.
+std::optional<CutResult> ChooseSimulation(RunState& Run, const PlannedPart& Plan, double Share, PartLines& Result) {
   const double Used = std::chrono::duration<double>(RunClock::now() - Run.Start).count();
   const double Left = Share * std::max(0.0, Run.Settings.TimeBudget - Used);
-  CutLimits Limits{.Tolerance = 0.01 * Run.Settings.Tolerance, .Bytes = Run.FreeBytes};
-  Limits.Deadline =
-      RunClock::now() + std::chrono::duration_cast<RunClock::duration>(std::chrono::duration<double>(Left));
-  const bool ExactFits = Plan.ExactSeconds < Left;
+  const RunClock::time_point Deadline = After(Left);
+  const auto TakeExact = [&](RunClock::time_point Until) {
+    auto Lines = SimulatePartExactly(Run, Plan, Until, Result.Origins);
+    if (!Lines) AddToLog(Run.Report, 1, "  given up: it would take longer than the time budget");
+    if (Lines) Result.Lines = std::move(*Lines);
+    return Lines.has_value();
+  };
+  const bool IsQuick = Plan.ExactSeconds <= std::min(Run.Settings.ExactTime, Run.Settings.TimeBudget);
+  const bool ExactFits = !IsQuick && Plan.ExactSeconds < Left;
+  // A machine that is busy may take longer than was estimated.
+  if (IsQuick && TakeExact(After(std::max(Run.Settings.TimeBudget, LeastTime)))) return std::nullopt;
+  CutLimits Limits{.Tolerance = 0.01 * Run.Settings.Tolerance, .Deadline = Deadline, .Bytes = Run.FreeBytes};
   if (ExactFits) Limits.ExactSeconds = Plan.ExactSeconds;
-  Cut = SimulateCut(Run.Input, Plan.Part, Limits);
-  return !ExactFits || Cut.Error <= Limits.Tolerance;
+  CutResult Cut = SimulateCut(Run.Input, Plan.Part, Limits);
+  if (ExactFits && Cut.Error > Limits.Tolerance && TakeExact(Deadline)) return std::nullopt;
+  return Cut;
 }
 
 void TellCut(RunState& Run, const PlannedPart& Plan, const CutResult& Cut) {
@@ -161,14 +186,6 @@ void TellCut(RunState& Run, const PlannedPart& Plan, const CutResult& Cut) {
                " percent of the area at 1 Hz line width");
 }
 
-// The lines of a part, on the scale of its own first-order line or, where it is cut, with CutNucleusIntensity.
-struct PartLines {
-  std::vector<Line> Lines{};
-  LineOrigins Origins{};
-  int NumSpins = 0;
-  bool IsCut = false;
-};
-
 PartLines SimulatePart(RunState& Run, const PlannedPart& Plan, double Share) {
   PartLines Result{.NumSpins = Plan.Part.NumSpins};
   AddToLog(Run.Report, 1,
@@ -177,14 +194,10 @@ PartLines SimulatePart(RunState& Run, const PlannedPart& Plan, double Share) {
   if (Run.Input.WeakCoupling) {
     Result.Lines = JoinSites(Plan.Part, SimulateWeak(Run.Input, Plan.Part), Result.Origins);
   } else {
-    CutResult Cut;
-    const bool IsQuick = Plan.ExactSeconds <= std::min(Run.Settings.ExactTime, Run.Settings.TimeBudget);
-    if (!IsQuick && CutPart(Run, Plan, Share, Cut)) {
-      TellCut(Run, Plan, Cut);
+    if (const auto Cut = ChooseSimulation(Run, Plan, Share, Result)) {
+      TellCut(Run, Plan, *Cut);
       Result.IsCut = true;
-      Result.Lines = JoinSites(Plan.Part, Cut.SiteLines, Result.Origins);
-    } else {
-      Result.Lines = SimulatePartExactly(Run, Plan, Result.Origins);
+      Result.Lines = JoinSites(Plan.Part, Cut->SiteLines, Result.Origins);
     }
   }
   Run.SpinSum += SpinsObserved(Run.Input, Plan.Part);
@@ -196,12 +209,25 @@ void ScaleLines(PartLines& Part, double Scale) {
   for (SiteShare& Share : Part.Origins.Shares) Share.Intensity *= static_cast<float>(Scale);
 }
 
+// Negative lines of a cut spectrum that met no stronger one go, and what they hold is taken from all others.
+void DropNegativeLines(std::vector<Line>& Lines) {
+  double Positive = 0.0;
+  double Sum = 0.0;
+  for (const Line& Item : Lines) {
+    Sum += Item.Intensity;
+    Positive += std::max(0.0, Item.Intensity);
+  }
+  std::erase_if(Lines, [](const Line& Item) { return Item.Intensity < 0.0; });
+  for (Line& Item : Lines) Item.Intensity *= Sum / Positive;
+}
+
 // Merges, drops what is faint, and brings the part to the scale of the result.
 void FinishPart(RunState& Run, PartLines& Part) {
   const double Minimal = std::max(Run.Input.MinimalIntensity, FaintestTransition);
   if (Part.IsCut) {
     SortAndMerge(Part.Lines, BinWidth);
     MergeFaintLines(Part.Lines, Minimal);
+    DropNegativeLines(Part.Lines);
     DropFaintLines(Part.Lines, Minimal);
     ScaleLines(Part, Run.NucleusIntensity / CutNucleusIntensity);
   } else {

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <system_error>
 #include <thread>
 #include <vector>
 
 namespace nmrcalc {
+
+using RunClock = std::chrono::steady_clock;
 
 // Cores that may be used: one when the library cannot be called from several threads.
 std::size_t NumUsableCores();

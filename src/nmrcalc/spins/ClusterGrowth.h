@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "nmrcalc/input/SpectrumInput.h"
+#include "nmrcalc/spins/SpinSystem.h"
+
+namespace nmrcalc {
+
+// Which sites come into a cluster: both ends of the couplings whose flip-flops change most of what is seen of its core.
+
+inline constexpr auto NoSite = static_cast<std::size_t>(-1);
+
+struct Neighbour {
+  std::size_t Site = 0;
+  double Mixing = 0.0;  // how much of the other a state of one of the two holds: 0 first order, 1 equal shifts
+};
+using Neighbourhood = std::vector<std::vector<Neighbour>>;  // by site of the input
+
+// The couplings of a part. The mixing is the mean over the states of all others, whose couplings spread the distance of
+// the two.
+Neighbourhood FindNeighbours(const SpectrumInput& Input, const SpinPart& Part);
+
+// The members of a cluster.
+struct Growth {
+  std::vector<std::size_t> Sites{};
+  std::vector<double> Influence{};  // as Sites, 1 for the core
+  std::size_t Refused = NoSite;     // the first that was too large
+};
+
+// Takes in both ends of the coupling with the highest score, again and again, as long as the cost (see SumOfCubes) is
+// no more than LargestCost. The share of the core that stands at a site falls with each step from it. A coupling scores
+// its mixing times the share that sees it, be it at one of its ends or at a third site whose couplings to the two
+// differ by what can be seen, or times the score of a coupling beside it. Nuclei that are not observed stay outside;
+// as static fields they lose nothing.
+Growth GrowCluster(const SpectrumInput& Input, const Neighbourhood& Near, const std::vector<std::size_t>& Core,
+                   double LargestCost);
+
+// The sum of the cubes of the blocks of sites of these degeneracies, over all total spins; what a diagonalisation
+// costs.
+double SumOfCubes(const std::vector<int>& Degeneracies);
+
+}  // namespace nmrcalc
