@@ -353,6 +353,7 @@ void ConnectRooms() {
   Additions.AfterPaint = DrawAdditions;
   Additions.PeakPicked = ShowAtomsOfPeak;
   Additions.RangeChosen = AddIntegral;
+  Additions.WidenWhole = WidenToMeasured;
   Rooms.LinesCommand = mnuLines_Click;
   Rooms.EnvelopCommand = mnuEnvelop_Click;
   Rooms.LinesAndEnvelopCommand = mnuLinesAndEnvelop_Click;

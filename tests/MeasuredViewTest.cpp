@@ -7,6 +7,7 @@
 #include "measured/MeasuredTrace.h"
 #include "measured/MeasuredView.h"
 #include "measured/Multiplets.h"
+#include "report/Report.h"
 #include "spectrum/SpectrumDrawing.h"
 
 namespace zelvanor::test {
@@ -58,6 +59,44 @@ TEST_F(MeasuredViewTest, Multiplets) {
   EXPECT_EQ(Multiplets().substr(0, 19), "2(H), 3(H): 3.70 m;");
   W.CouplingAvailable = False;
   EXPECT_EQ(Multiplets(), "");
+}
+
+// The same as a paper lists them, ranges with an en dash.
+TEST_F(MeasuredViewTest, PublicationText) {
+  struct Row {
+    void (*Change)();
+    const char* Line;
+  };
+  const Row Rows[] = {
+      {[] {}, "1H NMR (100 MHz, calculated) δ 3.70 (q, J = 7.0 Hz, 2H), 2.60 (s, 1H), 1.20 (t, J = 7.0 Hz, 3H)."},
+      {[] {
+         W.MeasuredSolvent = "CDCl3";
+         W.CouplingAvailable = False;
+       },
+       "1H NMR (100 MHz, CDCl3, calculated) δ 3.70 (2H), 2.60 (1H), 1.20 (3H)."},
+      {[] {
+         W.CouplingAvailable = True;
+         W.Shielding[0] = -3.5F;
+         W.Coupling(0, 1) = W.Coupling(1, 0) = 5;
+       },
+       "1H NMR (100 MHz, CDCl3, calculated) δ 3.83–3.57 (m, 2H), 3.55–3.45 (m, 1H), 1.20 (t, J = 7.0 Hz, 3H)."},
+      {[] { W.Shielding[0] = -3.6F; },
+       "1H NMR (100 MHz, CDCl3, calculated) δ 3.83–3.55 (m, 3H), 1.20 (t, J = 7.0 Hz, 3H)."},
+      {[] {
+         SetArray(W.Shielding, {-29.5, -162.14, -162.14, -20.3, -20.3, -20.3});
+         W.SpectraType = 1;
+         SetArray(W.NMRAtomicNumber, {6, 6, 6, 6, 6, 6});
+         W.NumLabelledAtoms = 6;
+         W.LabelledAtom = W.NMRAtom;
+       },
+       "13C NMR (100 MHz, CDCl3, calculated) δ 162.1 (qd, J = 7.0, 5.0 Hz, 2C), 29.5 (t, J = 5.0 Hz), "
+       "20.3 (t, J = 7.0 Hz, 3C)."}};
+  W.ReferenceShielding.ReDim(NumReferenceEntries);
+  SetArray(W.Shielding, {-2.6, -3.7, -3.7, -1.2, -1.2, -1.2});
+  for (const Row& Each : Rows) {
+    Each.Change();
+    EXPECT_EQ(BuildPublicationText(), Text(Each.Line) + "\n");
+  }
 }
 
 // The map of the lines: read, kept in the document, and refused where it does not belong to the spectrum.

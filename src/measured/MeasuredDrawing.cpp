@@ -254,6 +254,13 @@ void ShareSurface() {
   V.FootLift = PresentArrangement() == MirrorArrangement ? Room / 2 : 0;
 }
 
+void WidenToMeasured(Double& Low, Double& High) {
+  if (!HasMeasured()) return;
+  const Double Scale = Divide(V.SpectrometerMHz, W.MeasuredMHz);
+  Low = std::min(Low, -W.MeasuredFirst * Scale);
+  High = std::max(High, -W.MeasuredLast * Scale);
+}
+
 void DrawAdditions(DrawingContext& Context) {
   if (HasMeasured()) {
     IgnoreFailure([&] { DrawMeasured(Context); });

@@ -7,5 +7,7 @@ namespace zelvanor {
 // What the spectrum's drawing calls: how the surface is shared, and everything that is drawn behind lines and envelope.
 void ShareSurface();
 void DrawAdditions(DrawingContext& Context);
+// The window that shows everything shows all of the measured spectrum too.
+void WidenToMeasured(Double& Low, Double& High);
 
 }  // namespace zelvanor

@@ -71,7 +71,12 @@ Multiplet Describe(const std::vector<std::vector<int>>& Sites, std::size_t Site)
     if (!Strong) Made.Kind += Names[static_cast<std::size_t>(Each.Nuclei)];
   }
   if (Made.Splittings.empty()) Made.Kind = "s";
-  if (Strong || Made.Splittings.size() > MostKinds) Made.Kind = "m";
+  // Patterns that nobody reads: three kinds, one of them of five lines or more.
+  const bool Wide = std::any_of(Made.Splittings.begin(), Made.Splittings.end(), [](const Splitting& Each) {
+    constexpr int Four = 4;
+    return Each.Nuclei >= Four;
+  });
+  if (Strong || Made.Splittings.size() > MostKinds || (Wide && Made.Splittings.size() > 2)) Made.Kind = "m";
   return Made;
 }
 

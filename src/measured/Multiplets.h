@@ -23,8 +23,8 @@ struct Multiplet {
 
 // The multiplets of the observed nucleus, from the shifts and couplings of the document, the largest shift first.
 // Couplings below 0.3 Hz are left out, those within 0.35 Hz of one another are one. A signal is an "m" where it splits
-// into more than four kinds, or where a partner of the same kind of nucleus stands nearer than five times the coupling:
-// then the first order is no description.
+// into more than four kinds, or into three with one to four or more nuclei, or where a partner of the same kind of
+// nucleus stands nearer than five times the coupling: then the first order is no description.
 std::vector<Multiplet> FindMultiplets();
 
 // "1-5(H), 1-6(H)" and "3.64 q, J = 7.0 Hz".

@@ -164,7 +164,10 @@ void DrawStructure(Paper& On, const ReportContent& Of) {
       Show(On, X(Part.X), Y(Part.Y + 0.115), Part.Words, Ink, Align::Middle);
     }
     SetFont(On, Unit * 0.24);
-    Show(On, X(Atom.NumbersX), Y(Atom.NumbersY + 0.08), NameEntries(Atom.Entries), Accent, Align::Middle);
+    Show(On, X(Atom.NumbersX), Y(Atom.NumbersY + 0.08), NameEntries(Atom.Entries), Accent,
+         Atom.NumbersSide > 0   ? Align::Left
+         : Atom.NumbersSide < 0 ? Align::Right
+                                : Align::Middle);
   }
   On.Y += Drawn.Height * Unit + 6;
 }
@@ -249,10 +252,10 @@ void WriteShifts(Paper& On, const ReportContent& Of) {
   WriteHeading(On, "Shifts", Following);
   const char* const Shift = Of.IsMeasured ? "\xCE\xB4 meas. (ppm)" : "\xCE\xB4 calc. (ppm)";
   std::vector<Column> Columns = {{"Atoms", 0, true}, {Shift, 150}};
-  if (Of.AnyError) Columns.push_back({"error", 190});
+  if (Of.AnyError) Columns.push_back({"error", 194});
   if (Of.AnyMeasured) {
-    Columns.push_back({"measured", 245});
-    Columns.push_back({"difference", 303});
+    Columns.push_back({"measured", 256});
+    Columns.push_back({"difference", 320});
   }
   const Double Last = Columns.back().Edge;
   Columns.push_back({"\xCF\x83 (ppm)", Last + 55});

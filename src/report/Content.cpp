@@ -7,7 +7,6 @@
 #include "basic/NumberText.h"
 #include "measured/MeasuredTrace.h"
 #include "report/Report.h"
-#include "spectrum/EnvelopeCurve.h"
 #include "spectrum/PeakLists.h"
 #include "spectrum/SpectrumView.h"
 #include "workspace/Helpers.h"
@@ -159,7 +158,7 @@ void AddFacts(ReportContent& To) {
     Add("Spectrum", W.SpectDescription);
     if (IsSet(W.WeakCouplingApproximation)) Add("Coupling", "weak coupling approximation");
     Add("Lines", Join(W.PeakCount, ", of ", IsSet(SpectrumView.UseGaussian) ? "Gaussian" : "Lorentzian", " shape, ",
-                      FormatNumber(EnvelopeWidth(), "0.0#"), " Hz wide"));
+                      FormatNumber(ReportLineWidth(), "0.0#"), " Hz wide"));
   }
   if (HasMeasured()) {
     Add("Measured spectrum",

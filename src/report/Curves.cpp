@@ -6,6 +6,7 @@
 
 #include "measured/MeasuredTrace.h"
 #include "spectrum/EnvelopeCurve.h"
+#include "spectrum/SpectrumView.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor {
@@ -64,6 +65,8 @@ void ScaleToFull(std::vector<Double>& Heights) {
 
 }  // namespace
 
+Double ReportLineWidth() { return SpectrumView.OwnWidth ? EnvelopeWidth() : 1.0; }
+
 ReportCurve BuildSimulatedCurve(Double HighPpm, Double LowPpm) {
   ReportCurve Curve;
   const Double MHz = W.NMRFrequency;
@@ -72,12 +75,12 @@ ReportCurve BuildSimulatedCurve(Double HighPpm, Double LowPpm) {
   constexpr Double FewestPoints = 2000;
   constexpr Double MostPoints = 60000;
   const Double Range = (HighPpm - LowPpm) * MHz;
-  const Double Count = std::round(std::clamp(Range / EnvelopeWidth() * PointsPerWidth, FewestPoints, MostPoints));
+  const Double Count = std::round(std::clamp(Range / ReportLineWidth() * PointsPerWidth, FewestPoints, MostPoints));
   Curve.First = HighPpm;
   Curve.Step = -(HighPpm - LowPpm) / Count;
   // The view's frequencies are negated: they rise while the shift falls.
   std::vector<Double> Heights =
-      BuildEnvelope(-HighPpm * MHz, Range / Count, static_cast<std::size_t>(Count) + 1, EnvelopeWidth());
+      BuildEnvelope(-HighPpm * MHz, Range / Count, static_cast<std::size_t>(Count) + 1, ReportLineWidth());
   ScaleToFull(Heights);
   Thin(Heights, FinestTolerance, Curve);
   return Curve;
@@ -115,7 +118,7 @@ std::vector<ReportLine> BuildReportLines(const std::vector<Signal>& Signals) {
   std::sort(Parts.begin(), Parts.end(),
             [](const Part& A, const Part& B) { return std::pair(A.Signal, A.Hz) < std::pair(B.Signal, B.Hz); });
   // Lines of a signal that no width of the curve tells apart are one, at their middle.
-  const Double Apart = EnvelopeWidth() / 4;
+  const Double Apart = ReportLineWidth() / 4;
   std::vector<Part> Merged;
   Double Tallest = 0;
   for (const Part& Each : Parts) {

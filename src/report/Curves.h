@@ -22,6 +22,9 @@ struct ReportLine {
   int Signal = -1;    // that it belongs to most; -1: unknown
 };
 
+// Of the simulated lines, Hz: the user's, else 1. The view's own one is as wide as its pixels want it.
+Double ReportLineWidth();
+
 // Both are empty where there is no such spectrum.
 ReportCurve BuildSimulatedCurve(Double HighPpm, Double LowPpm);
 ReportCurve BuildMeasuredCurve();

@@ -148,6 +148,7 @@ void NameAtom(DrawnAtom& To, std::size_t Bonds) {
 
 void PlaceWords(Sketch& To) {
   constexpr Double AtCarbon = 0.36;
+  constexpr Double BesideCarbon = 0.2;
   constexpr Double AtSymbol = 0.62;
   for (std::size_t Place = 0; Place < To.Atoms.size(); ++Place) {
     DrawnAtom& Each = To.Atoms[Place];
@@ -160,7 +161,9 @@ void PlaceWords(Sketch& To) {
     Double Free = FreeDirection(Directions);
     // Beside a symbol stand its hydrogens: the numbers go above or below.
     if (!Each.Symbol.empty() && Each.Hydrogens > 0) Free = std::sin(Free) < 0 ? -FullTurn / 4 : FullTurn / 4;
-    const Double Distance = Each.Symbol.empty() ? AtCarbon : AtSymbol;
+    constexpr Double Sideways = 0.5;
+    Each.NumbersSide = std::cos(Free) > Sideways ? 1 : std::cos(Free) < -Sideways ? -1 : 0;
+    const Double Distance = !Each.Symbol.empty() ? AtSymbol : Each.NumbersSide == 0 ? AtCarbon : BesideCarbon;
     Each.NumbersX = Each.X + Distance * std::cos(Free);
     Each.NumbersY = Each.Y + Distance * std::sin(Free);
   }

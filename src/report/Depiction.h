@@ -17,8 +17,9 @@ struct DrawnAtom {
   bool HydrogensFirst = false;  // "HO", where the bond leads to the right
   int Charge = 0;
   std::vector<int> Entries;  // NMR atoms that stand here: its own and those of its hydrogens
-  Double NumbersX = 0;       // middle of the text with their numbers
+  Double NumbersX = 0;       // of the text with their numbers, and its middle line
   Double NumbersY = 0;
+  int NumbersSide = 0;  // the text begins there (1), is centred (0) or ends there (-1)
 };
 
 enum class StrokeKind { Plain, Wedge, Hashes };

@@ -63,7 +63,8 @@ Text AtomSvg(const ReportContent& Of, const DrawnAtom& Atom, bool First) {
   Svg += Join("><circle class=\"halo\" cx=\"", Pixels(Atom.X), "\" cy=\"", Pixels(Atom.Y), "\" r=\"",
               Number(Unit * 0.36), "\"/>", SymbolSvg(Atom));
   if (const Text Names = NameEntries(Atom.Entries); !Names.empty()) {
-    Svg += Join("<text class=\"numbers\" text-anchor=\"middle\" x=\"", Pixels(Atom.NumbersX), "\" y=\"",
+    const char* const Anchor = Atom.NumbersSide > 0 ? "start" : Atom.NumbersSide < 0 ? "end" : "middle";
+    Svg += Join("<text class=\"numbers\" text-anchor=\"", Anchor, "\" x=\"", Pixels(Atom.NumbersX), "\" y=\"",
                 Number(Atom.NumbersY * Unit + 3.5), "\">", Names, "</text>");
   }
   return Svg + "</g>\n";

@@ -53,6 +53,10 @@ void ResetView() {
   SetHorizontalScale(1.0);
   V.ViewLow = V.FullLow;
   V.ViewHigh = V.FullHigh;
+  if (Additions.WidenWhole) {
+    Additions.WidenWhole(V.ViewLow, V.ViewHigh);
+    FitHorizontalScale();
+  }
   IgnoreFailure(TakeRelativeLineWidth);
   IgnoreFailure([] { ComputeLineWidths(true); });
   RefreshView();

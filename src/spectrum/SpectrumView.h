@@ -76,6 +76,7 @@ struct SpectrumAdditions {
   std::function<void(DrawingContext& Context)> AfterPaint;
   std::function<void(Long Peak)> PeakPicked;                       // -1: the pick is taken back
   std::function<void(Double LowPpm, Double HighPpm)> RangeChosen;  // a drag with Shift
+  std::function<void(Double& Low, Double& High)> WidenWhole;       // the window that shows everything, Hz
 };
 extern SpectrumAdditions Additions;
 
