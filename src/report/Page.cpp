@@ -19,6 +19,8 @@ Text Figure(Double Value, TextView Pattern) {
   return Words.starts_with("-") ? Minus + Words.substr(1) : Words;
 }
 
+bool IsDigit(char C) { return C >= '0' && C <= '9'; }
+
 // "1H" and "C9H8O4" with raised and lowered digits.
 Text NucleusHtml(const Text& Nucleus) {
   const std::size_t Digits = std::min(Nucleus.find_first_not_of("0123456789"), Nucleus.size());
@@ -26,7 +28,7 @@ Text NucleusHtml(const Text& Nucleus) {
 }
 Text FormulaHtml(const Text& Formula) {
   Text Html;
-  for (const char C : Formula) Html += C >= '0' && C <= '9' ? Join("<sub>", Text(1, C), "</sub>") : Text(1, C);
+  for (const char C : Formula) Html += IsDigit(C) ? Join("<sub>", Text(1, C), "</sub>") : Text(1, C);
   for (std::size_t At = 0; (At = Html.find("</sub><sub>", At)) != Text::npos;) Html.erase(At, 11);
   return Html;
 }
@@ -38,9 +40,22 @@ Text PatternHtml(const Text& Words) {
   return Html;
 }
 
+bool IsLetter(char C) { return UpperChar(C) >= 'A' && UpperChar(C) <= 'Z'; }
+
+// The digits of the solvent, which stands between the first brackets, are lowered: "CDCl3", "DMSO-d6".
+Text LowerSolvent(const Text& Html) {
+  Text Result;
+  const std::size_t End = std::min(Html.find(')'), Html.size());
+  for (std::size_t K = 0; K < End; ++K) {
+    const bool Index = K > 0 && IsDigit(Html[K]) && IsLetter(Html[K - 1]);
+    Result += Index ? Join("<sub>", Text(1, Html[K]), "</sub>") : Text(1, Html[K]);
+  }
+  return Result + Html.substr(End);
+}
+
 Text PublicationHtml(const ReportContent& Of) {
-  return NucleusHtml(Of.Nucleus) +
-         PatternHtml(Of.Publication.substr(std::min(Of.Nucleus.size(), Of.Publication.size())));
+  const Text Behind = Of.Publication.substr(std::min(Of.Nucleus.size(), Of.Publication.size()));
+  return NucleusHtml(Of.Nucleus) + LowerSolvent(PatternHtml(Behind));
 }
 
 Text RowHead(const Text& Signals, const Text& Words) {
