@@ -50,7 +50,7 @@ void StoreAssignedShifts(const std::map<int, Double>& Shifts) {
   int Place = 0;
   for (const auto& [Atom, Shift] : Shifts) {
     W.AssignedAtom[Place] = Atom;
-    W.AssignedShift[Place++] = static_cast<Single>(Shift);
+    W.AssignedShift[Place++] = ToSingle(Shift);
   }
 }
 

@@ -127,7 +127,7 @@ void TakeAssigned(const Assigned& All) {
   for (const auto& [Atom, Shift] : All.Shifts) {
     const int Entry = EntryOf[Atom];
     const Double Reference = W.ReferenceShielding[ReferenceEntryOf(W.NMRAtomicNumber[Entry])];
-    W.Shielding[Entry] = static_cast<Single>(Reference - Shift);
+    W.Shielding[Entry] = ToSingle(Reference - Shift);
   }
   for (const Coupled& Each : All.Couplings) {
     const auto First = All.Atoms.find(Each.First);
@@ -136,7 +136,7 @@ void TakeAssigned(const Assigned& All) {
     for (const int A : First->second) {
       for (const int B : Second->second) {
         if (A == B) continue;
-        W.Coupling(EntryOf[A], EntryOf[B]) = W.Coupling(EntryOf[B], EntryOf[A]) = static_cast<Single>(Each.Hz);
+        W.Coupling(EntryOf[A], EntryOf[B]) = W.Coupling(EntryOf[B], EntryOf[A]) = ToSingle(Each.Hz);
       }
     }
   }
@@ -168,6 +168,8 @@ Long FindRecord(const Text& File, Text& Record) {
 
 }  // namespace
 
+void TakeNmreData(const Text& Record) { TakeAssigned(ReadAssigned(Record)); }
+
 bool OpenNmreData(const Text& Path) {
   if (QuerySave() != False) return false;
   try {
@@ -177,7 +179,7 @@ bool OpenNmreData(const Text& Path) {
     if (!ConvertMolecule({.Path = Path, .Smiles = {}, .Record = Number}, ConvertedPath())) return false;
     TakeConverted(Path, Path);
     if (!IsSet(W.MoleculeLoaded)) return false;
-    TakeAssigned(ReadAssigned(Record));
+    TakeNmreData(Record);
     W.ViewMode = ShieldingView;
   } catch (const Failure& Problem) {
     ShowWarning(Join("Could not take the measured signals from ", Path, ": ", Problem.What, "."));

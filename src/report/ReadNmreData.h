@@ -9,4 +9,7 @@ namespace zelvanor {
 // false: nothing was taken.
 bool OpenNmreData(const Text& Path);
 
+// Takes the shifts and couplings of a record for the molecule that the document holds. Throws a Failure.
+void TakeNmreData(const Text& Record);
+
 }  // namespace zelvanor

@@ -1,5 +1,5 @@
-// Files of measured spectra: those that are told by their content, and the folders of spectrometers, whose parameters
-// and points the input holds one behind the other.
+// Files of measured spectra: those that are told by their content, the folders of spectrometers, whose parameters and
+// points the input holds one behind the other, and signals that are assigned to atoms.
 
 #include <filesystem>
 
@@ -9,6 +9,8 @@
 #include "fuzz/Targets.h"
 #include "measured/MeasuredCommands.h"
 #include "measured/MeasuredTrace.h"
+#include "report/ReadNmreData.h"
+#include "report/Report.h"
 #include "workspace/Workspace.h"
 
 namespace zelvanor::fuzz {
@@ -52,6 +54,23 @@ bool TryMeasuredFolder(TextView Input) {
   WriteInput(Fid ? "sample/acqus" : "sample/procs", Input.substr(0, Points));
   WriteInput(Fid ? "sample/fid" : "sample/1r", Input.substr(Points));
   return TakeIn(PathOf("sample"));
+}
+
+// The fields of a record whose molecule is there already.
+bool TryNmreData(TextView Input) {
+  ResetProgram();
+  Demand(IsSet(ReadDocument(SourceFile("examples/ethanol.NMR"))), "the example can't be read");
+  try {
+    TakeNmreData(Text(Input));
+  } catch (const Failure&) {
+    return false;
+  }
+  Demand(Workspace.NumAssigned > 0, "an assignment without atoms has been taken");
+  BuildPublicationText();
+  TakeNmreData(BuildNmreData());
+  LookAround();
+  CheckRoundTrip();
+  return true;
 }
 
 bool TryPeakMap(TextView Input) {
