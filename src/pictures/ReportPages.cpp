@@ -251,15 +251,15 @@ void WriteShifts(Paper& On, const ReportContent& Of) {
   constexpr Double Following = 3 * LineHeight;
   WriteHeading(On, "Shifts", Following);
   const char* const Shift = Of.IsMeasured ? "\xCE\xB4 meas. (ppm)" : "\xCE\xB4 calc. (ppm)";
-  std::vector<Column> Columns = {{"Atoms", 0, true}, {Shift, 150}};
-  if (Of.AnyError) Columns.push_back({"error", 194});
+  std::vector<Column> Columns = {{"Atoms", 0, true}, {Shift, 128}};
+  if (Of.AnyError) Columns.push_back({"error", 168});
   if (Of.AnyMeasured) {
-    Columns.push_back({"measured", 256});
-    Columns.push_back({"difference", 320});
+    Columns.push_back({"measured", 228});
+    Columns.push_back({"difference", 288});
   }
   const Double Last = Columns.back().Edge;
-  Columns.push_back({"\xCF\x83 (ppm)", Last + 55});
-  Columns.push_back({"Multiplet", Last + 70, true});
+  Columns.push_back({"\xCF\x83 (ppm)", Last + 52});
+  Columns.push_back({"Multiplet", Last + 64, true});
   std::vector<std::vector<Text>> Rows;
   for (const ReportRow& Row : Of.Rows) {
     std::vector<Text> Cells = {Row.Names, Figure(Row.Ppm)};

@@ -19,7 +19,8 @@ namespace {
 
 WorkspaceState& W = Workspace;
 
-constexpr Double Margin = 0.95;      // around all atoms
+constexpr Double Margin = 0.95;      // above and below all atoms
+constexpr Double SideMargin = 1.3;   // beside them, for numbers
 constexpr Double SymbolRoom = 0.3;   // that a symbol takes off a bond
 constexpr Double BondGap = 0.14;     // between the lines of a double bond
 constexpr Double InnerShare = 0.14;  // by which its inner line is shorter at each end
@@ -272,10 +273,10 @@ void MoveToCorner(Sketch& Of, Depiction& To) {
     Bottom = std::max(Bottom, Each.Y);
   }
   for (DrawnAtom& Each : Of.Atoms) {
-    Each.X += Margin - Left;
+    Each.X += SideMargin - Left;
     Each.Y += Margin - Top;
   }
-  To.Width = Right - Left + 2 * Margin;
+  To.Width = Right - Left + 2 * SideMargin;
   To.Height = Bottom - Top + 2 * Margin;
 }
 

@@ -22,11 +22,13 @@ bool HasMap() { return IsSet(W.SpectraAvailable) && W.PeakCount > 0 && W.PeakSit
 
 Double PpmOfPeak(Long Peak) { return W.NMRFrequency > 0 ? -Double{W.PeakFrequency[Peak]} / W.NMRFrequency : 0.0; }
 
-// Calls Take(peak, site, weight) for every part that a site has in a line.
+// Calls Take(peak, site, weight) for every part that a site has in a line, but for traces of mixing.
 template <class Visit>
 void ForEachShare(const Visit& Take) {
   for (Long Peak = 0, Entry = 0; Peak < W.PeakCount; ++Peak) {
     for (; Entry < W.PeakSiteEnd[Peak]; ++Entry) {
+      constexpr int LeastShare = 10;  // percent
+      if (W.PeakSiteShare[Entry] < LeastShare) continue;
       Take(Peak, int(W.PeakSite[Entry]), Double{W.PeakIntensity[Peak]} * W.PeakSiteShare[Entry] / 100.0);
     }
   }
