@@ -20,6 +20,7 @@ namespace {
 constexpr int FirstLevel = 2;
 constexpr int HighestLevel = 16;
 constexpr double FaintestBin = 1e-8;          // of a site's area
+constexpr double ErrorMargin = 1.1;           // over what moves, which was 0.99 to 48 times the true error
 constexpr double RateGrowth = 1.5;            // larger blocks run faster
 constexpr int FirstRestLevel = 7;             // clusters stop growing where their cores have settled
 constexpr double RestShare = 0.5;             // of the tolerance that all of those together may take
@@ -238,7 +239,7 @@ CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const Cu
     Result.Level = Level;
     if (Levels.size() > 3) Levels.erase(Levels.begin());
     if (Levels.size() >= 2) UpdateErrors(Levels.back(), Levels.front(), Errors);
-    Result.Error = std::accumulate(Errors.begin(), Errors.end(), 0.0) / Area;
+    Result.Error = ErrorMargin * std::accumulate(Errors.begin(), Errors.end(), 0.0) / Area;
     if (Levels.size() == 3 && Result.Error <= Limits.Tolerance) break;
     if (Level >= FirstRestLevel) RestClusters(Input, Errors, Allowed, Levels.back(), Cores, Result);
   }
