@@ -22,6 +22,7 @@ constexpr int HighestLevel = 16;
 constexpr double FaintestBin = 1e-8;          // of a site's area
 constexpr double ErrorMargin = 1.1;           // over what moves, which was 0.99 to 48 times the true error
 constexpr double RateGrowth = 1.5;            // larger blocks run faster
+constexpr double LeastRate = 1e9;             // operations in a second; the first levels take too little time to tell
 constexpr int FirstRestLevel = 7;             // clusters stop growing where their cores have settled
 constexpr double RestShare = 0.5;             // of the tolerance that all of those together may take
 constexpr double LargestTaskShare = 0.125;    // of a level's work, so that the cores end together
@@ -225,7 +226,7 @@ CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const Cu
     const double Operations = OperationsOf(Next.Plans);
     const double Left = SecondsUntil(Limits.Deadline);
     if (Level > FirstLevel) {
-      const double Expected = Rate > 0.0 ? Operations / (RateGrowth * Rate) : 0.0;
+      const double Expected = Operations / std::max(RateGrowth * Rate, LeastRate);
       if (Expected > Left) break;
       if (Limits.ExactSeconds > 0.0 && (Expected > Limits.ExactSeconds || Expected + Limits.ExactSeconds > Left)) break;
     }
