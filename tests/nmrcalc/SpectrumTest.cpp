@@ -298,8 +298,9 @@ TEST(Map, TellsTheSitesOfEachLine) {
   const std::string Map = FormatSpectrumMap(Input, Result);
   EXPECT_EQ(Map.rfind("map 1 " + std::to_string(Result.Lines.size()) + "\n1:67 3:33\n", 0), 0u) << Map;
   EXPECT_EQ(Map.substr(Map.size() - 6), "2:100\n") << Map;
-  // AB(X) by hand: A and B are 8 Hz apart, to this side or that by the state of X, so the sine of twice the mixing angle
-  // is 6/10. The inner lines have 0.9 + 0.3 of their own spin and 0.1 + 0.3 of the other, the outer ones none of it.
+  // AB(X) by hand: A and B are 8 Hz apart, to this side or that by the state of X, so the sine of twice the mixing
+  // angle is 6/10. The inner lines have 0.9 + 0.3 of their own spin and 0.1 + 0.3 of the other, the outer ones none of
+  // it.
   const auto Mixed = MakeInput(400.0, {1.0, 1.0, 11.0}, {}, {{0, 1, 6.0}, {0, 2, 16.0}});
   const std::string Shares = FormatSpectrumMap(Mixed, SimulateSpectrum(Mixed, {}, 4e9, Silent));
   const auto Hand = "1:100\n1:75 2:25\n2:100\n2:75 1:25\n2:75 1:25\n2:100\n1:75 2:25\n1:100\n3:";
