@@ -31,6 +31,7 @@
 #include "molecule/MouseDrag.h"
 #include "molecule/TakeSystem.h"
 #include "molecule/frmRender.h"
+#include "onestep/Paste.h"
 #include "onestep/PredictSpectrum.h"
 #include "platform/Paths.h"
 #include "platform/RenderScene.h"
@@ -103,6 +104,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuEditCalculateTypes, mnuEditCalculateTypes_Click},
     {&MainForm::mnuUndo, mnuUndo_Click},
     {&MainForm::mnuRedo, mnuRedo_Click},
+    {&MainForm::mnuPaste, mnuPaste_Click},
     {&MainForm::mnuViewMolecule, mnuViewMolecule_Click, TableEdit::StaysOpen},
     {&MainForm::mnuViewShielding, mnuViewShielding_Click, TableEdit::StaysOpen},
     {&MainForm::mnuViewCoupling, mnuViewCoupling_Click, TableEdit::StaysOpen},
@@ -191,6 +193,7 @@ constexpr StepName StepNames[] = {
     {&MainForm::mnuComputeNMR, "computing shieldings and couplings"},
     {&MainForm::mnuComputeSpectra, "computing the spectrum"},
     {&MainForm::mnuComputeAll, "computing both stages"},
+    {&MainForm::mnuPaste, "pasting a molecule"},
     {&MainForm::mnuFileNewSmiles, "making a molecule from SMILES"},
     {&MainForm::mnuFileReport, ""},
     {&MainForm::mnuEditPublication, ""},

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <chrono>
 #include <deque>
 #include <fstream>
 #include <functional>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -47,6 +49,7 @@ struct BatchState {
   std::deque<std::optional<Colour>> Colours;
   std::deque<ShownBox> Boxes;  // not yet expected
   Text Clipboard;
+  std::multimap<std::chrono::steady_clock::time_point, Event> Later;  // work by the time when it is due
   Text DecimalSeparator = ".";
   bool OtherInstance = false;
   int MouseButton = 0;  // held down on a surface

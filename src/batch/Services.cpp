@@ -100,11 +100,26 @@ void RunModal(Form& Target) {
   if (IsSet(Target.Visible)) HideForm(Target);
 }
 
+using Clock = std::chrono::steady_clock;
+
+void RunLater(int Milliseconds, Event Work) {
+  State.Later.emplace(Clock::now() + std::chrono::milliseconds(Milliseconds), std::move(Work));
+}
+
+void RunWhatIsDue() {
+  while (!State.Later.empty() && State.Later.begin()->first <= Clock::now()) {
+    const Event Work = std::move(State.Later.begin()->second);
+    State.Later.erase(State.Later.begin());
+    Fire(Work);
+  }
+}
+
 void DoEvents() {
   // Nothing is pending without a display; while a process runs the processor is better used by it.
   constexpr timespec Millisecond{0, 1000000};
   if (AnyProcessRuns()) nanosleep(&Millisecond, nullptr);
   hostbus::ServeConversations();
+  RunWhatIsDue();
 }
 
 void ShowChange(Control& Target, Property What) {
@@ -124,6 +139,7 @@ void UseBatchServices() {
   Platform.ShowColourDialog = ShowColourDialog;
   Platform.RunModal = RunModal;
   Platform.DoEvents = DoEvents;
+  Platform.RunLater = RunLater;
   // Scripts see the texts of the clipboard; `chart` writes the picture.
   Platform.SetClipboardPicture = [](const ChartControl& /*Chart*/) {};
   Platform.WriteViewPicture = pictures::WriteViewPicture;

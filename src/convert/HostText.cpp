@@ -55,6 +55,7 @@ Text HostTextOf(const Structure& Whole, TextView Source) {
   const auto Parts = FindParts(Whole);
   std::vector<int> NumberOf(Whole.Atoms.size());  // in its part, from 1
   Text Charges;
+  Text Hydrogens;
   Text Isotopes;
   int Written = 0;
   for (const auto& Part : Parts) {
@@ -64,6 +65,7 @@ Text HostTextOf(const Structure& Whole, TextView Source) {
       const Text Place = std::to_string(++Written) + " ";
       const StructureAtom& This = Whole.Atoms[Atom];
       if (This.Charge != 0) PutNote(Charges, "AtomCharge", Place + std::to_string(This.Charge));
+      if (This.Hydrogens != 0) PutNote(Hydrogens, "AtomHydrogens", Place + std::to_string(This.Hydrogens));
       if (This.Isotope != 0) PutNote(Isotopes, "Isotope", Place + std::to_string(This.Isotope));
       if (Neighbours[Atom].size() > MostNeighbours) {
         throw Failure("atom " + std::to_string(Atom + 1) + " has more than 12 bonds");
@@ -75,7 +77,7 @@ Text HostTextOf(const Structure& Whole, TextView Source) {
   PutNote(Host, "Name", Whole.Title);
   PutNote(Host, "Formula", FormulaOf(Whole));
   PutNote(Host, "TotalCharge", std::to_string(Whole.Charge));
-  Host += Charges + Isotopes;
+  Host += Charges + Hydrogens + Isotopes;
   for (const Text& Note : Whole.Notes) PutNote(Host, "Field", Note);
   Host += "sys 0\n\n";
   for (std::size_t P = 0; P < Parts.size(); ++P) {

@@ -15,7 +15,7 @@ found from the distances. "-" reads SMILES from standard input, one a line, a na
   -r, --record N     the Nth record of the file, from 1 (1)
       --stream       all records, each between the lines "; Record N NAME" and "; End N"
       --list         a line for each record: number, name and formula, separated by tabs
-      --flat         a drawing: flat coordinates, no hydrogens that are implied
+      --flat         a drawing: flat coordinates, implied hydrogens counted in comments
   -o, --out FILE     writes FILE, whole or not at all
       --messages FILE  what goes wrong goes there instead of standard error
       --time N       limit in seconds for a record (30); 0 none

@@ -189,7 +189,10 @@ std::vector<std::vector<int>> FindParts(const Structure& Whole) {
 
 Text FormulaOf(const Structure& Whole) {
   std::map<Text, int> Counts;
-  for (const StructureAtom& Atom : Whole.Atoms) ++Counts[ElementSymbol(Atom.Element)];
+  for (const StructureAtom& Atom : Whole.Atoms) {
+    ++Counts[ElementSymbol(Atom.Element)];
+    if (Atom.Hydrogens > 0) Counts["H"] += Atom.Hydrogens;
+  }
   Text Formula;
   const auto Put = [&](const Text& Symbol) {
     const auto Found = Counts.find(Symbol);

@@ -13,6 +13,7 @@ struct StructureAtom {
   int Element = 0;                // atomic number
   int Isotope = 0;                // mass number, 0 for the element as it comes
   int Charge = 0;                 // formal
+  int Hydrogens = 0;              // that it implies, without an atom of their own
   Double Partial = 0;             // e, as the file says it
   Text Name;                      // empty for none
   std::array<Double, 3> Place{};  // angstrom

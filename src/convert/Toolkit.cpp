@@ -24,8 +24,14 @@ using Molecule = std::unique_ptr<RDKit::RWMol>;
 
 constexpr Double Flatness = 1e-3;  // angstrom
 
-// What went wrong, in one line: the toolkit's messages have several.
+// What went wrong, in one line: the toolkit's messages have several, and it counts atoms from 0.
 Failure FailureOf(const std::exception& Problem) {
+  if (const auto* Valence = dynamic_cast<const RDKit::AtomValenceException*>(&Problem)) {
+    return Failure("atom " + std::to_string(Valence->getAtomIdx() + 1) + " has more bonds than it can have");
+  }
+  if (dynamic_cast<const RDKit::KekulizeException*>(&Problem) != nullptr) {
+    return Failure("a ring cannot be aromatic: a hydrogen may be missing, as in [nH]");
+  }
   Text Reason = PlainTitle(Problem.what());
   return Failure(Reason.empty() ? Text("the chemistry of it can't be understood") : Reason);
 }
@@ -203,7 +209,11 @@ Structure Complete(Molecule Whole, bool Drawing, bool Flat) {
   if (Flat) {
     RDKit::MolOps::removeHs(*Whole);
     RDDepict::compute2DCoords(*Whole, nullptr, true);
-    return StructureOf(*Whole);
+    Structure Drawn = StructureOf(*Whole);
+    for (const auto* Atom : Whole->atoms()) {
+      Drawn.Atoms[Atom->getIdx()].Hydrogens = static_cast<int>(Atom->getTotalNumHs());
+    }
+    return Drawn;
   }
   const bool Make = AsksForPlaces(*Whole, Drawing);
   RDKit::MolOps::addHs(*Whole, false, !Make);
@@ -280,7 +290,8 @@ Structure ConvertRecord(FileKind Kind, const Record& Given, bool Flat) {
     const int Stated = Whole.Charge;
     SumCharges(Whole);
     if (Stated != 0) Whole.Charge = Stated;
-    if (!Flat) CheckPlaces(Whole);
+    if (Flat) return Whole;
+    CheckPlaces(Whole);
     MarkAromatic(Whole);
     return Whole;
   } catch (const std::bad_alloc&) {

@@ -90,6 +90,21 @@ RecordRow RowOf(TextView Line) {
   return Row;
 }
 
+Long StartConverter(std::vector<Text> Words, const Text& Output, const Text& Messages) {
+  const Text Program = FindConverter();
+  if (Program.empty()) throw Failure("The program zelvanor-convert, which reads molecule files, is not installed");
+  Words.insert(Words.begin(), {Program, "--out", Output, "--messages", Messages});
+  WriteWholeFile(Output, "");
+  WriteWholeFile(Messages, "");
+  return Platform.Shell(Words);
+}
+
+ConverterAnswer AnswerOf(const ProcessStatus& End, const Text& Messages) {
+  ConverterAnswer Answer{End.Known ? static_cast<int>(End.ExitCode) : 1, FirstLine(Messages)};
+  if (Answer.Status != 0 && Answer.Message.empty()) Answer.Message = "zelvanor-convert has ended without a word";
+  return Answer;
+}
+
 ConverterAnswer TryConverter(std::vector<Text> Words, const Text& Output) {
   try {
     return RunConverter(std::move(Words), Output);
@@ -114,27 +129,38 @@ Text FindConverter() {
 }
 
 ConverterAnswer RunConverter(std::vector<Text> Words, const Text& Output) {
-  const Text Program = FindConverter();
-  if (Program.empty()) throw Failure("The program zelvanor-convert, which reads molecule files, is not installed");
   const Text Messages = WorkFile("convert.msg");
-  Words.insert(Words.begin(), {Program, "--out", Output, "--messages", Messages});
-  WriteWholeFile(Output, "");
-  WriteWholeFile(Messages, "");
-  ShowStatus("Converting the molecule...");
-  const auto [Cancelled, Status] = WaitForProcess(Platform.Shell(Words), WorkFile("convert.progress"));
-  if (Cancelled) return {CancelledStatus, "The conversion was cancelled"};
-  ConverterAnswer Answer{Status.Known ? static_cast<int>(Status.ExitCode) : 1, FirstLine(Messages)};
-  if (Answer.Status != 0 && Answer.Message.empty()) Answer.Message = "zelvanor-convert has ended without a word";
+  const Long Process = StartConverter(std::move(Words), Output, Messages);
+  const auto [Cancelled, Status] = WaitForProcess(Process, WorkFile("convert.progress"));
+  return Cancelled ? ConverterAnswer{CancelledStatus, "The conversion was cancelled"} : AnswerOf(Status, Messages);
+}
+
+Text PreviewPath() { return WorkFile("preview.mvs"); }
+
+Long StartPreview(const Text& Smiles) {
+  return Platform.OpenProcess(
+      StartConverter({"--flat", "--time", "5", "--smiles", Smiles}, PreviewPath(), WorkFile("preview.msg")));
+}
+
+// What stands before the reason is the SMILES, which the user sees.
+ConverterAnswer PreviewAnswer(const ProcessStatus& End) {
+  constexpr TextView Head = " record 1: ";
+  ConverterAnswer Answer = AnswerOf(End, WorkFile("preview.msg"));
+  if (const std::size_t Place = Answer.Message.find(Head); Place != Text::npos) {
+    Answer.Message.erase(0, Place + Head.size());
+  }
   return Answer;
 }
 
 Text ConvertedPath() { return WorkFile("convert.mvs"); }
 
 bool ConvertMolecule(const MoleculeOrigin& Origin, const Text& Output) {
+  ShowStatus("Converting the molecule...");
   const ConverterAnswer Answer = Origin.Smiles.empty()
                                      ? TryConverter({"--record", GeneralForm(Origin.Record), "--", Origin.Path}, Output)
                                      : TryConverter({"--smiles", Origin.Smiles}, Output);
   if (Answer.Status != 0) Report(Answer);
+  if (Answer.Status == 0) ShowStatus("The molecule has been converted.");
   return Answer.Status == 0;
 }
 
@@ -146,6 +172,7 @@ Flag ReadConverted(const Text& Path, const Text& Title) {
 
 std::vector<RecordRow> ListRecords(const Text& Path, bool& Known) {
   const Text Output = WorkFile("convert.lst");
+  ShowStatus("Reading the records of the file...");
   const ConverterAnswer Answer = TryConverter({"--list", "--", Path}, Output);
   Known = Answer.Known();
   std::vector<RecordRow> Rows;

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "basic/Types.h"
+#include "platform/Services.h"
 
 namespace zelvanor {
 
@@ -39,6 +40,12 @@ Text ConvertedPath();
 // Reads a converted file into the Workspace, which is empty: host text, and from its comments the charge and the
 // labelled isotopes. Title stands for the source in messages.
 Flag ReadConverted(const Text& Path, const Text& Title);
+
+// Starts the converter for the drawing of a SMILES, beside whatever else it does; the handle of the process. Throws a
+// Failure. When it has ended its answer and its output can be had.
+Long StartPreview(const Text& Smiles);
+ConverterAnswer PreviewAnswer(const ProcessStatus& End);
+Text PreviewPath();
 
 struct RecordRow {
   Long Number = 0;

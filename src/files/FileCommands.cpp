@@ -251,21 +251,7 @@ void mnuFileNew_Click() {
   SetEnabled(Main.mnuFileNew, False);
 }
 
-void mnuFileOpen_Click() {
-  if (QuerySave() != False) return;
-  const std::optional<Text> Chosen =
-      Platform.ShowFileDialog({.Title = "Open File",
-                               .FileName = AnyDocument,
-                               .Filter = "Zelvanor (*.NMR)|*.NMR |Morvantis (*.MVS)|*.MVS|MOPAC Z-Matrix (*.ZMT)|*.ZMT"
-                                         "|Molecules (*.mol;*.sdf;*.sd;*.mol2;*.pdb;*.ent;*.xyz;*.smi;*.cml;*.cif)"
-                                         "|*.mol;*.sdf;*.sd;*.mol2;*.pdb;*.ent;*.xyz;*.smi;*.cml;*.cif"
-                                         "|MDL Mol (*.mol)|*.mol|MDL SD (*.sdf;*.sd)|*.sdf;*.sd|Mol2 (*.mol2)|*.mol2"
-                                         "|PDB (*.pdb;*.ent)|*.pdb;*.ent|XYZ (*.xyz)|*.xyz|SMILES (*.smi)|*.smi"
-                                         "|CML (*.cml)|*.cml|CIF (*.cif)|*.cif",
-                               .DefaultExtension = Extension,
-                               .Save = false});
-  if (!Chosen) return;
-  const Text Path = WithEnding(*Chosen);
+void OpenPath(const Text& Path) {
   if (const Text Problem = WhyUnreadable(Path); Path != AnyFile && !Problem.empty()) {
     ShowWarning(Join("Could not open file ", Quoted(Path), " ", Problem, "."));
     return;
@@ -284,6 +270,22 @@ void mnuFileOpen_Click() {
   W.ViewMode = FirstViewWithContent();
   if (IsSet(W.SpectraAvailable)) Fire(Rooms.TakeOpenedSpectrum);
   RefreshView();
+}
+
+void mnuFileOpen_Click() {
+  if (QuerySave() != False) return;
+  const std::optional<Text> Chosen =
+      Platform.ShowFileDialog({.Title = "Open File",
+                               .FileName = AnyDocument,
+                               .Filter = "Zelvanor (*.NMR)|*.NMR |Morvantis (*.MVS)|*.MVS|MOPAC Z-Matrix (*.ZMT)|*.ZMT"
+                                         "|Molecules (*.mol;*.sdf;*.sd;*.mol2;*.pdb;*.ent;*.xyz;*.smi;*.cml;*.cif)"
+                                         "|*.mol;*.sdf;*.sd;*.mol2;*.pdb;*.ent;*.xyz;*.smi;*.cml;*.cif"
+                                         "|MDL Mol (*.mol)|*.mol|MDL SD (*.sdf;*.sd)|*.sdf;*.sd|Mol2 (*.mol2)|*.mol2"
+                                         "|PDB (*.pdb;*.ent)|*.pdb;*.ent|XYZ (*.xyz)|*.xyz|SMILES (*.smi)|*.smi"
+                                         "|CML (*.cml)|*.cml|CIF (*.cif)|*.cif",
+                               .DefaultExtension = Extension,
+                               .Save = false});
+  if (Chosen) OpenPath(WithEnding(*Chosen));
 }
 
 bool TakeLeftWork(const LeftWork& Left) {

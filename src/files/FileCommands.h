@@ -24,6 +24,9 @@ Text SuggestDocumentName(const Text& Path);
 // messages; Path is its file, empty for none.
 void TakeConverted(const Text& Source, const Text& Path);
 
+// Opens the file at a path as File > Open does, but without the question about unsaved work.
+void OpenPath(const Text& Path);
+
 void mnuFileNew_Click();
 void mnuFileOpen_Click();
 void mnuFileSave_Click();

@@ -52,6 +52,7 @@ void Command1_Click() {
 Long ChooseRecord(const std::vector<RecordRow>& Rows) {
   Dialog.Rows = Rows;
   Dialog.Chosen = 0;
+  ShowStatus("The file has several records: choose one.");
   SetText(Dialog.Text1, "");
   ShowMatches();
   ShowModal(Dialog.frmRecords);

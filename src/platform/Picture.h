@@ -42,6 +42,7 @@ struct PictureSurface : Control {
   std::vector<PictureText> Texts;
   RubberBand Band;
   Text Description;  // what is read out of the picture, for those who hear it
+  Event Resized;     // of a dialog's surface: its layout has given it another size
   MouseEvent MouseDown;
   MouseEvent MouseMove;
   MouseEvent MouseUp;

@@ -74,6 +74,8 @@ struct PlatformServices {
   std::function<std::optional<Colour>(Colour Current)> ShowColourDialog;        // none: cancelled
   std::function<void(Form& Target)> RunModal;                                   // until the form is hidden
   std::function<void()> DoEvents;  // serves pending window events; may wait some milliseconds while a process runs
+  // Runs a piece of work some time later, while window events are served.
+  std::function<void(int Milliseconds, Event Work)> RunLater;
   std::function<void(MousePointer Pointer)> SetPointer;
   std::function<void(const Text& File, HelpCommand Command, int Context)> ShowHelp;
   std::function<Text()> GetClipboard;

@@ -3,7 +3,9 @@
 #include <sys/stat.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
+#include <set>
 
 #include "files/Converter.h"
 #include "platform/TextFiles.h"
@@ -30,7 +32,7 @@ struct Hash {
   }
 };
 
-void AddProgram(Hash& Sum, const Text& Path) {
+void AddFile(Hash& Sum, const Text& Path) {
   struct stat About {};
   if (stat(Path.c_str(), &About) != 0) return;
   Sum.Add(Path);
@@ -46,6 +48,16 @@ Text HashOfFile(const Text& Path) {
     return {};
   }
   return Sum.Digits();
+}
+
+// By their times and sizes.
+void AddTables(Hash& Sum) {
+  std::error_code Ignored;
+  std::set<Text> Tables;
+  for (const auto& Entry : std::filesystem::directory_iterator(Settings.NMRParmPath, Ignored)) {
+    Tables.insert(Entry.path());
+  }
+  for (const Text& Table : Tables) AddFile(Sum, Table);
 }
 
 Text FinishedPath(const FinishedList& List) { return List.Folder + "/.zelvanor-predict"; }
@@ -89,8 +101,10 @@ void ReadFinished(FinishedList& List, const Text& Folder) {
 Text FingerprintOf(const Options& Given, const Molecule& One) {
   Hash Sum;
   Sum.Add(ZELVANOR_VERSION);
-  for (const Text& Program : {Text("/proc/self/exe"), Settings.CalcExeFile, FindConverter()}) AddProgram(Sum, Program);
-  Sum.Add(Settings.NMRParmPath);
+  for (const Text& Program : {Text("/proc/self/exe"), Settings.CalcExeFile, FindConverter()}) AddFile(Sum, Program);
+  AddTables(Sum);
+  // The fast engine takes nothing from there.
+  if (Given.Quantum) Sum.Add(HashOfFile(Settings.BackendFile));
   for (int Entry = 0; Entry < NumReferenceEntries; ++Entry) Sum.Add(GeneralForm(Workspace.ReferenceShielding[Entry]));
   Sum.Add(Given.Observed->Name);
   Sum.Add(std::to_string(Given.MHz) + (Given.Quantum ? " quantum " : " fast ") + GeneralForm(Given.Width));

@@ -63,6 +63,7 @@ struct MainForm {
   MenuItem mnuUndo{&frmNMR, "mnuUndo"};
   MenuItem mnuRedo{&frmNMR, "mnuRedo"};
   MenuItem mnuEditPublication{&frmNMR, "mnuEditPublication"};
+  MenuItem mnuPaste{&frmNMR, "mnuPaste"};
   MenuItem mnuView{&frmNMR, "mnuView"};
   MenuItem mnuViewMolecule{&frmNMR, "mnuViewMolecule"};
   MenuItem mnuViewFill1{&frmNMR, "mnuViewFill1"};

@@ -43,7 +43,7 @@ constexpr std::array Rows = {
           "Open a measured spectrum beside the simulated one."),
     Below(&M::mnuFile, &M::mnuFileExport, "&Export...", "Ctrl+E",
           "Write what is shown as a picture, or its values for other programs."),
-    Below(&M::mnuFile, &M::mnuFileNewSmiles, "New F&rom SMILES...", "", "Make a molecule from its SMILES."),
+    Below(&M::mnuFile, &M::mnuFileNewSmiles, "New From SM&ILES...", "", "Make a molecule from its SMILES."),
     Disabled(Below(&M::mnuFile, &M::mnuFileReport, "Re&port...", "Ctrl+Shift+R",
                    "Write structure, spectrum and tables as a page to read or print.")),
 
@@ -59,6 +59,8 @@ constexpr std::array Rows = {
     Disabled(Below(&M::mnuEdit, &M::mnuRedo, "Re&do", "Ctrl+Shift+Z", "Make the change again that was taken back.")),
     Disabled(Below(&M::mnuEdit, &M::mnuEditPublication, "Copy Publication Te&xt", "Ctrl+Shift+C",
                    "Copy the signals as a paper lists them.")),
+    Below(&M::mnuEdit, &M::mnuPaste, "&Paste Molecule", "Ctrl+V",
+          "Take a SMILES, a mol block or a file that was copied."),
 
     Top(&M::mnuView, "&View", "Change the contents of the workspace."),
     Disabled(Below(&M::mnuView, &M::mnuViewMolecule, "&Molecule", "", "Display molecules.")),

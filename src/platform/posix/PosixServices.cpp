@@ -58,6 +58,7 @@ void UsePosixServices() {
   Platform.ShowColourDialog = [](Colour) { return std::optional<Colour>(); };
   Platform.RunModal = [](Form& Target) { HideForm(Target); };
   Platform.DoEvents = [] {};
+  Platform.RunLater = [](int, const Event&) {};
   Platform.SetPointer = [](MousePointer) {};
   Platform.ShowHelp = [](const Text&, HelpCommand, int) {};
   Platform.GetClipboard = [] { return Text(); };

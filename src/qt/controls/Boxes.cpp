@@ -267,7 +267,8 @@ std::optional<Text> AskForFile(const FileDialog& Dialog) {
   const QStringList Filters = NameFilters(Dialog.Filter);
   if (!Filters.isEmpty()) {
     Shown.setNameFilters(Filters);
-    Shown.selectNameFilter(Filters.value(Dialog.FilterIndex - 1, Filters.front()));
+    const QString Kept = Dialog.Save ? QString() : RememberedFileKind(Shown.windowTitle());
+    Shown.selectNameFilter(Filters.contains(Kept) ? Kept : Filters.value(Dialog.FilterIndex - 1, Filters.front()));
   }
   Shown.setDefaultSuffix(ToQt(Dialog.DefaultExtension));
   // A file of just this name needs none.
@@ -282,6 +283,7 @@ std::optional<Text> AskForFile(const FileDialog& Dialog) {
   if (!Chosen) return std::nullopt;
   const QString Path = QDir::toNativeSeparators(Shown.selectedFiles().front());
   RememberFolderOf(Path);
+  if (!Dialog.Save) RememberFileKind(Shown.windowTitle(), Shown.selectedNameFilter());
   if (!Dialog.Save || Dialog.DefaultExtension == "NMR") RememberRecent(Path);
   return PathFromQt(Path);
 }

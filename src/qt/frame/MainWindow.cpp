@@ -119,18 +119,16 @@ class FrameWindow : public QMainWindow {
 
   // The pointer shows by its form whether the window takes what is dragged.
   void dragEnterEvent(QDragEnterEvent* Drag) override {
-    if (MayOpenDocuments() && !FirstLocalFile(*Drag->mimeData()).isEmpty()) Drag->acceptProposedAction();
+    if (CanTake(*Drag->mimeData())) Drag->acceptProposedAction();
   }
 
   // The other program waits for the end of the drop: the command, which may ask, comes after it.
   void dropEvent(QDropEvent* Drop) override {
-    const QString Path = FirstLocalFile(*Drop->mimeData());
-    if (Path.isEmpty() || !MayOpenDocuments()) return;
+    if (!CanTake(*Drop->mimeData())) return;
     Drop->acceptProposedAction();
-    QTimer::singleShot(0, this, [this, Path] {
-      if (!MayOpenDocuments()) return;
+    QTimer::singleShot(0, this, [this, File = FirstLocalFile(*Drop->mimeData()), Words = Drop->mimeData()->text()] {
       activateWindow();
-      OpenDocument(PathFromQt(Path));
+      TakeDropped(File, Words);
     });
   }
 

@@ -4,12 +4,14 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include "history/History.h"
 #include "measured/MeasuredCommands.h"
+#include "onestep/Paste.h"
 #include "platform/Form.h"
 #include "qt/Dispatch.h"
 #include "qt/TextConversion.h"
 #include "qt/controls/Boxes.h"
-#include "shell/MainForm.h"
+#include "shell/Frame.h"
 
 namespace zelvanor {
 
@@ -25,6 +27,20 @@ void OpenDocument(const Text& Path) {
 bool MayOpenDocuments() {
   return MayAct(Main.mnuFileOpen) && IsSet(Main.mnuFile.Enabled) && IsSet(Main.mnuFileOpen.Enabled) &&
          ModalForms().empty() && QApplication::activeModalWidget() == nullptr;
+}
+
+bool CanTake(const QMimeData& Dragged) {
+  return MayOpenDocuments() && (!FirstLocalFile(Dragged).isEmpty() || (!Dragged.hasUrls() && Dragged.hasText()));
+}
+
+void TakeDropped(const QString& File, const QString& Words) {
+  if (!MayOpenDocuments()) return;
+  if (!File.isEmpty()) return OpenDocument(PathFromQt(File));
+  const Text Given = FromQt(Words);
+  DispatchEvent(Main.mnuPaste, [&] {
+    Fire(Rooms.EndTableEdit);
+    RunRecorded("pasting a molecule", [&] { PasteText(Given); });
+  });
 }
 
 QString FirstLocalFile(const QMimeData& Dragged) {

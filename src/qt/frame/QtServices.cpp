@@ -48,6 +48,9 @@ void UseQtServices() {
   Platform.ShowColourDialog = AskForColour;
   Platform.RunModal = RunModalForm;
   Platform.DoEvents = ServeEvents;
+  Platform.RunLater = [](int Milliseconds, Event Work) {
+    QTimer::singleShot(Milliseconds, [Work = std::move(Work)] { Dispatch(Work); });
+  };
   Platform.SetPointer = ShowPointer;
   Platform.ShowHelp = ShowHelpWindow;
   Platform.GetClipboard = [] { return FromQt(QGuiApplication::clipboard()->text()); };

@@ -10,6 +10,7 @@ namespace {
 
 constexpr const char* GeometryKey = "geometry";
 constexpr const char* FolderKey = "folder";
+constexpr const char* FileKindKey = "kind of file/";  // and the dialog's title
 constexpr const char* SilenceKey = "silent/host";
 constexpr const char* HelpGeometryKey = "help/geometry";
 constexpr const char* HelpHalvesKey = "help/halves";
@@ -65,6 +66,12 @@ QSize RememberedSize(const QString& Form) {
 }
 
 void RememberFolderOf(const QString& Path) { OwnSettings().setValue(FolderKey, QFileInfo(Path).absolutePath()); }
+
+void RememberFileKind(const QString& Title, const QString& Filter) {
+  OwnSettings().setValue(FileKindKey + Title, Filter);
+}
+
+QString RememberedFileKind(const QString& Title) { return OwnSettings().value(FileKindKey + Title).toString(); }
 
 QString RememberedFolder() {
   const QString Kept = OwnSettings().value(FolderKey).toString();

@@ -31,6 +31,9 @@ QSize RememberedSize(const QString& Form);
 // The folder of the last file that was chosen; one that is gone counts as none (empty).
 void RememberFolderOf(const QString& Path);
 QString RememberedFolder();
+// The kind of file that was opened last, by a dialog of this title.
+void RememberFileKind(const QString& Title, const QString& Filter);
+QString RememberedFileKind(const QString& Title);
 
 // Lists of texts, the last one first: the files that were opened, the views of documents.
 void RememberList(const QString& Name, const QStringList& Entries);

@@ -39,7 +39,7 @@ QString NextStep() {
       break;
   }
   if (!IsSet(W.MoleculeLoaded)) return {};
-  if (W.NumNMRAtoms == 0) return "Setup > Shielding & Coupling... chooses the NMR atoms";
+  if (W.NumNMRAtoms == 0) return "Compute > Predict Spectrum leads to the spectrum in one step";
   if (!IsSet(W.SpectraAvailable)) return "Compute > Both: I Then II computes shieldings, couplings and spectrum";
   return "Drag turns the molecule, the wheel magnifies; N and Enter pick atoms";
 }

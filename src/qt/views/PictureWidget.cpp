@@ -94,6 +94,7 @@ class PictureView : public KeyedSurface {
     if (IsOfMainForm()) return;
     Surface.Width = TwipsFromPixels(width());
     Surface.Height = TwipsFromPixels(height());
+    if (Surface.Resized) Dispatch(Surface.Resized);
   }
 
   void mousePressEvent(QMouseEvent* Mouse) override { Tell(Surface.MouseDown, *Mouse, Mouse->button()); }
