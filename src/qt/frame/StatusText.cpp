@@ -6,6 +6,7 @@
 #include <QStyle>
 #include <QTimer>
 
+#include "platform/Form.h"
 #include "qt/TextConversion.h"
 #include "qt/controls/ControlWidgets.h"
 #include "qt/frame/Accessible.h"
@@ -103,7 +104,8 @@ class StatusLabel : public QLabel {
   }
 
   QString SecondsOfWork() const {
-    if (!Working.isValid() || Working.elapsed() < LongMilliseconds) return {};
+    // While it asks, it is the user who takes the time.
+    if (!Working.isValid() || Working.elapsed() < LongMilliseconds || !ModalForms().empty()) return {};
     return QString("%1 s").arg(Working.elapsed() / 1000);
   }
 
