@@ -42,7 +42,10 @@ void PutOut(const Options& Given, const Text& Content) {
 }
 
 Outcome Convert(const Options& Given, FileKind Kind, const Record& Next) {
-  const Text Source = Given.Smiles.empty() ? Given.Input + ", record " + std::to_string(Next.Number) : Given.Smiles;
+  Text Source = Given.Source;
+  if (Source.empty()) {
+    Source = Given.Smiles.empty() ? Given.Input + ", record " + std::to_string(Next.Number) : Given.Smiles;
+  }
   return DoApart([&] { return HostTextOf(ConvertRecord(Kind, Next, Given.Flat), Source); }, Given.Seconds);
 }
 

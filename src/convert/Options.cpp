@@ -17,6 +17,7 @@ found from the distances. "-" reads SMILES from standard input, one a line, a na
       --list         a line for each record: number, name and formula, separated by tabs
       --flat         a drawing: flat coordinates, implied hydrogens counted in comments
   -o, --out FILE     writes FILE, whole or not at all
+      --source TEXT  what the output names as its source
       --messages FILE  what goes wrong goes there instead of standard error
       --time N       limit in seconds for a record (30); 0 none
   -h, --help         this text
@@ -42,6 +43,7 @@ constexpr OptionRow<Options> Rows[] = {
     {"-s", "--smiles", true, [](Options& All, const Text& Value) { All.Smiles = Value; }},
     {"-r", "--record", true, [](Options& All, const Text& Value) { All.Record = NumberFrom("--record", Value, 1); }},
     {"-o", "--out", true, [](Options& All, const Text& Value) { All.Output = Value; }},
+    {"", "--source", true, [](Options& All, const Text& Value) { All.Source = Value; }},
     {"", "--messages", true, [](Options& All, const Text& Value) { All.Messages = Value; }},
     {"", "--time", true, [](Options& All, const Text& Value) { All.Seconds = NumberFrom("--time", Value, 0); }},
     {"", "--stream", false, [](Options& All, const Text&) { All.Does = Work::All; }},

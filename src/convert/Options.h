@@ -14,6 +14,7 @@ struct Options {
   Text Input;     // a file, or "-"
   Text Smiles;    // instead of Input
   Text Output;    // empty for standard output
+  Text Source;    // what the output names as its source; empty for the file itself
   Text Messages;  // empty for standard error
   Work Does = Work::One;
   Long Record = 1;

@@ -156,9 +156,9 @@ Text ConvertedPath() { return WorkFile("convert.mvs"); }
 
 bool ConvertMolecule(const MoleculeOrigin& Origin, const Text& Output) {
   ShowStatus("Converting the molecule...");
-  const ConverterAnswer Answer = Origin.Smiles.empty()
-                                     ? TryConverter({"--record", GeneralForm(Origin.Record), "--", Origin.Path}, Output)
-                                     : TryConverter({"--smiles", Origin.Smiles}, Output);
+  std::vector<Text> Words = {"--source", Origin.Source, "--record", GeneralForm(Origin.Record), "--", Origin.Path};
+  if (!Origin.Smiles.empty()) Words = {"--smiles", Origin.Smiles};
+  const ConverterAnswer Answer = TryConverter(std::move(Words), Output);
   if (Answer.Status != 0) Report(Answer);
   if (Answer.Status == 0) ShowStatus("The molecule has been converted.");
   return Answer.Status == 0;

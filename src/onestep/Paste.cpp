@@ -61,7 +61,7 @@ void OpenNamed(const Text& Path) {
 // The record that the user chooses of a text with several lines; Smiles and Path are empty where there is none.
 MoleculeOrigin ChooseOf(const Text& Lines, Text& Name) {
   const Text Path = Settings.NMRIniPath + PathSeparator + "pasted";
-  MoleculeOrigin Origin{.Path = Path, .Smiles = {}, .Record = 0};
+  MoleculeOrigin Origin{.Path = Path, .Smiles = {}, .Record = 0, .Source = "pasted"};
   WriteWholeFile(Path, Lines);
   bool Known = true;
   std::vector<RecordRow> Rows = ListRecords(Path, Known);

@@ -92,7 +92,9 @@ void ConvertRecord(const Options& Given, const Molecule& One, const Text& Folder
   if (!Title.empty()) Content = Content.substr(0, Content.find('\n')) + Title + "\n";
   WriteWholeFile(Source, Content);
   const Text Output = Folder + "/record.mvs";
-  const ConverterAnswer Answer = RunConverter({"--time", std::to_string(Given.Seconds), "--", Source}, Output);
+  const Text Origin = One.Input + ", record " + std::to_string(One.Record.Number);
+  const ConverterAnswer Answer =
+      RunConverter({"--time", std::to_string(Given.Seconds), "--source", Origin, "--", Source}, Output);
   if (Answer.Status != 0) throw Failure(ReasonOf(Answer.Message, One.Record.Title));
   if (!IsSet(ReadConverted(Output, Output))) throw Failure(Reason("it can't be read"));
   W.MoleculeLoaded = True;
