@@ -30,7 +30,7 @@ struct MoleculeOrigin {
   Text Path;
   Text Smiles;
   Long Record = 1;
-  Text Source;  // what the system names as its source; empty for the path
+  Text Source{};  // what the system names as its source; empty for the path
 };
 
 // Converts to this file. Reports its failures.
