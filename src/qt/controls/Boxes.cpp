@@ -11,6 +11,7 @@
 #include <QMessageBox>
 #include <QThread>
 #include <QWindow>
+#include <algorithm>
 #include <utility>
 
 #include "qt/Dispatch.h"
@@ -252,6 +253,18 @@ QStringList NameFilters(const Text& Filter) {
   return Filters;
 }
 
+// The kind of file that an Open dialog begins with: the wanted one, but where the folder has none of it the first of
+// which there are some, so that the list is not empty.
+QString FirstKind(const QString& Wanted, const QStringList& Filters, const QString& Folder) {
+  const auto HasFiles = [&Folder](const QString& Filter) {
+    const QString Patterns = Filter.section('(', -1).section(')', 0, 0);
+    return !QDir(Folder).entryList(Patterns.split(' '), QDir::Files).isEmpty();
+  };
+  if (HasFiles(Wanted)) return Wanted;
+  const auto Found = std::find_if(Filters.begin(), Filters.end(), HasFiles);
+  return Found == Filters.end() ? Wanted : *Found;
+}
+
 std::optional<Text> AskForFile(const FileDialog& Dialog) {
   // A file to open is no answer to the question where unsaved work goes to, which may come before.
   if (!Dialog.Save && !QueuedFile().empty()) {
@@ -268,7 +281,8 @@ std::optional<Text> AskForFile(const FileDialog& Dialog) {
   if (!Filters.isEmpty()) {
     Shown.setNameFilters(Filters);
     const QString Kept = Dialog.Save ? QString() : RememberedFileKind(Shown.windowTitle());
-    Shown.selectNameFilter(Filters.contains(Kept) ? Kept : Filters.value(Dialog.FilterIndex - 1, Filters.front()));
+    const QString Wanted = Filters.contains(Kept) ? Kept : Filters.value(Dialog.FilterIndex - 1, Filters.front());
+    Shown.selectNameFilter(Dialog.Save ? Wanted : FirstKind(Wanted, Filters, Shown.directory().path()));
   }
   Shown.setDefaultSuffix(ToQt(Dialog.DefaultExtension));
   // A file of just this name needs none.
