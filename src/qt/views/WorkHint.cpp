@@ -43,7 +43,8 @@ Text DescribeView() {
 Text DescribeWork() {
   const bool Anything =
       IsSet(W.MoleculeLoaded) || IsSet(W.ShieldingAvailable) || IsSet(W.CouplingAvailable) || IsSet(W.SpectraAvailable);
-  if (!Anything) return "Open a molecule or document (Ctrl+O), paste a SMILES (Ctrl+V), or get the system from Morvantis (Ctrl+G).";
+  if (!Anything)
+    return "Open a molecule or document (Ctrl+O), paste a SMILES (Ctrl+V), or get the system from Morvantis (Ctrl+G).";
   if (W.ViewMode == MoleculeView && !IsSet(W.MoleculeLoaded)) {
     return "The document holds results without a molecule.\n\nView > Shielding Constants, Coupling Constants or "
            "Spectrum";
