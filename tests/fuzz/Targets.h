@@ -13,6 +13,7 @@
   TARGET(HostText)           \
   TARGET(MeasuredFile)       \
   TARGET(MeasuredFolder)     \
+  TARGET(MoleculeFile)       \
   TARGET(NmreData)           \
   TARGET(ParamResults)       \
   TARGET(PeakMap)            \
