@@ -29,9 +29,10 @@ namespace {
 constexpr double UsableShare = 0.9;
 
 constexpr const char* Usage =
-    "usage: nmrcalc.exe PARAMETER-DIRECTORY WORK-DIRECTORY 1|2|4 [LOG-FILE]\n"
+    "usage: nmrcalc.exe PARAMETER-DIRECTORY WORK-DIRECTORY 1|2|3|4 [LOG-FILE]\n"
     "  1  shieldings and couplings: nmrparam.in to nmrparam.out\n"
     "  2  simulates the spectrum: nmrspect.in to nmrspect.out\n"
+    "  3  fits it to a measured one: nmrfit.in to nmrfit.out\n"
     "  4  optimises the geometry by xtb: nmrgeom.in to nmrgeom.out";
 
 struct StageFiles {
@@ -40,11 +41,14 @@ struct StageFiles {
 };
 constexpr const char* SettingsFile = "nmr_spin.abp";
 constexpr const char* MapFile = "nmrspect.map";
-// Stage 3 is the fit of a spectrum; it has no program here yet.
-constexpr StageFiles Stages[] = {
-    {"nmrparam.in", "nmrparam.out"}, {"nmrspect.in", "nmrspect.out"}, {"", ""}, {"nmrgeom.in", "nmrgeom.out"}};
+constexpr StageFiles Stages[] = {{"nmrparam.in", "nmrparam.out"},
+                                 {"nmrspect.in", "nmrspect.out"},
+                                 {"nmrfit.in", "nmrfit.out"},
+                                 {"nmrgeom.in", "nmrgeom.out"}};
+constexpr int FitStage = 3;
+constexpr const char* FitProgram = "nmrfit.exe";
 
-bool IsStage(const std::string& Word) { return Word == "1" || Word == "2" || Word == "4"; }
+bool IsStage(const std::string& Word) { return Word.size() == 1 && Word[0] >= '1' && Word[0] <= '4'; }
 
 std::string PathIn(const std::string& Directory, const std::string& Name) {
   const bool Ends = Directory.empty() || Directory.back() == '/' || Directory.back() == '\\';
@@ -96,14 +100,24 @@ int FindLogLevel(const CommandLine& Command) {
   }
 }
 
-// What a stage writes: its output file and, where it has more to tell, another file beside it.
-struct StageOutput {
-  std::string Text{};
-  std::string Map{};
-};
+// Becomes the program of the fit, which stands beside this one: what it links would cost the other stages a start of
+// several times their own. Comes back where that is not possible.
+StageOutput BecomeFit(const CommandLine& Command) {
+  std::error_code Error;
+  const auto Own = std::filesystem::read_symlink("/proc/self/exe", Error);
+  const std::string Program = (Own.parent_path() / FitProgram).string();
+  std::string Words[] = {Program, Command.ParameterDirectory, Command.WorkDirectory, "3", Command.LogPath};
+  char* Pointers[] = {
+      Words[0].data(), Words[1].data(), Words[2].data(), Words[3].data(), Words[4].empty() ? nullptr : Words[4].data(),
+      nullptr};
+  execv(Program.c_str(), Pointers);
+  throw zelvanor::Failure("The program of the fit, " + Program +
+                          ", could not be started: " + zelvanor::FailureTextFromErrno(errno));
+}
 
 StageOutput RunStage(const CommandLine& Command, Log& Report) {
-  const std::string Input = PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Input);
+  const std::string Input = InputPath(Command);
+  if (Command.Stage == FitStage) return BecomeFit(Command);
   if (Command.Stage == 1) {
     return {.Text = RunEngines(Input, Command.ParameterDirectory, Command.WorkDirectory, Report)};
   }
@@ -126,11 +140,11 @@ StageOutput RunStage(const CommandLine& Command, Log& Report) {
 }
 
 // The output of the stage, or its failure as one ERRMSG line; Failed tells which.
-StageOutput RunStageSafely(const CommandLine& Command, Log& Report, bool& Failed) {
+StageOutput RunStageSafely(const CommandLine& Command, StageRoutine Routine, Log& Report, bool& Failed) {
   std::string Reason;
   try {
     Failed = false;
-    return RunStage(Command, Report);
+    return Routine(Command, Report);
   } catch (const zelvanor::Failure& Problem) {
     Reason = Problem.What;
   } catch (const std::bad_alloc&) {
@@ -155,6 +169,10 @@ void KeepFreedMemory() {
 
 }  // namespace
 
+std::string InputPath(const CommandLine& Command) {
+  return PathIn(Command.WorkDirectory, Stages[Command.Stage - 1].Input);
+}
+
 CommandLine ParseCommandLine(const std::vector<std::string>& Arguments) {
   constexpr std::size_t WithoutLog = 3;
   const bool Right = Arguments.size() == WithoutLog || Arguments.size() == WithoutLog + 1;
@@ -165,7 +183,9 @@ CommandLine ParseCommandLine(const std::vector<std::string>& Arguments) {
           .LogPath = Arguments.size() > WithoutLog ? Arguments[WithoutLog] : std::string()};
 }
 
-int RunCommand(const CommandLine& Command) {
+int RunCommand(const CommandLine& Command) { return RunStageCommand(Command, RunStage); }
+
+int RunStageCommand(const CommandLine& Command, StageRoutine Routine) {
   const auto Start = std::chrono::steady_clock::now();
   UseOneLibraryThread();
   KeepFreedMemory();
@@ -176,7 +196,7 @@ int RunCommand(const CommandLine& Command) {
   std::error_code Ignored;
   if (Command.Stage == 2) std::filesystem::remove(MapPath, Ignored);
   StartProgress(Command.WorkDirectory, Command.Stage);
-  const StageOutput Output = RunStageSafely(Command, Report, Failed);
+  const StageOutput Output = RunStageSafely(Command, Routine, Report, Failed);
   EndProgress();
   try {
     if (!Output.Map.empty()) WriteOutput(MapPath, Output.Map);
@@ -198,9 +218,9 @@ int RunCommand(const CommandLine& Command) {
   return Failed ? 1 : 0;
 }
 
-int RunProgram(const std::vector<std::string>& Arguments) {
+int RunProgram(const std::vector<std::string>& Arguments, int (*Run)(const CommandLine&)) {
   try {
-    return RunCommand(ParseCommandLine(Arguments));
+    return Run(ParseCommandLine(Arguments));
   } catch (const zelvanor::Failure& Problem) {
     std::fprintf(stderr, "%s\n", Problem.What.c_str());
     return 2;

@@ -7,7 +7,7 @@
 
 namespace nmrcalc {
 
-// The command line: PARAMETER-DIRECTORY WORK-DIRECTORY STAGE [LOG-FILE], STAGE being 1 or 2.
+// The command line: PARAMETER-DIRECTORY WORK-DIRECTORY STAGE [LOG-FILE], STAGE being 1 to 4.
 
 struct CommandLine {
   std::string ParameterDirectory;
@@ -23,7 +23,19 @@ CommandLine ParseCommandLine(const std::vector<std::string>& Arguments);
 // failure stands on its first line behind "ERRMSG: ". The return value is the exit code: 0, or 1 after a failure.
 int RunCommand(const CommandLine& Command);
 
+// What a stage writes: its output file and, where it has more to tell, another file beside it.
+struct StageOutput {
+  std::string Text{};
+  std::string Map{};
+};
+// Does the work of a stage, from its input file on. Throws Failure.
+using StageRoutine = StageOutput (*)(const CommandLine& Command, Log& Report);
+std::string InputPath(const CommandLine& Command);
+
+// The same by this routine, for a program that has one stage only.
+int RunStageCommand(const CommandLine& Command, StageRoutine Routine);
+
 // The whole program: parses, runs, tells a bad command line on the standard error (exit code 2).
-int RunProgram(const std::vector<std::string>& Arguments);
+int RunProgram(const std::vector<std::string>& Arguments, int (*Run)(const CommandLine&) = RunCommand);
 
 }  // namespace nmrcalc

@@ -141,4 +141,32 @@ std::string FixedNumber(double Value, int Decimals) {
   return Result;
 }
 
+const std::string& NextLine(TextCursor& Place, const std::string& What) {
+  const std::string& Text = TakeLine(Place.File, Place.Line, What);
+  ++Place.Line;
+  return Text;
+}
+
+void ReadKeyword(TextCursor& Place, const std::string& Keyword) {
+  const std::string& Text = NextLine(Place, "the line " + Keyword);
+  if (!zelvanor::EqualsIgnoringCase(zelvanor::TrimWhite(Text), Keyword)) {
+    FailAtLine(Place.File, Place.Line - 1, "the line should read " + Keyword);
+  }
+}
+
+std::vector<std::string_view> ReadRow(TextCursor& Place, std::size_t Count, const std::string& What) {
+  std::vector<std::string_view> Tokens = SplitTokens(NextLine(Place, What));
+  if (Tokens.size() != Count) {
+    FailAtLine(
+        Place.File, Place.Line - 1,
+        std::to_string(Count) + " values are needed for " + What + ", but there are " + std::to_string(Tokens.size()));
+  }
+  return Tokens;
+}
+
+double ReadSingleNumber(TextCursor& Place, const std::string& What) {
+  const std::string_view Token = ReadRow(Place, 1, What)[0];
+  return NumberAt(Place.File, Place.Line - 1, Token, What);
+}
+
 }  // namespace nmrcalc

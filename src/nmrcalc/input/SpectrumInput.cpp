@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "basic/TextTools.h"
-#include "nmrcalc/input/InputText.h"
-
 namespace nmrcalc {
 
 namespace {
@@ -13,34 +10,6 @@ namespace {
 constexpr int LargestSiteCount = 10000;
 constexpr double LargestFrequency = 1e14;  // Hz
 constexpr double OutOfRangeRatio = 5000.0;
-
-const std::string& NextLine(TextCursor& Place, const std::string& What) {
-  const std::string& Text = TakeLine(Place.File, Place.Line, What);
-  ++Place.Line;
-  return Text;
-}
-
-void ReadKeyword(TextCursor& Place, const std::string& Keyword) {
-  const std::string& Text = NextLine(Place, "the line " + Keyword);
-  if (!zelvanor::EqualsIgnoringCase(zelvanor::TrimWhite(Text), Keyword)) {
-    FailAtLine(Place.File, Place.Line - 1, "the line should read " + Keyword);
-  }
-}
-
-std::vector<std::string_view> ReadRow(TextCursor& Place, std::size_t Count, const std::string& What) {
-  std::vector<std::string_view> Tokens = SplitTokens(NextLine(Place, What));
-  if (Tokens.size() != Count) {
-    FailAtLine(
-        Place.File, Place.Line - 1,
-        std::to_string(Count) + " values are needed for " + What + ", but there are " + std::to_string(Tokens.size()));
-  }
-  return Tokens;
-}
-
-double ReadSingleNumber(TextCursor& Place, const std::string& What) {
-  const std::string_view Token = ReadRow(Place, 1, What)[0];
-  return NumberAt(Place.File, Place.Line - 1, Token, What);
-}
 
 void ReadSites(TextCursor& Place, SpectrumInput& Input) {
   const std::string_view CountToken = ReadRow(Place, 1, "the number of sites")[0];
@@ -99,6 +68,10 @@ void FindObservedSites(SpectrumInput& Input) {
 
 SpectrumInput ReadSpectrumInput(const std::string& Path) {
   TextCursor Place{.File = ReadTextFile(Path)};
+  return ReadSpectrumLines(Place);
+}
+
+SpectrumInput ReadSpectrumLines(TextCursor& Place) {
   SpectrumInput Input;
   NextLine(Place, "the description");
   ReadSites(Place, Input);

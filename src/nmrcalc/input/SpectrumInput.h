@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "nmrcalc/input/InputText.h"
+
 namespace nmrcalc {
 
 // The spin system of one spectrum and the file nmrspect.in that brings it.
@@ -31,6 +33,8 @@ struct SpectrumInput {
 // Reads the file. Throws Failure with file, line and reason for anything that does not fit.
 // The two couplings of a pair are averaged; the diagonal is not looked at.
 SpectrumInput ReadSpectrumInput(const std::string& Path);
+// The same from where a file's lines of it begin; Place is behind them then.
+SpectrumInput ReadSpectrumLines(TextCursor& Place);
 
 // Sets Frequency and Observed of every site. The nuclei that are not observed stand at ten thousand times the
 // largest shift and more: a site is not observed when its |shift| is 5000 ppm or more and at least 5000 times the
