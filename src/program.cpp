@@ -16,6 +16,8 @@
 #include "files/ZMatrixImport.h"
 #include "files/frmRecords.h"
 #include "files/frmSmiles.h"
+#include "fit/FitCommands.h"
+#include "fit/frmFit.h"
 #include "history/History.h"
 #include "history/Recovery.h"
 #include "host/GetCommand.h"
@@ -146,6 +148,7 @@ constexpr MenuHandler MenuHandlers[] = {
     {&MainForm::mnuPredict17O, [] { PredictSpectrum(Nuclei[3]); }},
     {&MainForm::mnuPredict19F, [] { PredictSpectrum(Nuclei[4]); }},
     {&MainForm::mnuPredict31P, [] { PredictSpectrum(Nuclei[5]); }},
+    {&MainForm::mnuComputeFit, mnuComputeFit_Click},
     {&MainForm::mnuHelpContents, mnuHelpContents_Click, TableEdit::StaysOpen},
     {&MainForm::mnuHelpUsing, mnuHelpUsing_Click, TableEdit::StaysOpen},
     {&MainForm::mnuAbout, mnuAbout_Click, TableEdit::StaysOpen},
@@ -203,6 +206,7 @@ constexpr StepName StepNames[] = {
     {&MainForm::mnuPredict17O, "predicting the 17O spectrum"},
     {&MainForm::mnuPredict19F, "predicting the 19F spectrum"},
     {&MainForm::mnuPredict31P, "predicting the 31P spectrum"},
+    {&MainForm::mnuComputeFit, "fitting to the measured spectrum"},
 };
 
 Text StepNameOf(const MenuItem& Item) {
@@ -353,7 +357,10 @@ void ConnectRooms() {
   };
   Rooms.SpectrumKey = PressSpectrumViewKey;
   Additions.BeforePaint = ShareSurface;
-  Additions.AfterPaint = DrawAdditions;
+  Additions.AfterPaint = [](DrawingContext& Context) {
+    DrawAdditions(Context);
+    IgnoreFailure([&] { DrawFitDifference(Context); });
+  };
   Additions.PeakPicked = ShowAtomsOfPeak;
   Additions.RangeChosen = AddIntegral;
   Additions.WidenWhole = WidenToMeasured;
@@ -461,6 +468,7 @@ void BuildProgram() {
   BuildIntegralForm();
   BuildProcessForm();
   BuildExportForm();
+  BuildFitForm();
   BuildRecordForm();
   BuildSmilesForm();
   GiveHelpContexts();
@@ -479,6 +487,7 @@ void BuildProgram() {
   AddZMatrixVariables();
   AddTypingVariables();
   AddMeasuredVariables();
+  AddFitVariables();
   AddMeasuredViewVariables();
   AddPeakMapSection();
   AddErrorBarSection();

@@ -233,6 +233,23 @@ void mnuComputeAll_Click() {
   RefreshView();
 }
 
+bool ComputeSpectrum() {
+  bool Success = false;
+  const bool Done = RunBusy([&] {
+    Success = Runs([] { return RunStage2("> "); });
+    SetFlagsAfterStage2(Success);
+  });
+  if (Done && Success) IgnoreFailure(TransferVBX);
+  return Done && Success;
+}
+
+bool ComputeFit(const std::function<bool()>& Prepare) {
+  bool Success = false;
+  const bool Done =
+      RunBusy([&] { Success = Runs([&] { return Prepare() && RunBackend("3", "> for the fit of the spectrum. "); }); });
+  return Done && Success;
+}
+
 int ComputeStages(int Stages, const std::function<void()>& Between) {
   int DoneStages = 0;
   const bool Done = RunBusy([&] {

@@ -17,6 +17,12 @@ void mnuComputeAll_Click();
 // first are there. The number of stages that are done; what went wrong has been shown.
 int ComputeStages(int Stages, const std::function<void()>& Between);
 
+// Computes the spectrum without a question about its size; what went wrong has been shown.
+bool ComputeSpectrum();
+// Runs the third stage, the fit, once Prepare has written its input. False: Prepare has refused, the backend does not
+// start, or the user has given it up; nothing has changed then.
+bool ComputeFit(const std::function<bool()>& Prepare);
+
 // Makes the file exist and be empty, so that no earlier result is taken for a new one. Reports its failure.
 Flag EmptyResultFile(const Text& Path);
 // Blocks the command, not the window, until the process has ended, in whatever way. False: the user has given it up.

@@ -18,13 +18,6 @@ WorkspaceState& W = Workspace;
 // Nuclei that are not observed stand this many ppm apart, beyond SpectrumSpan.
 constexpr Double OutOfRangeStep = 100.0;
 
-// A magnetically distinct group of NMR atoms.
-struct Site {
-  int Atom = 0;  // index of the NMR atom that stands for it
-  int Degeneracy = 1;
-  Double Shift = 0;  // ppm
-};
-
 // Duplicate members of an equivalent set have degeneracy 0; its first member has the set's size.
 int FindDegeneracy(int Atom) {
   int Degeneracy = 1;
@@ -40,8 +33,8 @@ int FindDegeneracy(int Atom) {
   return Degeneracy;
 }
 
-std::vector<Site> BuildSites() {
-  std::vector<Site> Sites;
+std::vector<SpinSite> BuildSites() {
+  std::vector<SpinSite> Sites;
   int OutOfRange = 0;
   for (int Atom = 0; Atom < W.NumNMRAtoms; ++Atom) {
     const int Degeneracy = FindDegeneracy(Atom);
@@ -54,10 +47,10 @@ std::vector<Site> BuildSites() {
 }
 
 // Only the sites with a counted spin, which the file holds.
-std::vector<Site> KeepCounted(const std::vector<Site>& All) {
-  std::vector<Site> Kept;
+std::vector<SpinSite> KeepCounted(const std::vector<SpinSite>& All) {
+  std::vector<SpinSite> Kept;
   W.NumSpinHalfNMRAtoms = 0;
-  for (const Site& Each : All) {
+  for (const SpinSite& Each : All) {
     if (!IsSet(W.NMRPairSpinHalf(Each.Atom, Each.Atom))) continue;
     Kept.push_back(Each);
     W.NumSpinHalfNMRAtoms += Each.Degeneracy;
@@ -67,18 +60,18 @@ std::vector<Site> KeepCounted(const std::vector<Site>& All) {
 
 void Print(TextView Line) { PrintLine(LineWork.FileNumber, Line); }
 
-void PrintSiteCounts(const std::vector<Site>& Sites) {
+void PrintSiteCounts(const std::vector<SpinSite>& Sites) {
   Text Line;
-  for (const Site& Each : Sites) Line += Join(W.NMRAtomicNumber[Each.Atom], " ");
+  for (const SpinSite& Each : Sites) Line += Join(W.NMRAtomicNumber[Each.Atom], " ");
   Line += ' ';
-  for (const Site& Each : Sites) Line += Join(Long{Each.Degeneracy}, " ");
+  for (const SpinSite& Each : Sites) Line += Join(Long{Each.Degeneracy}, " ");
   Print(Line + " ");
 }
 
-void PrintCouplings(const std::vector<Site>& Sites) {
-  for (const Site& Row : Sites) {
+void PrintCouplings(const std::vector<SpinSite>& Sites) {
+  for (const SpinSite& Row : Sites) {
     Text Line;
-    for (const Site& Column : Sites) {
+    for (const SpinSite& Column : Sites) {
       if (!Line.empty()) Line += ' ';
       // Both sites have a counted spin, so their pair has.
       Line += FormatNumber(W.Coupling(Row.Atom, Column.Atom), "0.000");
@@ -87,7 +80,7 @@ void PrintCouplings(const std::vector<Site>& Sites) {
   }
 }
 
-void WriteSites(const std::vector<Site>& Sites) {
+void WriteSites(const std::vector<SpinSite>& Sites) {
   Print(W.ParamDescription);
   Print(PrintForm(static_cast<Long>(Sites.size())));
   PrintSiteCounts(Sites);
@@ -96,7 +89,7 @@ void WriteSites(const std::vector<Site>& Sites) {
   Print("SHIELDING");
   if (!Sites.empty()) {
     Text Line;
-    for (const Site& Each : Sites) Line += (Line.empty() ? "" : " ") + FormatNumber(Each.Shift, "0.000");
+    for (const SpinSite& Each : Sites) Line += (Line.empty() ? "" : " ") + FormatNumber(Each.Shift, "0.000");
     Print(Line);
   }
   Print("COUPLING");
@@ -172,6 +165,12 @@ Flag FindSpinHalfNuclei() {
     ShowWarning("Error ocurred when selecting the type of NMR spectrum.");
     return False;
   }
+}
+
+std::vector<SpinSite> FindSpinSites() {
+  if (!IsSet(FindSpinHalfNuclei())) throw Failure("the observed nuclei could not be told");
+  ComputeChemicalShifts();
+  return KeepCounted(BuildSites());
 }
 
 Flag WriteSpectInput(const Text& Path) {

@@ -10,6 +10,7 @@
 #include "batch/HostCommands.h"
 #include "batch/UserActions.h"
 #include "files/FileCommands.h"
+#include "fit/FitCommands.h"
 #include "history/History.h"
 #include "history/Recovery.h"
 #include "measured/MeasuredCommands.h"
@@ -160,6 +161,48 @@ void Measured(const Words& All) {
   }
 }
 
+Double NeedPpm(const Text& Word) {
+  try {
+    return StrictNumber(Word);
+  } catch (const Failure&) {
+    throw ScriptStop{CannotCarryOut, "not a number: " + Word};
+  }
+}
+
+// Kinds, windows and atoms in any order; without a kind all of them.
+FitChoice ChooseFit(const Words& All) {
+  FitChoice Choice{.Shifts = false, .Couplings = false, .Width = false};
+  const std::map<Text, std::vector<bool FitChoice::*>> Kinds = {
+      {"all", {&FitChoice::Shifts, &FitChoice::Couplings, &FitChoice::Width}},
+      {"shifts", {&FitChoice::Shifts}},
+      {"couplings", {&FitChoice::Couplings}},
+      {"width", {&FitChoice::Width}}};
+  bool AnyKind = false;
+  for (std::size_t Word = 1; Word < All.size(); ++Word) {
+    const Text& Value = All[Word].Value;
+    if (const auto Kind = Kinds.find(Value); Kind != Kinds.end()) {
+      for (const auto Member : Kind->second) Choice.*Member = true;
+      AnyKind = true;
+    } else if (Value == "window") {
+      if (Word + 2 >= All.size()) throw ScriptStop{CannotCarryOut, "a window needs two ends in ppm"};
+      Choice.Windows.emplace_back(NeedPpm(All[Word + 1].Value), NeedPpm(All[Word + 2].Value));
+      Word += 2;
+    } else {
+      Choice.Atoms.push_back(ToInteger(NeedNumber(All, Word)));
+    }
+  }
+  if (!AnyKind) Choice.Shifts = Choice.Couplings = Choice.Width = true;
+  return Choice;
+}
+
+void FitSpectrum(const Words& All) {
+  if (!ModalForms().empty()) return PrintOut("refused fit");
+  const FitChoice Choice = ChooseFit(All);
+  bool Done = false;
+  RunRecorded("fitting to the measured spectrum", [&] { Done = FitToMeasured(Choice); });
+  if (Done) PrintOut("fit R = " + GeneralForm(ToSingle(Fit.R)));
+}
+
 void Echo(const Words& All) {
   Text Line;
   for (std::size_t Word = 1; Word < All.size(); ++Word) Line += (Word > 1 ? " " : "") + All[Word].Value;
@@ -229,6 +272,7 @@ std::map<Text, CommandRow>& Commands() {
       {"chart", {[](const Words& All) { pictures::WriteChartPicture(All[1].Value); }, 1, true}},
       {"save", {AfterTableEdit<SaveSpectrum>, 1, true}},
       {"measured", {AfterTableEdit<RecordMeasured>, 1, true}},
+      {"fit", {AfterTableEdit<FitSpectrum>, 0, true}},
       {"report", {[](const Words& All) { WriteReport(All[1].Value); }, 1, true}},
       {"undo", {[](const Words&) { GoStep(GoBack, "undone ", "nothing to undo"); }, 0, true}},
       {"redo", {[](const Words&) { GoStep(GoForward, "redone ", "nothing to redo"); }, 0, true}},

@@ -87,14 +87,14 @@ Double ScaleTrace(std::span<const Long> Shown, const TraceFrame& Frame) {
   return Largest > 0 ? Own * Share * int(V.ViewHeight) / Headroom / Largest : 0.0;
 }
 
+std::span<const Long> MeasuredPoints() {
+  return W.MeasuredPoint.Span().first(static_cast<std::size_t>(W.MeasuredCount));
+}
+
 void DrawMeasured(DrawingContext& Context) {
-  const std::span<const Long> Points = W.MeasuredPoint.Span().first(static_cast<std::size_t>(W.MeasuredCount));
-  TraceFrame Frame = PlaceTrace();
+  const std::span<const Long> Points = MeasuredPoints();
+  const TraceFrame Frame = PlaceMeasuredTrace();
   if (!(Frame.Step > 0)) return;
-  const auto [First, End] = FindShown(Points.size(), Frame);
-  if (First >= End) return;
-  Frame.Scale = ScaleTrace(Points.subspan(First, End - First), Frame);
-  if (PresentArrangement() == MirrorArrangement) Frame.Scale = -Frame.Scale;
   SelectPen(Context, MeasuredColour());
   DrawTrace(Context, Points, Frame);
   DrawIntegrals(Context, MeasuredColour(), V.ViewHeight, V.ViewWidth, ColumnOf);
@@ -246,6 +246,17 @@ void DrawTrace(DrawingContext& Context, std::span<const Long> Points, const Trac
     }
     Point = Next;
   }
+}
+
+TraceFrame PlaceMeasuredTrace() {
+  const std::span<const Long> Points = MeasuredPoints();
+  TraceFrame Frame = PlaceTrace();
+  if (!(Frame.Step > 0)) return {.Step = 0};
+  const auto [First, End] = FindShown(Points.size(), Frame);
+  if (First >= End) return {.Step = 0};
+  Frame.Scale = ScaleTrace(Points.subspan(First, End - First), Frame);
+  if (PresentArrangement() == MirrorArrangement) Frame.Scale = -Frame.Scale;
+  return Frame;
 }
 
 void ShareSurface() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "measured/MeasuredView.h"
 #include "platform/Picture.h"
 
 namespace zelvanor {
@@ -9,5 +10,8 @@ void ShareSurface();
 void DrawAdditions(DrawingContext& Context);
 // The window that shows everything shows all of the measured spectrum too.
 void WidenToMeasured(Double& Low, Double& High);
+
+// Where the measured spectrum is drawn, with its scale; Step is 0 where there is nothing to draw.
+TraceFrame PlaceMeasuredTrace();
 
 }  // namespace zelvanor

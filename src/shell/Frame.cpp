@@ -117,6 +117,7 @@ void UpdateCommands(int View) {
   Enable(Main.mnuViewSpectra, Has.Spectra || Has.Measured);
   Enable(Main.picToolbar[ToolSpectrum], Has.Spectra || Has.Measured);
   Enable(Main.mnuViewMeasured, Has.Measured);
+  Enable(Main.mnuComputeFit, Has.Measured && Has.Shielding && Has.Coupling);
   const bool Spectrum = View == SpectrumViewMode && (Has.Spectra || Has.Measured);
   Enable(Main.mnuViewLabels, Spectrum && Has.Spectra);
   Enable(Main.mnuViewTree, Spectrum && Has.Spectra);

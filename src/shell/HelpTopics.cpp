@@ -26,6 +26,7 @@ constexpr std::array Topics = {
     HelpTopic{"frmIntegrals", 31},
     HelpTopic{"frmProcess", 32},
     HelpTopic{"frmExport", 33},
+    HelpTopic{"frmFit", 34},
     HelpTopic{"frmBackend", 40},
     HelpTopic{"frmRecords", 41},
     HelpTopic{"frmSmiles", 41},

@@ -118,6 +118,7 @@ struct MainForm {
   MenuItem mnuPredict17O{&frmNMR, "mnuPredict17O"};
   MenuItem mnuPredict19F{&frmNMR, "mnuPredict19F"};
   MenuItem mnuPredict31P{&frmNMR, "mnuPredict31P"};
+  MenuItem mnuComputeFit{&frmNMR, "mnuComputeFit"};
   MenuItem mnuHelp{&frmNMR, "mnuHelp"};
   MenuItem mnuHelpContents{&frmNMR, "mnuHelpContents"};
   MenuItem mnuHelpUsing{&frmNMR, "mnuHelpUsing"};

@@ -132,6 +132,8 @@ constexpr std::array Rows = {
     Below(&M::mnuPredict, &M::mnuPredict17O, "&Oxygens (17O)", "", "Predict the 17O spectrum of the molecules."),
     Below(&M::mnuPredict, &M::mnuPredict19F, "&Fluorines (19F)", "", "Predict the 19F spectrum of the molecules."),
     Below(&M::mnuPredict, &M::mnuPredict31P, "P&hosphoruses (31P)", "", "Predict the 31P spectrum of the molecules."),
+    Disabled(Below(&M::mnuCompute, &M::mnuComputeFit, "&Fit to Measured...", "",
+                   "Fit shifts and couplings to the measured spectrum.")),
 
     Top(&M::mnuHelp, "&Help", "Show on-line help."),
     Below(&M::mnuHelp, &M::mnuHelpContents, "&Contents", "", "See the Table of Contents for the on-line help."),

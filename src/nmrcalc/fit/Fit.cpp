@@ -235,7 +235,11 @@ void KeepBetter(const FitModel& Model, std::vector<double> Start, double Blur, S
   }
   Search Other = RunSearch(Model, Start, Blur);
   Other.Steps += Best.Steps;
-  if (Other.Cost < Best.Cost)
+  // What is no more than chance leaves the values where they are nearer to their start.
+  constexpr double Significant = 9.0;  // of chi squared
+  const auto NumPoints = double(std::count(Model.Input.Counts.begin(), Model.Input.Counts.end(), true));
+  const double Times = CorrelationTime(Model.Input, EvaluateFit(Model, Best.Values, {}, 0.0).Residual);
+  if (Other.Cost < Best.Cost * (1.0 - std::min(0.5, Significant * Times / NumPoints)))
     Best = std::move(Other);
   else
     Best.Steps = Other.Steps;

@@ -34,8 +34,8 @@ struct TextCursor {
 // The tokens of a line, cut at blanks and tabs.
 std::vector<std::string_view> SplitTokens(std::string_view Text);
 
-// The next line, whole; that it is this keyword; its tokens, of which there have to be Count; its one number. What names
-// the line in the Failure.
+// The next line, whole; that it is this keyword; its tokens, of which there have to be Count; its one number. What
+// names the line in the Failure.
 const std::string& NextLine(TextCursor& Place, const std::string& What);
 void ReadKeyword(TextCursor& Place, const std::string& Keyword);
 std::vector<std::string_view> ReadRow(TextCursor& Place, std::size_t Count, const std::string& What);
