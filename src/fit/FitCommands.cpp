@@ -5,6 +5,7 @@
 
 #include "backend/Compute.h"
 #include "basic/NumberText.h"
+#include "history/History.h"
 #include "measured/MeasuredDrawing.h"
 #include "measured/MeasuredView.h"
 #include "platform/Paths.h"
@@ -75,15 +76,22 @@ bool FitToMeasured(const FitChoice& Choice) {
     ShowWarning(Why);
     return false;
   }
+  // The plan works the shifts out anew.
+  const Trial Before = BeginTrial();
+  bool Done = false;
   try {
     PlanFit(Choice);
+    Done = RunFit();
   } catch (const Failure& Met) {
     WarnOfFit(Met.What);
-    return false;
   }
-  if (!RunFit()) return false;
-  AcceptFit();
-  return true;
+  if (Done) {
+    AcceptFit();
+  } else {
+    TakeBack(Before);
+  }
+  RefreshView();
+  return Done;
 }
 
 void DrawFitDifference(DrawingContext& Context) {

@@ -5,6 +5,7 @@
 #include "basic/NumberText.h"
 #include "basic/Numbers.h"
 #include "fit/FitCommands.h"
+#include "history/History.h"
 #include "platform/Form.h"
 #include "shell/Frame.h"
 #include "workspace/Helpers.h"
@@ -169,9 +170,11 @@ void Fit_Click() {
 // The dialog gives way to the spectrum while the backend works, and comes back with the result.
 void mnuComputeFit_Click() {
   if (const Text Why = WhyNoFit(); !Why.empty()) return ShowWarning(Why);
+  const Trial Before = BeginTrial();  // the plan works the shifts out anew
   try {
     PlanFit({});
   } catch (const Failure& Problem) {
+    TakeBack(Before);
     return ShowWarning(Join("The spectrum can't be fitted: ", Problem.What, "."));
   }
   ShowWindow();
@@ -182,6 +185,7 @@ void mnuComputeFit_Click() {
     ShowModal(Dialog.frmFit);
     if (Wished == Wish::Run) RunFit();
     if (Wished == Wish::Accept) AcceptFit();
+    if (Wished == Wish::Nothing) TakeBack(Before);
     RefreshView();
   } while (Wished == Wish::Run);
 }

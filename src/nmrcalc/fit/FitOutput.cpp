@@ -7,7 +7,8 @@ namespace nmrcalc {
 
 namespace {
 constexpr int ValueDecimals = 7;
-}
+constexpr int ErrorDecimals = 9;  // 0 is for fixed values alone
+}  // namespace
 
 std::string FormatFit(const FitInput& Input, const FitResult& Result) {
   std::string Text = "Fit of the isotropic spin Hamiltonian to a measured spectrum, ";
@@ -19,7 +20,7 @@ std::string FormatFit(const FitInput& Input, const FitResult& Result) {
   for (std::size_t K = 0; K < Result.Values.size(); ++K) {
     const FittedValue& Own = Result.Values[K];
     Text += std::string(NameOfKind(Input.Parameters[K].Kind)) + " " + FixedNumber(Own.Value, ValueDecimals) + " " +
-            FixedNumber(Own.Error, ValueDecimals) + " " + std::to_string(Own.Partner + 1) + " " +
+            FixedNumber(Own.Error, ErrorDecimals) + " " + std::to_string(Own.Partner + 1) + " " +
             FixedNumber(Own.Correlation, 4) + (Own.IsAtBound ? " 1\n" : " 0\n");
   }
   Text += "SIMULATED " + std::to_string(Result.Simulated.size()) + "\n";
