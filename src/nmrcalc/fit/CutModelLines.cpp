@@ -24,6 +24,7 @@ struct CutTeam {
   const std::vector<LineDirection>& Directions;
   int Level = 0;
   const LineAxis& Axis;
+  const Neighbourhood& Near;  // a little way off it is the same
   std::vector<ClusterPlan> Plans{};
   std::atomic<std::size_t> NextPlan{0};
   std::mutex Lock{};
@@ -83,7 +84,7 @@ void AddPlanChange(CutTeam& Team, const ClusterPlan& Plan, std::size_t Direction
       if (Group.front() == Site) Cores.push_back(Group);
     }
   }
-  const auto Plans = PlanClusters(Moved, Team.Part.Part, Cores, Team.Level);
+  const auto Plans = PlanClusters(Moved, Team.Part.Part, Team.Near, Cores, Team.Level);
   if (Plans.size() != 1 || Plans[0].Sites != Plan.Sites || Plans[0].Cores != Plan.Cores) return;
   std::vector<double> Other(Nodes.size());
   AddPlan(Moved, Plans[0], Team.Axis, 1.0, Other);
@@ -122,12 +123,14 @@ void RunWorker(CutTeam& Team) {
 
 void AddCutPart(const SpectrumInput& System, const LinePart& Part, const std::vector<LineDirection>& Directions,
                 int Level, const LineAxis& Axis, LineNodes& Target) {
+  const Neighbourhood Near = FindNeighbours(System, Part.Part);
   CutTeam Team{.System = System,
                .Part = Part,
                .Directions = Directions,
                .Level = Level,
                .Axis = Axis,
-               .Plans = PlanClusters(System, Part.Part, Part.Cores, Level),
+               .Near = Near,
+               .Plans = PlanClusters(System, Part.Part, Near, Part.Cores, Level),
                .Target = Target};
   // The heaviest first, so that the cores end together.
   std::stable_sort(Team.Plans.begin(), Team.Plans.end(),
