@@ -67,7 +67,13 @@ bool RunFit() {
 
 void AcceptFit() {
   if (!Fit.Done) return;
-  TakeFitIntoTables();
+  const Trial Before = BeginTrial();
+  try {
+    TakeFitIntoTables();
+  } catch (const Failure& Met) {
+    TakeBack(Before);
+    return WarnOfFit(Met.What);
+  }
   ComputeSpectrum();
 }
 

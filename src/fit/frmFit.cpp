@@ -183,7 +183,7 @@ void mnuComputeFit_Click() {
     Wished = Wish::Nothing;
     FillList(0);
     ShowModal(Dialog.frmFit);
-    if (Wished == Wish::Run) RunFit();
+    if (Wished == Wish::Run && RunFit()) EnterSpectrumView();
     if (Wished == Wish::Accept) AcceptFit();
     if (Wished == Wish::Nothing) TakeBack(Before);
     RefreshView();
@@ -196,12 +196,13 @@ void BuildFitForm() {
   D.Label1.Caption = "&From (ppm):";
   D.Label2.Caption = "t&o:";
   D.Check1[0].Caption = "&Shifts";
-  D.Check1[1].Caption = "&Couplings";
+  D.Check1[1].Caption = "Coup&lings";
   D.Check1[2].Caption = "Line &width";
   SetUpButton(D.Command3, "&Begin Anew", Plan_Click, "Take the values anew from the tables");
   D.List1.AccessibleName = "Values that are fitted";
   D.List1.EmptyHint = "Nothing lies in the window.";
   D.List1.Click = List1_Click;
+  D.Label6.Caption = "not fitted yet";
   D.Check2.Caption = "F&ree";
   D.Label3.Caption = "&Value:";
   D.Label4.Caption = "fro&m:";

@@ -22,6 +22,7 @@ constexpr double CouplingBlur = 20.0;
 constexpr double WidthBlur = 5.0;
 // Blurred, a spectrum tells little of a coupling: 1 Hz from its start counts as this share of the residual.
 constexpr double HoldShare = 0.1;
+constexpr long MostWithClusters = 100;  // free parameters; more would take hours
 constexpr int StepsWhileBlurred = 12;
 constexpr int StepsAtLast = 60;
 
@@ -318,6 +319,13 @@ FitResult FitSpectrum(const FitInput& Input, Log& Report) {
   const std::vector<double> Start = StartValues(Input);
   Seeded.System = SystemWith(Input, Start);
   const FitModel Model = MakeFitModel(Seeded);
+  const auto NumFree = std::count_if(Input.Parameters.begin(), Input.Parameters.end(),
+                                     [](const FitParameter& Each) { return Each.IsFree; });
+  if (AnyCut(Model.Parts) && NumFree > MostWithClusters) {
+    throw zelvanor::Failure("There are too many spins: " + std::to_string(NumFree) +
+                            " values are free, and a system that is as large as this can have " +
+                            std::to_string(MostWithClusters) + "; fix some, or fit in a smaller window");
+  }
   Search Found = RunSearch(Model, Start, Input.Broadening);
   if (!AnyCut(Model.Parts)) SearchFurther(Model, Start, Found);
   AddToLog(Report, 1, std::to_string(Found.Steps) + " steps");
