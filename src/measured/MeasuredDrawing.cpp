@@ -113,10 +113,12 @@ void DrawLegend(DrawingContext& Context) {
   constexpr std::size_t LongestTitle = 30;
   const Text Title = W.MeasuredTitle.substr(0, LongestTitle);
   Entries.push_back({Join("measured", Title.empty() ? "" : ": ", Title), MeasuredColour()});
+  constexpr int Stroke = 16;
+  int Longest = 0;
+  for (const Entry& Each : Entries) Longest = std::max(Longest, TextPixels(Each.Words));
+  const int X = std::max(int(V.ViewWidth) - Longest - 2 * Stroke, 0);
   int Row = V.ViewHeight / MarkerShare + 4;
   for (const Entry& Each : Entries) {
-    constexpr int Stroke = 16;
-    const int X = std::max(int(V.ViewWidth) - TextPixels(Each.Words) - 2 * Stroke, 0);
     SelectPen(Context, Each.Pen);
     MoveTo(Context, X, Row + RowHeight / 2);
     LineTo(Context, X + Stroke, Row + RowHeight / 2);
@@ -125,25 +127,33 @@ void DrawLegend(DrawingContext& Context) {
   }
 }
 
-// Words at their signals in as many rows as it takes; what finds no room in them is left out.
+// Words at their signals, in few rows: more would cover the spectrum. What finds no room is counted.
 void DrawLabels(DrawingContext& Context, const std::vector<Multiplet>& Multiplets) {
-  constexpr std::size_t MostRows = 8;
+  constexpr std::size_t MostRows = 4;
   std::vector<int> FreeFrom(MostRows);
+  Long LeftOut = 0;
   const int Top = V.ViewHeight / MarkerShare + 4 + (HasMeasured() ? 2 * RowHeight : 0);
   const Colour Pen = WordsColour();
+  const auto Print = [&](int X, std::size_t Row, TextView Words) {
+    PrintAt(Context, X * TwipsPerPixelX, (Top + static_cast<int>(Row) * RowHeight) * TwipsPerPixelY, Words, Pen);
+  };
   for (const Multiplet& Each : Multiplets) {
     const Double Column = ColumnOf(Each.Ppm);
     if (Column < 0 || Column >= V.ViewWidth) continue;
     const Text Words = Join(MultipletAtoms(Each), "  ", MultipletWords(Each));
     const int Width = TextPixels(Words);
     const int X = std::clamp(static_cast<int>(Column) - Width / 2, 0, std::max(int(V.ViewWidth) - Width, 0));
-    for (std::size_t Row = 0; Row < MostRows; ++Row) {
-      if (FreeFrom[Row] > X) continue;
-      FreeFrom[Row] = X + Width + RowHeight;
-      PrintAt(Context, X * TwipsPerPixelX, (Top + static_cast<int>(Row) * RowHeight) * TwipsPerPixelY, Words, Pen);
-      break;
+    std::size_t Row = 0;
+    while (Row < MostRows && FreeFrom[Row] > X) ++Row;
+    if (Row == MostRows) {
+      ++LeftOut;
+      continue;
     }
+    FreeFrom[Row] = X + Width + RowHeight;
+    Print(X, Row, Words);
   }
+  if (LeftOut > 0)
+    Print(RowHeight, MostRows, Join("Zoom in for ", LeftOut, LeftOut == 1 ? " more label" : " more labels"));
 }
 
 // From the middle of the multiplet down, a level for each kind of coupling.

@@ -112,7 +112,13 @@ bool SetUpNucleus(const Nucleus& Observed, Long Frequency) {
 
 int ComputeNucleus(const Nucleus& Observed) {
   const std::vector<int> Classes = FindAtomClasses();
-  return ComputeStages(Observed.SpinHalf ? 2 : 1, [&] { ShareShieldings(Classes); });
+  // The reader of stage 1 would average couplings too, but of ten sets alone: here all classes share their shieldings.
+  W.NMRAtomsValid = False;
+  const int Done = ComputeStages(Observed.SpinHalf ? 2 : 1, [&] { ShareShieldings(Classes); });
+  // The atoms are of this molecule: tables name them by molecule and atom, as they do when the document is opened
+  // again.
+  W.NMRAtomsValid = True;
+  return Done;
 }
 
 void PredictSpectrum(const Nucleus& Observed) {

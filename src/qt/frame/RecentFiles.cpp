@@ -62,7 +62,7 @@ void RememberRecent(const QString& Path) {
 void AddRecentMenu(QMenuBar* Bar) {
   const auto* File = qobject_cast<QAction*>(ShownOf(Main.mnuFile));
   if (File == nullptr || File->menu() == nullptr) return;
-  auto* Recent = new QMenu("Open &Recent", Bar);
+  auto* Recent = new QMenu("Open Re&cent", Bar);
   QObject::connect(Recent, &QMenu::aboutToShow, Recent, [Recent] { FillMenu(Recent); });
   File->menu()->addMenu(Recent);
 }
