@@ -91,7 +91,7 @@ FitModel MakeFitModel(const FitInput& Input) {
   std::sort(Points.begin(), Points.end());
   if (!(Points.back() > Points.front())) throw zelvanor::Failure("The measured spectrum is flat in the windows");
   Model.Largest = Points.back() - Points.front();
-  Model.Ground = Points[Points.size() / 10];
+  Model.Ground = Points[Points.size() / 4];
   for (std::size_t K = 0; K < Input.Parameters.size(); ++K) {
     if (Input.Parameters[K].Kind == FitKind::Width) Model.Width = K;
     if (Input.Parameters[K].Kind == FitKind::Gauss) Model.Gauss = K;
