@@ -64,13 +64,14 @@ int ChooseNeighbour(int Atom, const std::vector<int>& Heavy, const std::vector<i
 // Six times the volume that three neighbours span with the centre, angstrom^3: above 0 where they turn to the left as
 // seen with the fourth one behind.
 Double VolumeAt(int Centre, const std::array<int, 3>& Of) {
-  std::array<std::array<Double, 3>, 3> V{};
-  for (std::size_t K = 0; K < Of.size(); ++K) {
-    V[K] = {Double{W.AtomX[Of[K]]} - W.AtomX[Centre], Double{W.AtomY[Of[K]]} - W.AtomY[Centre],
-            Double{W.AtomZ[Of[K]]} - W.AtomZ[Centre]};
-  }
-  return V[0][0] * (V[1][1] * V[2][2] - V[1][2] * V[2][1]) - V[0][1] * (V[1][0] * V[2][2] - V[1][2] * V[2][0]) +
-         V[0][2] * (V[1][0] * V[2][1] - V[1][1] * V[2][0]);
+  const auto ArmTo = [Centre](int Atom) {
+    return std::array<Double, 3>{Double{W.AtomX[Atom]} - W.AtomX[Centre], Double{W.AtomY[Atom]} - W.AtomY[Centre],
+                                 Double{W.AtomZ[Atom]} - W.AtomZ[Centre]};
+  };
+  const std::array<Double, 3> A = ArmTo(Of[0]);
+  const std::array<Double, 3> B = ArmTo(Of[1]);
+  const std::array<Double, 3> C = ArmTo(Of[2]);
+  return A[0] * (B[1] * C[2] - B[2] * C[1]) - A[1] * (B[0] * C[2] - B[2] * C[0]) + A[2] * (B[0] * C[1] - B[1] * C[0]);
 }
 
 }  // namespace
