@@ -9,6 +9,8 @@
 #include <limits>
 #include <map>
 
+#include "atomsets/AtomLinks.h"
+#include "atomsets/RingSides.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
@@ -19,15 +21,6 @@ namespace {
 WorkspaceState& W = Workspace;
 
 constexpr int LargestSet = 20;
-
-std::vector<int> NeighboursOf(int Atom) {
-  std::vector<int> All;
-  for (int N = 0; N < W.AtomCoordination[Atom]; ++N) {
-    const int Other = W.AtomNeighbour(Atom, N);
-    if (Other >= 0 && Other < W.NumAtoms) All.push_back(Other);
-  }
-  return All;
-}
 
 // Ranks of keys in their order, which is that of what they say and not of the atoms.
 template <class Key>
@@ -40,8 +33,6 @@ int Rank(const std::vector<Key>& Keys, std::vector<int>& Ranks) {
   for (const Key& One : Keys) Ranks.push_back(Places[One]);
   return Place;
 }
-
-using Links = std::vector<std::vector<int>>;
 
 std::vector<int> Refine(const Links& All) {
   std::vector<std::array<int, 3>> Start;
@@ -66,15 +57,6 @@ std::vector<int> Refine(const Links& All) {
   }
   return Ranks;
 }
-
-using Vector = std::array<Double, 3>;
-
-Vector Between(int From, int To) {
-  return {Double{W.AtomX[To]} - Double{W.AtomX[From]}, Double{W.AtomY[To]} - Double{W.AtomY[From]},
-          Double{W.AtomZ[To]} - Double{W.AtomZ[From]}};
-}
-
-Double Dot(const Vector& A, const Vector& B) { return A[0] * B[0] + A[1] * B[1] + A[2] * B[2]; }
 
 // The part of a vector that stands across the bond.
 Vector Across(const Vector& Value, const Vector& Bond) {
@@ -134,18 +116,15 @@ std::vector<int> DistancesFrom(const Links& All, int Start) {
   return Distances;
 }
 
-Links LinksOfAll() {
-  Links All;
-  for (int Atom = 0; Atom < W.NumAtoms; ++Atom) All.push_back(NeighboursOf(Atom));
-  return All;
-}
-
 }  // namespace
+
+std::vector<int> FindConstitutionalClasses() { return Refine(LinksOfAll()); }
 
 std::vector<int> FindAtomClasses() {
   const Links All = LinksOfAll();
   std::vector<int> Ranks = Refine(All);
   TellCisFromTrans(All, Ranks);
+  TellSidesOfRings(All, Ranks);
   // Numbered as they come.
   std::map<int, int> Numbers;
   for (int& One : Ranks) One = Numbers.emplace(One, static_cast<int>(Numbers.size()) + 1).first->second;

@@ -6,9 +6,12 @@
 
 namespace zelvanor {
 
-// The class of each atom of the atom table, from 1: atoms with the same surroundings share one, whatever the geometry
-// is. Of it only cis and trans count, for the hydrogens of a =CH2. The order of the atoms changes nothing but the
-// numbers.
+// The class of each atom of the atom table by its bonds alone.
+std::vector<int> FindConstitutionalClasses();
+
+// The class of each atom of the atom table, from 1: atoms with the same surroundings share one. Of the geometry only
+// cis and trans count: for the hydrogens of a =CH2, and for the two sides of a ring with a stereo centre. The order of
+// the atoms changes nothing but the numbers.
 std::vector<int> FindAtomClasses();
 
 // Sets of NMR atoms of one class that stand at the same distance, in bonds, from every NMR atom outside it, so that

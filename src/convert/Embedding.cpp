@@ -1,6 +1,7 @@
 // Distance geometry with experimental torsion knowledge (ETKDG version 3: S. Wang, J. Witte, G. A. Landrum, S. Riniker,
 // J. Chem. Inf. Model. 2020, 60, 2044), then a minimum of the MMFF94 force field, or of UFF where an atom has no MMFF94
-// type. Both depend on the order of the atoms, so they work on a copy in canonical order.
+// type. Both depend on the order of the atoms, so they work on a copy in canonical order. Rings that can be puckered in
+// several ways get the lowest of a few minima: couplings go by their torsion angles, and a boat would be taken as one.
 
 #include "convert/Embedding.h"
 
@@ -12,6 +13,10 @@
 #include <GraphMol/SmilesParse/SmilesParse.h>
 #include <GraphMol/SmilesParse/SmilesWrite.h>
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
 #include "basic/Failure.h"
 
 namespace zelvanor::convert {
@@ -21,23 +26,46 @@ namespace {
 constexpr int Seed = 20202;
 constexpr const char* Origin = "origin";  // property: the atom's index before
 
-bool TryEmbed(RDKit::ROMol& Whole, bool RandomStart, bool Knowledge) {
+bool TryEmbed(RDKit::ROMol& Whole, int Attempt, bool RandomStart, bool Knowledge) {
   auto Settings = Knowledge ? RDKit::DGeomHelpers::ETKDGv3 : RDKit::DGeomHelpers::ETDG;
-  Settings.randomSeed = Seed;
+  Settings.randomSeed = Seed + Attempt;
   Settings.useRandomCoords = RandomStart;
   Settings.maxIterations = 40;
   Settings.numThreads = 1;
   return RDKit::DGeomHelpers::EmbedMolecule(Whole, Settings) >= 0;
 }
 
-void CleanUp(RDKit::ROMol& Whole) {
+// Moves the atoms to a minimum of the force field; its energy, kcal/mol.
+double CleanUp(RDKit::ROMol& Whole) {
   constexpr int Steps = 1000;
   RDKit::MMFF::MMFFMolProperties Types(Whole);
-  if (Types.isValid()) {
-    RDKit::MMFF::MMFFOptimizeMolecule(Whole, Steps);
-  } else {
-    RDKit::UFF::UFFOptimizeMolecule(Whole, Steps);
+  return Types.isValid() ? RDKit::MMFF::MMFFOptimizeMolecule(Whole, Steps).second
+                         : RDKit::UFF::UFFOptimizeMolecule(Whole, Steps).second;
+}
+
+bool Embed(RDKit::ROMol& Whole, int Attempt, double& Energy) {
+  if (!TryEmbed(Whole, Attempt, false, true) && !TryEmbed(Whole, Attempt, true, true) &&
+      !TryEmbed(Whole, Attempt, true, false)) {
+    return false;
   }
+  try {
+    Energy = CleanUp(Whole);
+  } catch (const std::exception&) {
+    // Without a force field the places of the distance geometry stand.
+  }
+  return true;
+}
+
+// How many minima are looked at: fewer of large molecules, by the time they take.
+int CountAttempts(const RDKit::ROMol& Whole) {
+  constexpr unsigned Most = 10;
+  constexpr unsigned AtomsInAll = 300;
+  bool CanPucker = false;
+  for (const auto* Each : Whole.atoms()) {
+    CanPucker = CanPucker ||
+                (Each->getHybridization() == RDKit::Atom::SP3 && Whole.getRingInfo()->numAtomRings(Each->getIdx()) > 0);
+  }
+  return CanPucker ? static_cast<int>(std::clamp(AtomsInAll / Whole.getNumAtoms(), 1U, Most)) : 1;
 }
 
 bool Embed(RDKit::ROMol& Whole) {
@@ -45,12 +73,19 @@ bool Embed(RDKit::ROMol& Whole) {
     Whole.addConformer(new RDKit::Conformer(1), true);
     return true;
   }
-  if (!TryEmbed(Whole, false, true) && !TryEmbed(Whole, true, true) && !TryEmbed(Whole, true, false)) return false;
-  try {
-    CleanUp(Whole);
-  } catch (const std::exception&) {
-    // Without a force field the places of the distance geometry stand.
+  double Lowest = std::numeric_limits<double>::infinity();
+  if (!Embed(Whole, 0, Lowest)) return false;
+  RDKit::Conformer Best(Whole.getConformer());
+  const int NumAttempts = std::isfinite(Lowest) ? CountAttempts(Whole) : 1;
+  for (int Attempt = 1; Attempt < NumAttempts; ++Attempt) {
+    double Energy = std::numeric_limits<double>::infinity();
+    constexpr double Noise = 1e-3;  // kcal/mol; equal minima are found more than once
+    if (!Embed(Whole, Attempt, Energy) || !(Energy < Lowest - Noise)) continue;
+    Lowest = Energy;
+    Best = Whole.getConformer();
   }
+  Whole.clearConformers();
+  Whole.addConformer(new RDKit::Conformer(Best), true);
   return true;
 }
 

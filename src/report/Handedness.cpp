@@ -78,7 +78,7 @@ Double VolumeAt(int Centre, const std::array<int, 3>& Of) {
 
 std::map<std::pair<int, int>, bool> FindWedges(const std::vector<int>& Atoms, const std::vector<FlatPlace>& Places) {
   std::map<std::pair<int, int>, bool> Wedges;
-  const std::vector<int> Classes = FindAtomClasses();
+  const std::vector<int> Classes = FindConstitutionalClasses();
   std::map<int, FlatPlace> PlaceOf;
   for (std::size_t K = 0; K < Atoms.size(); ++K) PlaceOf[Atoms[K]] = Places[K];
   for (const int Centre : Atoms) {
