@@ -51,7 +51,7 @@ TEST(Engines, EveryOptionActsOnTheInput) {
                       {"ModifySlaterExponents = No\n", " C library 6-31g*\n"},
                       {"ComputeThreeCenterTerms = Yes\n", " tolerances tight\n"},
                       {"SCFAccelerateConvergence = Yes\n", " convergence fast\n"},
-                      {"SCFConvergenceLimit = 0.1\n", " convergence energy 0.000001000 "},
+                      {"SCFConvergenceLimit = 0.00001\n", " convergence energy 0.000000001 density 0.000000010 "},
                       {"SCFIterationLimit = 7\n", " iterations 7\n"},
                       {"TotalCharge = -2\n", "charge -2\n"}};
   for (const Row& Item : Rows) EXPECT_NE(InputOf(Item.Option).find(Item.Wanted), std::string::npos) << Item.Option;
@@ -145,7 +145,10 @@ TEST(Engines, EachFailureSaysWhatToDo) {
   };
   const Row Rows[] = {
       {"echo '(NWChem) 7.0.2'; kill -9 $$", "", "killed by signal 9"},
-      {"echo no such host; exit 1", "", "did not start NWChem; check it in Setup, Backend. It said: no such host"},
+      {"echo no such; echo ==== host; exit 1", "",
+       "did not start NWChem; check it in Setup, Backend. It said: no such host"},
+      {"echo '(NWChem) 7.0.2'; echo '(NWChem) 7.0.2'", "", "srun --mpi=pmi2"},
+      {"echo '(NWChem) 7.0.2'; echo 'EXIT STRING: Killed (signal 9)'; exit 9", "", "process of NWChem was killed"},
       {"echo '(NWChem) 7.0.2'; exit 3", "", "exit status 3"},
       {"echo '(NWChem) 9.9'; echo 'Total times  cpu:'", "", "output of NWChem 9.9 could not be understood"},
       {"exit 0", "Launcher = no-such-launcher -n %n\n", "launcher \"no-such-launcher\" was not found"},
@@ -170,10 +173,14 @@ TEST(Engines, NothingOfARunOutlivesIt) {
       .Directory = Folder.Path,
       .OutputPath = Folder.Path + "/out"};
   const auto Start = std::chrono::steady_clock::now();
-  const RunOutcome Outcome = RunSupervised(Run, [](double Seconds) {
-    if (Seconds > 0.5) raise(SIGTERM);
-  });
-  EXPECT_EQ(Outcome.End, RunEnd::Cancelled);
+  RunEnd End = RunEnd::NotStarted;
+  RunSupervised(
+      Run,
+      [](double Seconds) {
+        if (Seconds > 0.5) raise(SIGTERM);
+      },
+      [&](const RunOutcome& Outcome) { End = Outcome.End; });
+  EXPECT_EQ(End, RunEnd::Cancelled);
   EXPECT_LT(std::chrono::duration<double>(std::chrono::steady_clock::now() - Start).count(), 3.5);
   EXPECT_NE(std::system(("pgrep -f '^sleep " + Mark + "' >/dev/null").c_str()), 0);
 }

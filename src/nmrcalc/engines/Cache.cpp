@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -24,6 +25,8 @@ std::string PathOf(const std::string& Input, const char* Ending) {
   const std::string Directory = CacheDirectory();
   return Directory.empty() ? "" : Directory + "/" + HashOf(Input) + Ending;
 }
+
+constexpr const char* LockName = "lock";
 
 bool WriteWhole(const std::string& Path, const std::string& Text) {
   const std::string Temporary = Path + "." + std::to_string(getpid());
@@ -57,6 +60,14 @@ double BytesOf(const fs::path& Path) {
   return Sum;
 }
 
+bool IsLocked(const fs::path& Path) {
+  const int File = open(Path.c_str(), O_RDWR | O_CLOEXEC);
+  if (File < 0) return false;
+  const bool Locked = flock(File, LOCK_EX | LOCK_NB) != 0;
+  close(File);
+  return Locked;
+}
+
 void Prune(double Limit) {
   std::vector<Entry> Entries;
   std::error_code Error;
@@ -70,6 +81,7 @@ void Prune(double Limit) {
             [](const Entry& Left, const Entry& Right) { return Left.Time < Right.Time; });
   for (const Entry& Item : Entries) {
     if (Sum <= Limit) return;
+    if (IsLocked(Item.Path / LockName)) continue;  // a run that lives
     fs::remove_all(Item.Path, Error);
     Sum -= Item.Bytes;
   }
@@ -122,8 +134,11 @@ RestartFolder::RestartFolder(const std::string& Input) {
   const std::string Wanted = PathOf(Input, ".run");
   std::error_code Error;
   if (Wanted.empty() || (fs::create_directories(Wanted, Error), Error)) return;
-  Lock = open((Wanted + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-  if (Lock >= 0 && flock(Lock, LOCK_EX | LOCK_NB) == 0) Path = Wanted;
+  Lock = open((fs::path(Wanted) / LockName).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  if (Lock < 0 || flock(Lock, LOCK_EX | LOCK_NB) != 0) return;
+  // The run that held the lock until now may have taken the folder away.
+  struct stat Locked {};
+  if (fstat(Lock, &Locked) == 0 && Locked.st_nlink > 0) Path = Wanted;
 }
 
 RestartFolder::~RestartFolder() {

@@ -46,13 +46,16 @@ std::string MakeScratchDirectory(const std::string& Wanted) {
 
 std::string LastWords(const std::string& Output) {
   constexpr std::size_t Most = 300;
-  const std::string_view End = std::string_view(Output).substr(Output.size() - std::min(Output.size(), Most));
+  std::string End = Output.substr(Output.size() - std::min(Output.size(), Most));
+  if (End.size() < Output.size()) End.erase(0, End.find_first_of(" \n"));  // the rest of a word
+  std::replace_if(
+      End.begin(), End.end(), [](char C) { return C == '\n' || C == '\r'; }, ' ');
   std::string Text;
   for (const std::string_view Token : SplitTokens(End)) {
-    if (Token.find_first_not_of('-') == std::string_view::npos) continue;
+    if (Token.find_first_not_of("-=") == std::string_view::npos) continue;
     Text += (Text.empty() ? "" : " ") + std::string(Token);
   }
-  return Text;
+  return Text.empty() ? "nothing" : Text;
 }
 
 }  // namespace nmrcalc

@@ -15,7 +15,7 @@ void WriteScratchFile(const std::string& Path, const std::string& Text);
 // A new directory below Base or, where that is empty, below the system's for temporary files. Throws Failure.
 std::string MakeScratchDirectory(const std::string& Base);
 
-// The end of an output on one line, for a message.
+// The end of an output on one line, for a message; "nothing" when it holds no word.
 std::string LastWords(const std::string& Output);
 
 }  // namespace nmrcalc

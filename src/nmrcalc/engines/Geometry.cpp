@@ -54,20 +54,8 @@ std::string ReadCoordinates(const std::string& Path, const Molecule& System) {
   return Text;
 }
 
-std::string RunXtb(const ParamInput& Input, const EngineSettings& Settings, const std::string& Scratch, Log& Report) {
-  WriteScratchFile(Scratch + "/in.xyz", CoordinateText(Input.System));
-  const unsigned Threads = Settings.Processes > 0 ? static_cast<unsigned>(Settings.Processes)
-                                                  : std::max(1U, std::thread::hardware_concurrency());
-  const ProgramRun Run{
-      .Words = {Program, "in.xyz", "--gfn", "2", "--opt", "tight", "--chrg", std::to_string(Input.Quantum.Charge)},
-      .Directory = Scratch,
-      .OutputPath = Scratch + "/xtb.out",
-      .Environment = {{"OMP_NUM_THREADS", std::to_string(Threads)}, {"OMP_STACKSIZE", "1G"}},
-      .Remove = {Scratch},
-      .TimeLimit = 60.0 * Settings.TimeLimit};
-  const RunOutcome Outcome = RunSupervised(Run, [&](double) {
-    ReportProgress(0, 0, "Geometry: cycle " + std::to_string(CountCycles(ReadWholeFile(Run.OutputPath))));
-  });
+void ThrowUnlessOptimised(const ProgramRun& Run, const RunOutcome& Outcome, const EngineSettings& Settings,
+                          Log& Report) {
   const std::string Output = ReadWholeFile(Run.OutputPath);
   AddToLog(Report, 0, Output);
   if (Outcome.End == RunEnd::Cancelled) throw zelvanor::Failure("The optimisation was cancelled");
@@ -75,12 +63,34 @@ std::string RunXtb(const ParamInput& Input, const EngineSettings& Settings, cons
     throw zelvanor::Failure("The time limit of " + std::to_string(Settings.TimeLimit) +
                             " minutes (Setup, Backend) is over");
   }
-  if (Output.find("GEOMETRY OPTIMIZATION CONVERGED") == std::string::npos) {
-    throw zelvanor::Failure(
-        "xtb found no geometry; look at the charge and at atoms that are too near together. It said: " +
-        (Output.empty() ? Outcome.Problem : LastWords(Output)));
-  }
-  return ReadCoordinates(Scratch + "/xtbopt.xyz", Input.System);
+  if (Output.find("GEOMETRY OPTIMIZATION CONVERGED") != std::string::npos) return;
+  throw zelvanor::Failure(
+      "xtb found no geometry; look at the charge and at atoms that are too near together. It said: " +
+      (Output.empty() ? Outcome.Problem : LastWords(Output)));
+}
+
+std::string RunXtb(const ParamInput& Input, const EngineSettings& Settings, const std::string& Scratch, Log& Report) {
+  const unsigned Threads = Settings.Processes > 0 ? static_cast<unsigned>(Settings.Processes)
+                                                  : std::max(1U, std::thread::hardware_concurrency());
+  const ProgramRun Run{
+      .Words = {Program, "in.xyz", "--gfn", "2", "--opt", "tight", "--chrg", std::to_string(Input.Quantum.Charge)},
+      .Directory = Scratch,
+      .OutputPath = Scratch + "/xtb.out",
+      .Environment = {{"OMP_NUM_THREADS", std::to_string(Threads)}, {"OMP_STACKSIZE", "1G"}},
+      .Files = {{Scratch + "/in.xyz", CoordinateText(Input.System)}},
+      .Remove = {Scratch},
+      .TimeLimit = 60.0 * Settings.TimeLimit};
+  std::string Coordinates;
+  RunSupervised(
+      Run,
+      [&](double) {
+        ReportProgress(0, 0, "Geometry: cycle " + std::to_string(CountCycles(ReadWholeFile(Run.OutputPath))));
+      },
+      [&](const RunOutcome& Outcome) {
+        ThrowUnlessOptimised(Run, Outcome, Settings, Report);
+        Coordinates = ReadCoordinates(Scratch + "/xtbopt.xyz", Input.System);
+      });
+  return Coordinates;
 }
 
 }  // namespace
@@ -92,16 +102,7 @@ std::string OptimiseGeometry(const std::string& InputPath, const std::string& Wo
     throw zelvanor::Failure("xtb was not found; install the Debian package xtb to optimise geometries");
   }
   AddToLog(Report, 0, "Stage 4: geometry of " + std::to_string(Input.System.Atoms.size()) + " atoms by xtb, GFN2");
-  const std::string Scratch = MakeScratchDirectory(Settings.Scratch);
-  std::string Coordinates;
-  std::error_code Error;
-  try {
-    Coordinates = RunXtb(Input, Settings, Scratch, Report);
-  } catch (...) {
-    std::filesystem::remove_all(Scratch, Error);
-    throw;
-  }
-  std::filesystem::remove_all(Scratch, Error);
+  const std::string Coordinates = RunXtb(Input, Settings, MakeScratchDirectory(Settings.Scratch), Report);
   return "Geometry by xtb, GFN2-xTB\n" + Coordinates;
 }
 

@@ -129,16 +129,17 @@ std::string WholeInput(const NwchemJob& Job, const EngineSettings& Settings, con
 
 // Why a run that ended gave no result; empty when it gave all of it.
 std::string JudgeOutput(const NwchemJob& Job, const RunOutcome& Outcome, const NwchemOutput& Result,
-                        const std::string& Output, const std::string& Scratch) {
+                        const std::string& Output, const std::vector<std::string>& Directories) {
   const bool All = Result.Tensors.size() >= Job.NumTensors && Result.Couplings.size() >= Job.NumCouplings;
   if (Result.Finished && All && Result.Problem.empty()) return "";
-  if (Result.Version.empty()) {
-    return "The launcher line did not start NWChem; check it in Setup, Backend. It said: " +
-           (Output.empty() ? "nothing" : LastWords(Output));
-  }
   if (!Result.Problem.empty()) return Result.Problem;
-  if (IsFull(Scratch)) {
-    return "The disk of the scratch directory is full; free space on it or choose another one in Setup, Backend";
+  for (const std::string& Directory : Directories) {
+    if (!IsFull(Directory)) continue;
+    return "The disk of " + Directory +
+           " is full; free space on it, or choose another scratch directory or no kept results in Setup, Backend";
+  }
+  if (Result.Version.empty()) {
+    return "The launcher line did not start NWChem; check it in Setup, Backend. It said: " + LastWords(Output);
   }
   if (!Result.Finished && Outcome.Signal != 0) {
     return "NWChem was killed by signal " + std::to_string(Outcome.Signal) +
@@ -192,29 +193,22 @@ std::string StartOnce(const NwchemJob& Job, const EngineSettings& Settings, cons
   // The output outlives the run, everything else goes with it.
   const std::string Kept = Permanent.empty() ? Scratch : Permanent;
   const std::string Input = WholeInput(Job, Settings, Scratch, Kept, Restart);
-  RunOutcome Outcome;
+  AddToLog(Report, 0, "NWChem starts" + std::string(Restart ? ", from the wave function of an earlier run" : "") + ":");
+  for (const std::string& Word : Run.Words) Report.Text += Report.Path.empty() ? "" : " " + Word;
+  AddToLog(Report, 0, "\n" + Input);
+  WriteLog(Report);
+  Run.Files = {{Run.Words.back(), Input}};
+  std::size_t KnownSize = 0;
   std::string Output;
-  try {
-    WriteScratchFile(Scratch + "/zelvanor.nw", Input);
-    AddToLog(Report, 0,
-             "NWChem starts" + std::string(Restart ? ", from the wave function of an earlier run" : "") + ":");
-    for (const std::string& Word : Run.Words) Report.Text += Report.Path.empty() ? "" : " " + Word;
-    AddToLog(Report, 0, "\n" + Input);
-    WriteLog(Report);
-    std::size_t KnownSize = 0;
-    Outcome = RunSupervised(Run, [&](double) { ReportSteps(Job, Run.OutputPath, KnownSize); });
-    Output = ReadWholeFile(Run.OutputPath);
-    AddToLog(Report, 0, Output);
-    Result = ReadNwchemOutput(Output);
-    ThrowUnlessEnded(Outcome, Settings, Run.Words[0]);
-    Problem = JudgeOutput(Job, Outcome, Result, Output, Scratch);
-  } catch (...) {
-    std::error_code Error;
-    fs::remove_all(Scratch, Error);
-    throw;
-  }
-  std::error_code Error;
-  fs::remove_all(Scratch, Error);
+  RunSupervised(
+      Run, [&](double) { ReportSteps(Job, Run.OutputPath, KnownSize); },
+      [&](const RunOutcome& Outcome) {
+        Output = ReadWholeFile(Run.OutputPath);
+        AddToLog(Report, 0, Output);
+        Result = ReadNwchemOutput(Output);
+        ThrowUnlessEnded(Outcome, Settings, Run.Words[0]);
+        Problem = JudgeOutput(Job, Outcome, Result, Output, {Scratch, Kept});
+      });
   return Output;
 }
 

@@ -20,6 +20,9 @@ constexpr double UsualGradient = 5e-4;
 // Decimals, since the engine's Fortran reads no exponent of one digit with every format.
 constexpr int LimitDecimals = 9;
 
+// No limit is 0: an energy that has to stay the same to the last bit may never do so.
+std::string LimitText(double Limit) { return FixedNumber(std::max(Limit, 1e-9), LimitDecimals); }
+
 std::string PlaceText(const Vector3& Place) {
   std::string Text;
   for (const double Coordinate : Place) Text += " " + FixedNumber(Coordinate, 6);
@@ -64,9 +67,8 @@ std::string WaveFunctionText(const Level& Theory, const QuantumOptions& Options,
   const double Scale = Options.ConvergenceLimit / UsualLimit;
   std::string Text = "dft\n xc " + Theory.Functional + "\n direct\n iterations " +
                      std::to_string(Options.IterationLimit) + "\n convergence energy " +
-                     FixedNumber(UsualEnergy * Scale, LimitDecimals) + " density " +
-                     FixedNumber(UsualDensity * Scale, LimitDecimals) + " gradient " +
-                     FixedNumber(UsualGradient * Scale, LimitDecimals) + "\n";
+                     LimitText(UsualEnergy * Scale) + " density " + LimitText(UsualDensity * Scale) + " gradient " +
+                     LimitText(UsualGradient * Scale) + "\n";
   if (Options.Accelerate) Text += " convergence fast\n";
   if (Options.ThreeCenterTerms) Text += " tolerances tight\n";
   if (Unrestricted) Text += " odft\n";

@@ -23,6 +23,9 @@ struct ComplaintRow {
   const char* Mark;
   const char* Meaning;
 };
+constexpr const char* KilledMeaning =
+    "A process of NWChem was killed; if nobody did so, the machine lacks memory: give less of it or fewer processes in "
+    "Setup, Backend. Compute goes on from the last wave function";
 constexpr ComplaintRow Complaints[] = {
     {"needs UHF wave function", "NWChem computed no couplings, since it took a closed-shell wave function"},
     {"No space left on device",
@@ -57,6 +60,10 @@ constexpr ComplaintRow Complaints[] = {
      "every machine (Setup, Backend)"},
     {"error in the input file", "NWChem did not accept its input; a functional in nmrlevel.txt may be unknown to it"},
     {"error related to the specified geometry", "NWChem did not accept the geometry; look for atoms too near together"},
+    // What launchers tell of a process that was killed: MPICH's, Open MPI's, Slurm's.
+    {"Killed (signal 9)", KilledMeaning},
+    {"signal 9 (Killed)", KilledMeaning},
+    {": Killed", KilledMeaning},
 };
 
 struct LineReader {
@@ -158,11 +165,13 @@ NwchemOutput ReadNwchemOutput(const std::string& Text) {
   ComputedTensor Tensor;
   ComputedCoupling Pair;
   double Factor = 0.0;  // of the pair that is being told; 0: none
+  int NumRuns = 0;
   constexpr std::string_view Name = "(NWChem) ";
   while (NextLine(Reader)) {
     const std::string_view Line = Reader.Line;
-    if (const std::size_t Place = Line.find(Name); Place != std::string_view::npos && Output.Version.empty()) {
+    if (const std::size_t Place = Line.find(Name); Place != std::string_view::npos) {
       Output.Version = Line.substr(Place + Name.size());
+      ++NumRuns;
     } else if (Line.starts_with("Atom:")) {
       const auto Tokens = SplitTokens(Line);
       Tensor = {.Symbol = Tokens.size() > 2 ? std::string(Tokens[2]) : ""};
@@ -182,6 +191,12 @@ NwchemOutput ReadNwchemOutput(const std::string& Text) {
     }
   }
   FindProblem(Text, Output);
+  if (NumRuns > 1) {
+    Output.Problem =
+        "The launcher line started NWChem several times instead of once with several processes, since it belongs to "
+        "another message passing than the program; change one of them in Setup, Backend (with Slurm and nwchem.mpich: "
+        "srun --mpi=pmi2 -K -n %n)";
+  }
   return Output;
 }
 

@@ -18,6 +18,7 @@
 #include <thread>
 
 #include "basic/Failure.h"
+#include "nmrcalc/engines/EngineFiles.h"
 
 namespace nmrcalc {
 
@@ -185,38 +186,84 @@ pid_t StartProgram(const ProgramRun& Run, int& Problem) {
     Reap(Program, Report, Ended);
   }
   EndDescendants(Program, Report, Ended, Report.Stopped);
-  // A parent that is gone reads nothing and clears nothing up.
-  const bool Alone = write(ToParent, &Report, sizeof Report) != sizeof Report;
+  if (write(ToParent, &Report, sizeof Report) == sizeof Report) {
+    // The parent looks at what the run has left before it hangs up.
+    pollfd Parent{.fd = FromParent, .events = POLLIN, .revents = 0};
+    while (poll(&Parent, 1, -1) < 0 && errno == EINTR) {
+    }
+  }
   for (const std::string& Directory : Run.Remove) {
     std::error_code Error;
-    if (Alone) std::filesystem::remove_all(Directory, Error);
+    std::filesystem::remove_all(Directory, Error);
   }
   _exit(0);
 }
 
-// Waits for the keeper's report; closes the line to it when the run has to end before.
-RunOutcome WatchKeeper(const ProgramRun& Run, int& ToKeeper, int FromKeeper, const std::function<void(double)>& Watch) {
+// The line to a keeper. At its end the keeper is let go and clears up; without one that is done here.
+struct KeeperLine {
+  const ProgramRun& Run;
+  pid_t Keeper = -1;
+  int ToKeeper = -1;
+  int FromKeeper = -1;
+  explicit KeeperLine(const ProgramRun& Owner) : Run(Owner) {}
+  ~KeeperLine() {
+    if (ToKeeper >= 0) close(ToKeeper);
+    while (Keeper > 0 && waitpid(Keeper, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    if (FromKeeper >= 0) close(FromKeeper);
+    std::error_code Error;
+    for (const std::string& Directory : Run.Remove) std::filesystem::remove_all(Directory, Error);
+  }
+  KeeperLine(const KeeperLine&) = delete;
+  KeeperLine& operator=(const KeeperLine&) = delete;
+};
+
+// Starts a keeper; why that failed, else an empty text.
+std::string StartKeeper(const ProgramRun& Run, KeeperLine& Line) {
+  int Down[2] = {-1, -1};
+  int Up[2] = {-1, -1};
+  if (pipe2(Down, O_CLOEXEC) != 0 || pipe2(Up, O_CLOEXEC) != 0) {
+    std::string Problem = zelvanor::FailureTextFromErrno(errno);
+    for (const int End : Down) close(End);
+    return Problem;
+  }
+  Line.Keeper = fork();
+  if (Line.Keeper == 0) {
+    close(Down[1]);
+    close(Up[0]);
+    KeepProgram(Run, Down[0], Up[1]);
+  }
+  const int Problem = errno;
+  close(Down[0]);
+  close(Up[1]);
+  Line.ToKeeper = Down[1];
+  Line.FromKeeper = Up[0];
+  return Line.Keeper < 0 ? zelvanor::FailureTextFromErrno(Problem) : "";
+}
+
+// Waits for the keeper's report; asks it to end the run when that has to end before.
+RunOutcome WatchKeeper(const ProgramRun& Run, const KeeperLine& Line, const std::function<void(double)>& Watch) {
   const auto Start = Clock::now();
   const pid_t Starter = getppid();
   RunOutcome Outcome{.End = RunEnd::Ended};
   KeeperReport Report;
   ssize_t Count = -1;
   for (;;) {
-    pollfd Keeper{.fd = FromKeeper, .events = POLLIN, .revents = 0};
+    pollfd Keeper{.fd = Line.FromKeeper, .events = POLLIN, .revents = 0};
     if (poll(&Keeper, 1, WatchMilliseconds) > 0) {
-      Count = read(FromKeeper, &Report, sizeof Report);
+      Count = read(Line.FromKeeper, &Report, sizeof Report);
       if (Count >= 0 || errno != EINTR) break;
     }
     const double Seconds = SecondsSince(Start);
-    if (ToKeeper >= 0) {
+    if (Outcome.End == RunEnd::Ended) {
       if (Run.TimeLimit > 0 && Seconds > Run.TimeLimit) Outcome.End = RunEnd::TimedOut;
       if (EndAsked != 0 || getppid() != Starter) Outcome.End = RunEnd::Cancelled;
-      if (Outcome.End != RunEnd::Ended) {
-        close(ToKeeper);
-        ToKeeper = -1;
-      } else if (Watch) {
-        Watch(Seconds);
-      }
+    }
+    // Each time again: one that comes before the keeper listens is lost.
+    if (Outcome.End != RunEnd::Ended) {
+      kill(Line.Keeper, SIGTERM);
+    } else if (Watch) {
+      Watch(Seconds);
     }
   }
   Outcome.Seconds = SecondsSince(Start);
@@ -236,36 +283,13 @@ RunOutcome WatchKeeper(const ProgramRun& Run, int& ToKeeper, int FromKeeper, con
 
 }  // namespace
 
-RunOutcome RunSupervised(const ProgramRun& Run, const std::function<void(double)>& Watch) {
+void RunSupervised(const ProgramRun& Run, const std::function<void(double)>& Watch,
+                   const std::function<void(const RunOutcome&)>& Finish) {
   const EndSignals Signals;
-  int Down[2] = {-1, -1};
-  int Up[2] = {-1, -1};
-  if (pipe2(Down, O_CLOEXEC) != 0 || pipe2(Up, O_CLOEXEC) != 0) {
-    const std::string Problem = zelvanor::FailureTextFromErrno(errno);
-    for (const int End : Down) close(End);
-    return {.End = RunEnd::NotStarted, .Problem = Problem};
-  }
-  const pid_t Keeper = fork();
-  if (Keeper == 0) {
-    close(Down[1]);
-    close(Up[0]);
-    KeepProgram(Run, Down[0], Up[1]);
-  }
-  const int Problem = errno;
-  close(Down[0]);
-  close(Up[1]);
-  RunOutcome Outcome{.End = RunEnd::NotStarted};
-  if (Keeper < 0) {
-    Outcome.Problem = zelvanor::FailureTextFromErrno(Problem);
-  } else {
-    Outcome = WatchKeeper(Run, Down[1], Up[0], Watch);
-    if (Down[1] >= 0) close(Down[1]);
-    Down[1] = -1;
-    waitpid(Keeper, nullptr, 0);
-  }
-  if (Down[1] >= 0) close(Down[1]);
-  close(Up[0]);
-  return Outcome;
+  KeeperLine Line(Run);
+  for (const auto& [Path, Text] : Run.Files) WriteScratchFile(Path, Text);
+  const std::string Problem = StartKeeper(Run, Line);
+  Finish(Problem.empty() ? WatchKeeper(Run, Line, Watch) : RunOutcome{.End = RunEnd::NotStarted, .Problem = Problem});
 }
 
 std::string FindProgram(const std::string& Name) {

@@ -18,7 +18,8 @@ struct ProgramRun {
   std::string Directory{};           // where it runs
   std::string OutputPath{};          // takes its standard output and error
   std::vector<std::pair<std::string, std::string>> Environment{};  // set unless they are set already
-  std::vector<std::string> Remove{};  // directories that go if this process is gone before the program
+  std::vector<std::pair<std::string, std::string>> Files{};        // path and text, written before the start
+  std::vector<std::string> Remove{};  // directories that go with the run, even if this process is gone before
   double TimeLimit = 0.0;             // seconds; 0: none
 };
 
@@ -37,8 +38,11 @@ inline constexpr double GraceSeconds = 1.2;
 inline constexpr double KillSeconds = 1.2;
 
 // Runs the program to its end. Watch is called with the seconds gone, some five times a second.
-// SIGTERM and SIGINT, and the end of the process that started this one, cancel the run.
-RunOutcome RunSupervised(const ProgramRun& Run, const std::function<void(double)>& Watch);
+// SIGTERM and SIGINT, and the end of the process that started this one, cancel the run. Finish, which may throw, is
+// called once with the outcome, when no process of the run is left and before its directories go. Throws Failure for a
+// file that cannot be written.
+void RunSupervised(const ProgramRun& Run, const std::function<void(double)>& Watch,
+                   const std::function<void(const RunOutcome&)>& Finish);
 
 // The path of a program as a shell would find it; empty when there is none.
 std::string FindProgram(const std::string& Name);
