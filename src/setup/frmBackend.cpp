@@ -17,6 +17,7 @@
 #include "settings/SettingsState.h"
 #include "setup/NewGeometry.h"
 #include "shell/Frame.h"
+#include "shell/Progress.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
 
@@ -50,6 +51,13 @@ constexpr std::array<FieldRow, 7> Fields = {{
 }};
 constexpr Double LargestNumber = 100000;
 
+// A label's access key leads to the control made after it.
+struct SettingRow {
+  SettingRow(Form& Owner, int Index) : Label5(&Owner, "Label5", Index), Text1(&Owner, "Text1", Index) {}
+  Label Label5;
+  TextField Text1;
+};
+
 struct BackendForm {
   Form frmBackend{"frmBackend"};
   Label Label1{&frmBackend, "Label1"};
@@ -59,12 +67,8 @@ struct BackendForm {
   Label Label3{&frmBackend, "Label3"};
   ComboBox Combo3{&frmBackend, "Combo3"};  // level; the first row: by the method of the document
   CheckBox Check1{&frmBackend, "Check1"};
-  Label Label5[7] = {{&frmBackend, "Label5", 0}, {&frmBackend, "Label5", 1}, {&frmBackend, "Label5", 2},
-                     {&frmBackend, "Label5", 3}, {&frmBackend, "Label5", 4}, {&frmBackend, "Label5", 5},
-                     {&frmBackend, "Label5", 6}};
-  TextField Text1[7] = {{&frmBackend, "Text1", 0}, {&frmBackend, "Text1", 1}, {&frmBackend, "Text1", 2},
-                        {&frmBackend, "Text1", 3}, {&frmBackend, "Text1", 4}, {&frmBackend, "Text1", 5},
-                        {&frmBackend, "Text1", 6}};
+  SettingRow Rows[7] = {{frmBackend, 0}, {frmBackend, 1}, {frmBackend, 2}, {frmBackend, 3},
+                        {frmBackend, 4}, {frmBackend, 5}, {frmBackend, 6}};
   CommandButton Command3{&frmBackend, "Command3"};  // test
   CommandButton Command4{&frmBackend, "Command4"};  // geometry
   Label Label4{&frmBackend, "Label4"};              // what they gave
@@ -120,7 +124,7 @@ void Form_Activate() {
   SetListIndex(Dialog.Combo3, Index);
   SetValue(Dialog.Check1, EqualsIgnoringCase(ReadValue("Scaling", "No"), "Yes") ? 1 : 0);
   for (std::size_t Row = 0; Row < Fields.size(); ++Row) {
-    SetText(Dialog.Text1[Row], ReadValue(Fields[Row].Key, Fields[Row].Default));
+    SetText(Dialog.Rows[Row].Text1, ReadValue(Fields[Row].Key, Fields[Row].Default));
   }
   SetCaption(Dialog.Label4, "");
 }
@@ -137,7 +141,7 @@ std::vector<ProfileEntry> ShownEntries() {
   Entries.push_back({Section, "Level", Level > 0 ? Dialog.Combo3.Items[static_cast<std::size_t>(Level)] : Text()});
   Entries.push_back({Section, "Scaling", Dialog.Check1.Value != 0 ? "Yes" : "No"});
   for (std::size_t Row = 0; Row < Fields.size(); ++Row) {
-    const Text Value(TrimBlanks(Dialog.Text1[Row].Value));
+    const Text Value(TrimBlanks(Dialog.Rows[Row].Text1.Value));
     Entries.push_back({Section, Fields[Row].Key, Value.empty() ? Text(Fields[Row].Default) : Value});
   }
   return Entries;
@@ -146,15 +150,15 @@ std::vector<ProfileEntry> ShownEntries() {
 // False, with a box, for a number that is none.
 bool CheckNumbers() {
   for (std::size_t Row = 0; Row < Fields.size(); ++Row) {
-    if (!Fields[Row].IsNumber || TrimBlanks(Dialog.Text1[Row].Value).empty()) continue;
+    if (!Fields[Row].IsNumber || TrimBlanks(Dialog.Rows[Row].Text1.Value).empty()) continue;
     Double Value = -1;
     try {
-      Value = StrictNumber(TrimBlanks(Dialog.Text1[Row].Value));
+      Value = StrictNumber(TrimBlanks(Dialog.Rows[Row].Text1.Value));
     } catch (const Failure&) {
     }
     if (Value >= 0 && Value <= LargestNumber && Value == RoundEven(Value)) continue;
-    ShowWarning(Join(Dialog.Text1[Row].Value, " is not valid.  Please enter a whole number from 0 to 100000."));
-    SetFocus(Dialog.Text1[Row]);
+    ShowWarning(Join(Dialog.Rows[Row].Text1.Value, " is not valid.  Please enter a whole number from 0 to 100000."));
+    SetFocus(Dialog.Rows[Row].Text1);
     return false;
   }
   return true;
@@ -173,8 +177,10 @@ void Command1_Click() {
   HideForm(Dialog.frmBackend);
 }
 
+// Cancel: first what runs, then the dialog
 void Command2_Click() {
-  if (!Dialog.Running) HideForm(Dialog.frmBackend);
+  if (Dialog.Running) return AskCancel();
+  HideForm(Dialog.frmBackend);
 }
 
 // Runs the backend in a folder of its own; the first line of its output, or what went wrong.
@@ -184,8 +190,8 @@ Text RunBackendIn(const Text& Folder, TextView Stage, const char* Output) {
   Text Answer;
   try {
     std::filesystem::remove(OutputPath);
-    WaitForBackend(Platform.Shell(BackendWords(Stage, Folder)));
-    Answer = ReadWholeFile(OutputPath);
+    const bool Ended = WaitForBackend(Platform.Shell(BackendWords(Stage, Folder)));
+    Answer = Ended ? ReadWholeFile(OutputPath) : Text("ERRMSG: Cancelled.");
   } catch (const Failure& Problem) {
     Answer = Join("ERRMSG: ", Problem.What, ".");
   } catch (const std::filesystem::filesystem_error&) {
@@ -271,8 +277,8 @@ void SetUpControls() {
   D.Combo1.Items = D.Combo2.Items = Titles;
   D.Check1.Caption = "Shifts on the line of measured o&nes";
   for (std::size_t Row = 0; Row < Fields.size(); ++Row) {
-    D.Label5[Row].Caption = Fields[Row].Caption;
-    D.Text1[Row].AccessibleName = Fields[Row].Name;
+    D.Rows[Row].Label5.Caption = Fields[Row].Caption;
+    D.Rows[Row].Text1.AccessibleName = Fields[Row].Name;
   }
   D.Label4.AccessibleName = "Result";
   SetUpButton(D.Command3, "T&est", Command3_Click);
@@ -288,9 +294,7 @@ void BuildBackendForm() {
   SetUpControls();
   D.frmBackend.Activate = Form_Activate;
   std::vector<Arrangement> Rows;
-  for (std::size_t Row = 0; Row < Fields.size(); ++Row) {
-    Rows.push_back(RowOf({ItemOf(D.Label5[Row]), ItemOf(D.Text1[Row])}));
-  }
+  for (SettingRow& Row : D.Rows) Rows.push_back(RowOf({ItemOf(Row.Label5), ItemOf(Row.Text1)}));
   D.frmBackend.Layout = ColumnOf(
       {GroupOf("Engines", {RowOf({ItemOf(D.Label1), ItemOf(D.Combo1)}), RowOf({ItemOf(D.Label2), ItemOf(D.Combo2)}),
                            RowOf({ItemOf(D.Label3), ItemOf(D.Combo3)}), ItemOf(D.Check1)}),
