@@ -43,13 +43,13 @@ double CleanUp(RDKit::ROMol& Whole) {
                          : RDKit::UFF::UFFOptimizeMolecule(Whole, Steps).second;
 }
 
+// Leaves Energy alone where the molecule is hard to place, or has no force field.
 bool Embed(RDKit::ROMol& Whole, int Attempt, double& Energy) {
-  if (!TryEmbed(Whole, Attempt, false, true) && !TryEmbed(Whole, Attempt, true, true) &&
-      !TryEmbed(Whole, Attempt, true, false)) {
-    return false;
-  }
+  const bool IsEasy = TryEmbed(Whole, Attempt, false, true);
+  if (!IsEasy && (Attempt > 0 || (!TryEmbed(Whole, 0, true, true) && !TryEmbed(Whole, 0, true, false)))) return false;
   try {
-    Energy = CleanUp(Whole);
+    const double Found = CleanUp(Whole);
+    if (IsEasy) Energy = Found;
   } catch (const std::exception&) {
     // Without a force field the places of the distance geometry stand.
   }
