@@ -110,15 +110,25 @@ bool SetUpNucleus(const Nucleus& Observed, Long Frequency) {
   return true;
 }
 
+namespace {
+
+// The atoms count as not belonging to the molecule while this lives. Afterwards they do, also where the computation
+// threw: tables name them by molecule and atom, as they do when the document is opened again.
+class DetachedAtoms {
+ public:
+  DetachedAtoms() { W.NMRAtomsValid = False; }
+  ~DetachedAtoms() { W.NMRAtomsValid = True; }
+  DetachedAtoms(const DetachedAtoms&) = delete;
+  DetachedAtoms& operator=(const DetachedAtoms&) = delete;
+};
+
+}  // namespace
+
 int ComputeNucleus(const Nucleus& Observed) {
   const std::vector<int> Classes = FindAtomClasses();
   // The reader of stage 1 would average couplings too, but of ten sets alone: here all classes share their shieldings.
-  W.NMRAtomsValid = False;
-  const int Done = ComputeStages(Observed.SpinHalf ? 2 : 1, [&] { ShareShieldings(Classes); });
-  // The atoms are of this molecule: tables name them by molecule and atom, as they do when the document is opened
-  // again.
-  W.NMRAtomsValid = True;
-  return Done;
+  const DetachedAtoms Held;
+  return ComputeStages(Observed.SpinHalf ? 2 : 1, [&] { ShareShieldings(Classes); });
 }
 
 void PredictSpectrum(const Nucleus& Observed) {
