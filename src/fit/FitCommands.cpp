@@ -32,7 +32,7 @@ void WarnOfFit(const Text& Reason) {
 
 bool IsOfPresent() {
   return Fit.Done && Fit.MeasuredFirst == W.MeasuredFirst && Fit.MeasuredCount == W.MeasuredCount &&
-         Fit.First + static_cast<Long>(Fit.Simulated.size()) <= W.MeasuredCount;
+         Fit.First + static_cast<Long>(Fit.Simulated.size()) <= W.MeasuredCount && HasTakenValues();
 }
 
 }  // namespace

@@ -257,6 +257,7 @@ Text NameOfFitRow(const FitRow& Row) {
 }
 
 void TakeFitIntoTables() {
+  Fit.Taken.clear();
   const std::vector<int> SiteOf = FindSiteOfAtoms();
   const auto ForEachAtom = [&](int Site, auto Act) {
     for (int Atom = 0; Atom < W.NumNMRAtoms; ++Atom) {
@@ -264,23 +265,34 @@ void TakeFitIntoTables() {
     }
   };
   for (const FitRow& Row : Fit.Rows) {
-    if (!Row.Free) continue;
+    if (!Row.Free || Row.Error < 0) continue;
     for (const int Site : Row.Sites) {
       ForEachAtom(Site, [&](int Atom) {
         W.Shielding[Atom] = ToSingle(Double{W.Shielding[Atom]} + Double{W.ChemicalShift[Atom]} - Row.Value);
+        Fit.Taken.push_back({.First = Atom, .Value = W.Shielding[Atom]});
         // What is measured has no error bar of a prediction.
-        if (Atom <= W.ShieldingError.UpperBound()) W.ShieldingError[Atom] = ToSingle(std::max(Row.Error, 0.0));
+        if (Atom <= W.ShieldingError.UpperBound()) W.ShieldingError[Atom] = ToSingle(Row.Error);
       });
     }
     for (const auto& [A, B] : Row.Pairs) {
       ForEachAtom(A, [&, Other = B](int First) {
-        ForEachAtom(Other,
-                    [&](int Second) { W.Coupling(First, Second) = W.Coupling(Second, First) = ToSingle(Row.Value); });
+        ForEachAtom(Other, [&](int Second) {
+          W.Coupling(First, Second) = W.Coupling(Second, First) = ToSingle(Row.Value);
+          Fit.Taken.push_back({.First = First, .Second = Second, .Value = ToSingle(Row.Value)});
+        });
       });
     }
   }
   FindSpinSites();  // the shifts follow
   W.DocumentDirty = W.SpectResultsStale = True;
+}
+
+bool HasTakenValues() {
+  return std::all_of(Fit.Taken.begin(), Fit.Taken.end(), [](const TakenValue& Each) {
+    if (Each.First >= W.NumNMRAtoms || Each.Second >= W.NumNMRAtoms) return false;
+    if (Each.Second < 0) return Each.First <= W.Shielding.UpperBound() && W.Shielding[Each.First] == Each.Value;
+    return IsSet(W.CouplingAvailable) && W.Coupling(Each.First, Each.Second) == Each.Value;
+  });
 }
 
 }  // namespace zelvanor

@@ -28,6 +28,13 @@ struct FitRow {
   bool AtBound = false;
 };
 
+// What accepting has put into a table: the shielding of an NMR atom, or the coupling of two.
+struct TakenValue {
+  int First = 0;
+  int Second = -1;  // -1: a shielding
+  Single Value = 0;
+};
+
 struct FitState {
   std::vector<FitRow> Rows;
   std::vector<std::pair<Double, Double>> Windows;  // ppm, high and low
@@ -41,6 +48,7 @@ struct FitState {
   Long First = 0;
   Double MeasuredFirst = 0;
   Long MeasuredCount = 0;
+  std::vector<TakenValue> Taken;  // empty until the fit is accepted
 };
 extern FitState Fit;
 
@@ -65,7 +73,10 @@ Text NameOfFitRow(const FitRow& Row);
 void WriteFitInput(const Text& Path);
 void ReadFitResults(const Text& Path);
 
-// Puts fitted shifts and couplings into the tables; shifts by way of the reference shieldings.
+// Puts fitted shifts and couplings into the tables; shifts by way of the reference shieldings. What the spectrum does
+// not tell stays as it is.
 void TakeFitIntoTables();
+// Whether the tables still hold what was taken: not after undoing it, nor in another document.
+bool HasTakenValues();
 
 }  // namespace zelvanor

@@ -57,7 +57,7 @@ Text DescribeResult(const FitRow& Row) {
   if (!Row.Free) return "";
   Text Words = Join("  = ", Number(Row, Row.Value));
   if (Row.Error > 0) Words += Join(" +- ", FormatNumber(Row.Error, DecimalsOf(Row) == 4 ? "0.00000" : "0.000"));
-  if (Row.Error < 0) Words += ", not told by the spectrum";
+  if (Row.Error < 0) Words += ", not told by the spectrum: stays on Accept";
   if (Row.AtBound) Words += ", at its bound";
   if (Row.Correlation != 0) {
     Words += Join("; ", FormatNumber(Row.Correlation, "0.00"), " with ",
@@ -77,6 +77,9 @@ void FillList(int Chosen) {
   SetItems(Dialog.List1, Items);
   SetListIndex(Dialog.List1, Chosen < NumShownRows() ? Chosen : -1);
   SetEnabled(Dialog.Command1, ToFlag(Fit.Done));
+  // Enter does what comes next when the dialog is shown.
+  Dialog.Command1.IsDefault = Fit.Done;
+  Dialog.Command5.IsDefault = !Fit.Done;
   SetCaption(Dialog.Label6,
              Fit.Done ? Join("R ", FormatNumber(Fit.R, "0.00000"), ", noise ", GeneralForm(ToSingle(Fit.Noise)))
                       : Text("not fitted yet"));
@@ -185,7 +188,10 @@ void mnuComputeFit_Click() {
     ShowModal(Dialog.frmFit);
     if (Wished == Wish::Run && RunFit()) EnterSpectrumView();
     if (Wished == Wish::Accept) AcceptFit();
-    if (Wished == Wish::Nothing) TakeBack(Before);
+    if (Wished == Wish::Nothing) {
+      TakeBack(Before);
+      Fit.Done = false;  // its difference goes with it
+    }
     RefreshView();
   } while (Wished == Wish::Run);
 }
