@@ -40,8 +40,9 @@ bool IsOfPresent() {
 bool RunFit() {
   Fit.Done = false;
   Text Problem;
-  ShowStatus("Fitting to the measured spectrum...");
   const bool Done = ComputeFit([&] {
+    // Told while busy: the status line follows the work, with bar and Cancel, from then on.
+    ShowStatus("Fitting to the measured spectrum...");
     if (!IsSet(EmptyResultFile(FitFile("nmrfit.out")))) return false;
     try {
       WriteFitInput(FitFile("nmrfit.in"));
