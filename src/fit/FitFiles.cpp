@@ -136,6 +136,7 @@ void ReadFitResults(const Text& Path) {
     FitRow& Row = Fit.Rows[static_cast<std::size_t>(K)];
     Row.Value = StrictNumber(Words[1]);
     Row.Error = StrictNumber(Words[2]);
+    if (Row.Error > Row.High - Row.Low) Row.Error = -1;  // wider than its bounds: nothing is told
     Row.Partner = std::clamp(StrictLong(Words[3]) - 1, Long{0}, static_cast<Long>(Fit.Rows.size()) - 1);
     Row.Correlation = StrictNumber(Words[4]);
     Row.AtBound = Words[5] == "1";

@@ -58,7 +58,7 @@ struct EndSignals {
 struct KeeperReport {
   int StartProblem = 0;  // errno; 0: the program was started
   int Status = 0;        // of waitpid
-  bool Stopped = false;  // it had to be ended
+  int Stopped = 0;       // 1: it had to be ended; no bool, which would leave bytes behind it unset
 };
 
 // The parent of a process, from /proc/PID/stat, where the name in parentheses may hold anything; 0 when it is gone.
@@ -179,13 +179,13 @@ pid_t StartProgram(const ProgramRun& Run, int& Problem) {
   KeeperReport Report;
   const pid_t Program = StartProgram(Run, Report.StartProblem);
   bool Ended = Report.StartProblem != 0;
-  while (!Ended && !Report.Stopped) {
+  while (!Ended && Report.Stopped == 0) {
     pollfd Parent{.fd = FromParent, .events = POLLIN, .revents = 0};
     poll(&Parent, 1, KeeperMilliseconds);
-    Report.Stopped = EndAsked != 0 || Parent.revents != 0;
+    Report.Stopped = EndAsked != 0 || Parent.revents != 0 ? 1 : 0;
     Reap(Program, Report, Ended);
   }
-  EndDescendants(Program, Report, Ended, Report.Stopped);
+  EndDescendants(Program, Report, Ended, Report.Stopped != 0);
   if (write(ToParent, &Report, sizeof Report) == sizeof Report) {
     // The parent looks at what the run has left before it hangs up.
     pollfd Parent{.fd = FromParent, .events = POLLIN, .revents = 0};
