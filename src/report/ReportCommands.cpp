@@ -1,13 +1,17 @@
 #include "report/ReportCommands.h"
 
+#include "files/FileCommands.h"
 #include "platform/Paths.h"
 #include "platform/TextFiles.h"
 #include "report/Report.h"
 #include "workspace/Helpers.h"
+#include "workspace/Workspace.h"
 
 namespace zelvanor {
 
 namespace {
+
+WorkspaceState& W = Workspace;
 
 struct ReportForm {
   const char* Ending;
@@ -26,6 +30,17 @@ constexpr ReportForm Forms[] = {
     {".SDF", [](const Text& Path) { WriteWholeFile(Path, BuildNmreData()); }},
 };
 
+// That of the document or of the file that it came from; the folder is the last one that was used.
+Text SuggestReportName() {
+  for (const Text& Path : {W.DocumentPath, W.HostTextPath, W.ZMatrixPath}) {
+    if (Path.empty()) continue;
+    const Text Document = SuggestDocumentName(Path);
+    const Text Name(FileTitleOf(Document));
+    return Name.substr(0, Name.rfind('.')) + ".html";
+  }
+  return "*.html";
+}
+
 }  // namespace
 
 void WriteReport(const Text& Path) {
@@ -39,7 +54,7 @@ void WriteReport(const Text& Path) {
 void mnuFileReport_Click() {
   const std::optional<Text> Path =
       Platform.ShowFileDialog({.Title = "Report",
-                               .FileName = "*.html",
+                               .FileName = SuggestReportName(),
                                .Filter = "Page (*.html)|*.html|Pages to print (*.pdf)|*.pdf|Publication text (*.txt)|"
                                          "*.txt|NMReData (*.sdf)|*.sdf",
                                .DefaultExtension = "html",
