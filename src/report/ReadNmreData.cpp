@@ -35,10 +35,20 @@ struct Assigned {
   std::map<Text, Double> MHz;  // by nucleus, as "1H"
 };
 
+// Where the header of a field begins: its tag in a line that starts with ">", since a value may hold the same letters.
+std::size_t FindField(const Text& Record, const Text& Name) {
+  const Text Tag = "<NMREDATA_" + Name + ">";
+  for (std::size_t Place = Record.find(Tag); Place != Text::npos; Place = Record.find(Tag, Place + 1)) {
+    const std::size_t Start = Record.rfind('\n', Place) + 1;  // 0 in the first line
+    if (Start < Place && Record[Start] == '>') return Place;
+  }
+  return Text::npos;
+}
+
 // The entries of a field: its lines, cut at commas, without what stands behind ";" and the backslash at their ends.
 std::vector<std::vector<Text>> EntriesOf(const Text& Record, const Text& Name) {
   std::vector<std::vector<Text>> Entries;
-  std::size_t Place = Record.find("<NMREDATA_" + Name + ">");
+  std::size_t Place = FindField(Record, Name);
   if (Place == Text::npos) return Entries;
   Place = Record.find('\n', Place);
   while (Place != Text::npos && ++Place < Record.size()) {
@@ -157,11 +167,11 @@ void TakeAssigned(const Assigned& All) {
 Long FindRecord(const Text& File, Text& Record) {
   Long Number = 0;
   for (std::size_t Place = 0; Place < File.size();) {
-    const std::size_t End = std::min(File.find("$$$$", Place), File.size());
+    const std::size_t End = std::min(File.find("\n$$$$", Place), File.size());
     ++Number;
     Record = File.substr(Place, End - Place);
-    if (Record.find("<NMREDATA_ASSIGNMENT>") != Text::npos) return Number;
-    Place = End + 4;
+    if (FindField(Record, "ASSIGNMENT") != Text::npos) return Number;
+    Place = End + 5;
   }
   return 0;
 }
