@@ -308,6 +308,11 @@ bool TakeLeftWork(const LeftWork& Left) {
   return true;
 }
 
+bool MayReplaceFile(const Text& Path) {
+  return !IsSet(FileExists(Path)) ||
+         AskOkCancel("The file already exists.  Do you want to replace this file?") != BoxAnswer::Cancel;
+}
+
 void mnuFileSave_Click() {
   if (W.DocumentTitle.empty() || W.DocumentPath.empty()) {
     mnuFileSaveAs_Click();
@@ -323,12 +328,8 @@ void mnuFileSaveAs_Click() {
                                                               .DefaultExtension = Extension,
                                                               .Save = true});
   if (!Chosen) return;
-  W.DocumentPath = *Chosen;
-  if (IsSet(FileExists(W.DocumentPath)) &&
-      AskOkCancel("The file already exists.  Do you want to replace this file?") == BoxAnswer::Cancel) {
-    W.DocumentPath.clear();
-    return;
-  }
+  W.DocumentPath = MayReplaceFile(*Chosen) ? *Chosen : "";
+  if (W.DocumentPath.empty()) return;
   if (IsSet(WriteDocument(W.DocumentPath))) SetTitleFrom(*Chosen);
 }
 

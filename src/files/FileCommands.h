@@ -27,6 +27,9 @@ void TakeConverted(const Text& Source, const Text& Path);
 // Opens the file at a path as File > Open does, but without the question about unsaved work.
 void OpenPath(const Text& Path);
 
+// False where a file is there and the user wants to keep it.
+bool MayReplaceFile(const Text& Path);
+
 void mnuFileNew_Click();
 void mnuFileOpen_Click();
 void mnuFileSave_Click();

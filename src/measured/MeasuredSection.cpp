@@ -111,9 +111,7 @@ void ReadPoints(Integer FileNumber, Long Told) {
 }
 
 bool IsSound() {
-  constexpr Double Farthest = 1.0e12;
-  return W.MeasuredMHz > 0 && W.MeasuredMHz < Farthest && W.MeasuredFirst > W.MeasuredLast &&
-         std::fabs(W.MeasuredFirst) < Farthest && std::fabs(W.MeasuredLast) < Farthest && W.MeasuredFactor > 0 &&
+  return IsSoundAxis(W.MeasuredMHz, W.MeasuredFirst, W.MeasuredLast) && W.MeasuredFactor > 0 &&
          W.MeasuredFactor < 1.0e30 && W.IntegralTotal >= 0;
 }
 

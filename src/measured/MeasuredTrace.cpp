@@ -60,6 +60,11 @@ Text OneLine(TextView Value) {
 
 }  // namespace
 
+bool IsSoundAxis(Double MHz, Double First, Double Last) {
+  constexpr Double Farthest = 1.0e12;
+  return MHz > 0 && MHz < Farthest && First > Last && std::fabs(First) < Farthest && std::fabs(Last) < Farthest;
+}
+
 void TakeOverMeasured(const MeasuredSpectrum& From) {
   const Double MHz = From.MHz > 0 ? From.MHz : Double(W.NMRFrequency);
   if (!(MHz > 0)) throw Failure("neither the file nor the options say the spectrometer's frequency");
@@ -74,6 +79,7 @@ void TakeOverMeasured(const MeasuredSpectrum& From) {
     std::swap(First, Last);
     std::reverse(Points.begin(), Points.end());
   }
+  if (!IsSoundAxis(AsWritten(MHz), AsWritten(First), AsWritten(Last))) throw Failure("the axis makes no sense");
   W.MeasuredPoint.Assign(Points);
   W.MeasuredCount = static_cast<Long>(Points.size());
   W.MeasuredFactor = Factor;

@@ -4,6 +4,7 @@
 
 #include "basic/NumberText.h"
 #include "basic/Numbers.h"
+#include "files/FileCommands.h"
 #include "measured/CurveFiles.h"
 #include "measured/MeasuredTrace.h"
 #include "platform/Form.h"
@@ -80,11 +81,7 @@ void Ok_Click() {
                                                             .Filter = Join(Chosen.Caption, "|*.", Chosen.Ending),
                                                             .DefaultExtension = Chosen.Ending,
                                                             .Save = true});
-  if (!Path) return;
-  if (IsSet(FileExists(*Path)) &&
-      AskOkCancel("The file already exists.  Do you want to replace this file?") == BoxAnswer::Cancel) {
-    return;
-  }
+  if (!Path || !MayReplaceFile(*Path)) return;
   try {
     Write(Chosen, *Path);
   } catch (const Failure& Problem) {

@@ -59,11 +59,7 @@ void mnuFileReport_Click() {
                                          "*.txt|NMReData (*.sdf)|*.sdf",
                                .DefaultExtension = "html",
                                .Save = true});
-  if (!Path) return;
-  if (IsSet(FileExists(*Path)) &&
-      AskOkCancel("The file already exists.  Do you want to replace this file?") == BoxAnswer::Cancel) {
-    return;
-  }
+  if (!Path || !MayReplaceFile(*Path)) return;
   try {
     WriteReport(*Path);
   } catch (const Failure& Problem) {
