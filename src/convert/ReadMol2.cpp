@@ -59,7 +59,7 @@ void TakeBondLine(const LineWalk& Walk, Mol2State& State) {
   const TextView Type = Words[3];
   if (First < 0 || Second < 0 || Type == "nc") return;
   if (First == Second) Walk.Refuse("a bond of an atom to itself");
-  const int Order = Type == "ar" ? AromaticOrder : std::clamp(static_cast<int>(PrefixNumber(Type)), 1, 3);
+  const int Order = Type == "ar" ? AromaticOrder : static_cast<int>(std::clamp(PrefixNumber(Type), 1.0, 3.0));
   State.Whole.Bonds.push_back({First, Second, Order});
 }
 
@@ -77,7 +77,7 @@ void TakeAttribute(const LineWalk& Walk, Mol2State& State) {
   if (Words[0] == "charge") {
     if (State.Attributed >= 0) {
       State.Whole.Atoms[static_cast<std::size_t>(State.Attributed)].Charge =
-          std::clamp(static_cast<int>(PrefixNumber(Words[1])), -9, 9);
+          static_cast<int>(std::clamp(PrefixNumber(Words[1]), -9.0, 9.0));
     }
   } else if (const auto Found = State.AtomOfId.find(PrefixIndex(Words[0])); Found != State.AtomOfId.end()) {
     State.Attributed = Found->second;
