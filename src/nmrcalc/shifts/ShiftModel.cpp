@@ -35,14 +35,14 @@ constexpr double LargestLogScale = 4.0;
 struct Rows {
   std::size_t Count = 0;
   std::size_t Width = 0;
-  std::vector<double> Values{};
-  double* Row(std::size_t Index) { return Values.data() + Index * Width; }
-  const double* Row(std::size_t Index) const { return Values.data() + Index * Width; }
+  std::vector<float> Values{};
+  float* Row(std::size_t Index) { return Values.data() + Index * Width; }
+  const float* Row(std::size_t Index) const { return Values.data() + Index * Width; }
 };
 
-Rows MakeRows(std::size_t Count, std::size_t Width) { return {Count, Width, std::vector<double>(Count * Width)}; }
+Rows MakeRows(std::size_t Count, std::size_t Width) { return {Count, Width, std::vector<float>(Count * Width)}; }
 
-double Silu(double Value) { return Value / (1.0 + std::exp(-Value)); }
+float Silu(float Value) { return Value / (1.0F + std::exp(-Value)); }
 
 Rows ApplyLayer(const DenseLayer& Layer, const Rows& Inputs) {
   Rows Outputs = MakeRows(Inputs.Count, Layer.Weights.Rows);
@@ -56,21 +56,21 @@ Rows ApplyLayer(const DenseLayer& Layer, const Rows& Inputs) {
 }
 
 Rows ApplySilu(Rows Inputs) {
-  for (double& Value : Inputs.Values) Value = Silu(Value);
+  for (float& Value : Inputs.Values) Value = Silu(Value);
   return Inputs;
 }
 
 Rows Normalise(const Rows& Inputs) {
   Rows Outputs = Inputs;
-  constexpr double Smallest = 1e-5;
+  constexpr float Smallest = 1e-5F;
   for (std::size_t Index = 0; Index < Outputs.Count; ++Index) {
-    double* Row = Outputs.Row(Index);
-    const auto Width = static_cast<double>(Outputs.Width);
-    double Mean = 0.0;
+    float* Row = Outputs.Row(Index);
+    const auto Width = static_cast<float>(Outputs.Width);
+    float Mean = 0;
     for (std::size_t K = 0; K < Outputs.Width; ++K) Mean += Row[K] / Width;
-    double Variance = 0.0;
+    float Variance = 0;
     for (std::size_t K = 0; K < Outputs.Width; ++K) Variance += (Row[K] - Mean) * (Row[K] - Mean) / Width;
-    const double Factor = 1.0 / std::sqrt(Variance + Smallest);
+    const float Factor = 1.0F / std::sqrt(Variance + Smallest);
     for (std::size_t K = 0; K < Outputs.Width; ++K) Row[K] = (Row[K] - Mean) * Factor;
   }
   return Outputs;
@@ -95,16 +95,16 @@ Rows JoinColumns(const std::vector<const Rows*>& Parts) {
 struct DistancePlace {
   bool Counts = false;
   std::size_t Row = 0;
-  double Share = 0.0;
+  float Share = 0;
 };
 
 DistancePlace PlaceOf(float Distance) {
   if (Distance == NoDistance) return {};
-  if (Distance == UnknownDistance) return {true, NumDistanceRows - 1, 0.0};
+  if (Distance == UnknownDistance) return {true, NumDistanceRows - 1, 0.0F};
   const double Largest = static_cast<double>(NumDistanceRows) - 2.001;
   const double Place = std::clamp((Distance - FirstDistance) / DistanceStep, 0.0, Largest);
   const auto Row = static_cast<std::size_t>(Place);
-  return {true, Row, Place - static_cast<double>(Row)};
+  return {true, Row, static_cast<float>(Place - static_cast<double>(Row))};
 }
 
 // The messages along edges: first columns of the two ends in Ends, target rows by the edges' To.
@@ -113,23 +113,23 @@ Rows SumMessages(const EdgeWeights& Weights, const std::vector<ShiftEdge>& Edges
                  std::size_t (*GroupOf)(std::size_t Class)) {
   const std::size_t Width = Weights.Additive.Columns;
   Rows Sums = MakeRows(Count, Width);
-  std::vector<double> ByDistance(Width);
+  std::vector<float> ByDistance(Width);
   for (const ShiftEdge& Edge : Edges) {
-    const double* A = To.Row(Edge.To) + ToColumn;
-    const double* B = From.Row(Edge.From) + FromColumn;
-    const double* G = Weights.Additive.Values.data() + Edge.Class * Width;
-    const double* W = Weights.Factor.Values.data() + Edge.Class * Width;
-    double* Target = Sums.Row(Edge.To);
+    const float* A = To.Row(Edge.To) + ToColumn;
+    const float* B = From.Row(Edge.From) + FromColumn;
+    const float* G = Weights.Additive.Values.data() + Edge.Class * Width;
+    const float* W = Weights.Factor.Values.data() + Edge.Class * Width;
+    float* Target = Sums.Row(Edge.To);
     std::fill(ByDistance.begin(), ByDistance.end(), 0.0);
     const DistancePlace Place = Weights.ByDistance.Rows == 0 ? DistancePlace{} : PlaceOf(Edge.Distance);
     if (Place.Counts) {
-      const double* Near =
+      const float* Near =
           Weights.ByDistance.Values.data() + (GroupOf(Edge.Class) * NumDistanceRows + Place.Row) * Width;
-      const double* Far = Place.Share > 0.0 ? Near + Width : Near;
-      for (std::size_t K = 0; K < Width; ++K) ByDistance[K] = (1.0 - Place.Share) * Near[K] + Place.Share * Far[K];
+      const float* Far = Place.Share > 0 ? Near + Width : Near;
+      for (std::size_t K = 0; K < Width; ++K) ByDistance[K] = (1.0F - Place.Share) * Near[K] + Place.Share * Far[K];
     }
     for (std::size_t K = 0; K < Width; ++K) {
-      Target[K] += static_cast<double>(Edge.Weight) * W[K] * Silu(A[K] + B[K] + G[K] + ByDistance[K]);
+      Target[K] += Edge.Weight * W[K] * Silu(A[K] + B[K] + G[K] + ByDistance[K]);
     }
   }
   return Sums;
@@ -141,7 +141,7 @@ Rows DescribeNodes(const ShiftNetwork& Network, const ShiftGraph& Graph) {
   Rows State = MakeRows(Count, Network.Embedding.Columns);
   for (std::size_t Node = 0; Node < Count; ++Node) {
     for (const std::uint16_t Row : Graph.Features[Node]) {
-      const double* Source = Network.Embedding.Values.data() + Row * State.Width;
+      const float* Source = Network.Embedding.Values.data() + Row * State.Width;
       for (std::size_t K = 0; K < State.Width; ++K) State.Row(Node)[K] += Source[K];
     }
   }
@@ -167,7 +167,7 @@ Rows MeanOfParents(const Rows& Nodes, const ShiftGraph& Graph) {
     const auto& Parents = Graph.Parents[Hydrogen];
     for (const std::uint32_t Node : Parents) {
       for (std::size_t K = 0; K < Nodes.Width; ++K) {
-        Means.Row(Hydrogen)[K] += Nodes.Row(Node)[K] / static_cast<double>(Parents.size());
+        Means.Row(Hydrogen)[K] += Nodes.Row(Node)[K] / static_cast<float>(Parents.size());
       }
     }
   }
@@ -203,7 +203,7 @@ void AverageGroups(const std::vector<std::uint32_t>& Groups, std::vector<ShiftEs
   }
 }
 
-double LogScale(double Output) { return std::exp(std::clamp(Output, LeastLogScale, LargestLogScale)); }
+double LogScale(float Output) { return std::exp(std::clamp<double>(Output, LeastLogScale, LargestLogScale)); }
 
 // Spread tells the range of the nucleus: no bar goes beyond it, and without examples none is narrow.
 double ErrorBar(const ErrorCalibration& Calibration, double Scale, bool Seen, double Spread) {
@@ -319,13 +319,13 @@ ShiftPrediction PredictShifts(const ShiftModel& Model, const Molecule& System) {
     for (std::size_t Node = 0; Node < NumNodes; ++Node) {
       if (!Result.Nodes[Node].Known) continue;
       const std::size_t K = Nucleus[Node];
-      const double* Output = Heavy.Row(Node);
+      const float* Output = Heavy.Row(Node);
       Result.Nodes[Node].Shift += Share * (HeavyScales[K].Mean + HeavyScales[K].Spread * Output[K]);
       Result.Nodes[Node].Error += Share * HeavyScales[K].Base * LogScale(Output[NumHeavyNuclei + K]);
     }
     const Rows Hydrogens = DescribeHydrogens(Network, Graph, Nodes);
     for (std::size_t Hydrogen = 0; Hydrogen < Hydrogens.Count; ++Hydrogen) {
-      const double* Output = Hydrogens.Row(Hydrogen);
+      const float* Output = Hydrogens.Row(Hydrogen);
       ShiftEstimate& Item = Result.Hydrogens[Hydrogen];
       Item.Known = !Graph.Parents[Hydrogen].empty();
       Item.Shift += Share * (HydrogenScale.Mean + HydrogenScale.Spread * Output[0]);

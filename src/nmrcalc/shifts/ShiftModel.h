@@ -14,7 +14,7 @@ namespace nmrcalc {
 struct WeightMatrix {
   std::size_t Rows = 0;
   std::size_t Columns = 0;
-  std::vector<double> Values{};  // row by row
+  std::vector<float> Values{};  // row by row
 };
 
 struct DenseLayer {

@@ -63,12 +63,12 @@ WeightMatrix TakeMatrix(Bytes& File) {
   const char* Place = Take(File, Matrix.Rows * RowBytes);
   Matrix.Values.resize(Matrix.Rows * Matrix.Columns);
   std::vector<std::int16_t> Row(Matrix.Columns);
-  double* Target = Matrix.Values.data();
+  float* Target = Matrix.Values.data();
   for (std::size_t K = 0; K < Matrix.Rows; ++K, Place += RowBytes) {
     float Scale = 0.0F;
     std::memcpy(&Scale, Place, sizeof Scale);
     std::memcpy(Row.data(), Place + sizeof Scale, Row.size() * sizeof(std::int16_t));
-    for (const std::int16_t Value : Row) *Target++ = static_cast<double>(Scale) * Value;
+    for (const std::int16_t Value : Row) *Target++ = Scale * Value;
   }
   return Matrix;
 }

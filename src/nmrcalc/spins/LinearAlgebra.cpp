@@ -11,6 +11,9 @@ void dsyevd_(const char* Job, const char* Triangle, const int* Size, double* Mat
 void dgemm_(const char* LeftForm, const char* RightForm, const int* Rows, const int* Columns, const int* Inner,
             const double* Alpha, const double* Left, const int* LeftLeading, const double* Right,
             const int* RightLeading, const double* Beta, double* Target, const int* TargetLeading);
+void sgemm_(const char* LeftForm, const char* RightForm, const int* Rows, const int* Columns, const int* Inner,
+            const float* Alpha, const float* Left, const int* LeftLeading, const float* Right, const int* RightLeading,
+            const float* Beta, float* Target, const int* TargetLeading);
 // Only OpenBLAS has these; with another library they stay null.
 #ifdef NMRCALC_OPENBLAS_ARCHIVE
 #define NMRCALC_OPTIONAL
@@ -31,6 +34,21 @@ namespace {
 template <class Function>
 bool IsThere(Function* Entry) {
   return Entry != nullptr;
+}
+
+template <class Number>
+using Multiply = void(const char*, const char*, const int*, const int*, const int*, const Number*, const Number*,
+                      const int*, const Number*, const int*, const Number*, Number*, const int*);
+
+template <class Number>
+void MultiplyBy(Multiply<Number> Routine, const Number* Left, const Number* Right, Number* Target, std::size_t Rows,
+                std::size_t Columns, std::size_t Inner) {
+  const int NumRows = static_cast<int>(Rows);
+  const int NumColumns = static_cast<int>(Columns);
+  const int NumInner = static_cast<int>(Inner);
+  const Number One = 1;
+  const Number Zero = 0;
+  Routine("T", "N", &NumRows, &NumColumns, &NumInner, &One, Left, &NumInner, Right, &NumInner, &Zero, Target, &NumRows);
 }
 
 }  // namespace
@@ -69,12 +87,12 @@ void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::ve
 
 void MultiplyTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows, std::size_t Columns,
                         std::size_t Inner) {
-  const int NumRows = static_cast<int>(Rows);
-  const int NumColumns = static_cast<int>(Columns);
-  const int NumInner = static_cast<int>(Inner);
-  const double One = 1.0;
-  const double Zero = 0.0;
-  dgemm_("T", "N", &NumRows, &NumColumns, &NumInner, &One, Left, &NumInner, Right, &NumInner, &Zero, Target, &NumRows);
+  MultiplyBy(dgemm_, Left, Right, Target, Rows, Columns, Inner);
+}
+
+void MultiplyTransposed(const float* Left, const float* Right, float* Target, std::size_t Rows, std::size_t Columns,
+                        std::size_t Inner) {
+  MultiplyBy(sgemm_, Left, Right, Target, Rows, Columns, Inner);
 }
 
 }  // namespace nmrcalc

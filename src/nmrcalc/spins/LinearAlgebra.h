@@ -24,5 +24,7 @@ void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::ve
 // Target (Rows x Columns) = transpose of Left (Inner x Rows) times Right (Inner x Columns).
 void MultiplyTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows, std::size_t Columns,
                         std::size_t Inner);
+void MultiplyTransposed(const float* Left, const float* Right, float* Target, std::size_t Rows, std::size_t Columns,
+                        std::size_t Inner);
 
 }  // namespace nmrcalc
