@@ -12,14 +12,14 @@ namespace {
 constexpr int TypingMilliseconds = 300;
 constexpr int LookMilliseconds = 30;
 
-Drawing Shown;
+Sketch Shown;
 Long Asked = 0;    // counts what was asked for: a look for what came before ends
 Long Running = 0;  // the handle of the converter
 
 // The picture stays while what is typed makes no sense yet.
 void ShowProblem(const SmilesPreview& Where, const Text& Words) { SetCaption(*Where.Said, Words); }
 
-void ShowDrawing(const SmilesPreview& Where, Drawing Made, const Text& Words) {
+void ShowDrawing(const SmilesPreview& Where, Sketch Made, const Text& Words) {
   Shown = std::move(Made);
   Where.Picture->Description = Words;
   DrawStructure(*Where.Picture, Shown);
@@ -36,8 +36,7 @@ void Look(const SmilesPreview& Where, Long Wanted) {
   const ConverterAnswer Answer = PreviewAnswer(Status);
   if (Answer.Status != 0) return ShowProblem(Where, Answer.Message);
   Drawing Made = ReadDrawing(ReadWholeFile(PreviewPath()));
-  const Text Formula = Made.Formula;
-  ShowDrawing(Where, std::move(Made), Formula);
+  ShowDrawing(Where, std::move(Made.Structure), Made.Formula);
 }
 
 void Start(const SmilesPreview& Where, const Text& Smiles, Long Wanted) {

@@ -1,6 +1,7 @@
 #include "files/StructureDrawing.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 
@@ -18,22 +19,9 @@ constexpr std::size_t XWord = 7;
 constexpr std::size_t YWord = 8;
 constexpr std::size_t CountWord = 10;
 
-// All in pixels but the first, which is pixels to the angstrom.
-constexpr Double LargestScale = 28;
+// Pixels.
+constexpr Double LargestScale = 42;  // for a bond
 constexpr Double Margin = 26;
-constexpr Double LabelRadius = 8;  // that bonds keep from a label's middle
-constexpr Double LineGap = 4;      // between the lines of a double bond
-constexpr Double InnerCut = 4;     // off both ends of its line on the inner side
-
-struct Point {
-  Double X = 0;
-  Double Y = 0;
-};
-
-Point operator+(Point A, Point B) { return {A.X + B.X, A.Y + B.Y}; }
-Point operator-(Point A, Point B) { return {A.X - B.X, A.Y - B.Y}; }
-Point operator*(Point A, Double Factor) { return {A.X * Factor, A.Y * Factor}; }
-Double Cross(Point A, Point B) { return A.X * B.Y - A.Y * B.X; }
 
 struct Numbered {
   std::map<std::size_t, int> Charge, Hydrogens, Isotope;  // by atom, from 1
@@ -54,107 +42,67 @@ void TakeNote(const std::vector<Text>& Words, Numbered& Notes, Drawing& Made) {
 int LinesOf(const Text& Order) { return Order == "t" ? 3 : (Order == "d" ? 2 : 1); }
 
 // Atoms are numbered within their molecule, which begins behind First.
-void TakeAtom(const std::vector<Text>& Words, std::size_t First, Drawing& Made) {
+void TakeAtom(const std::vector<Text>& Words, std::size_t First, Sketch& Made) {
   if (Words.size() <= CountWord) return;
   const std::size_t Own = Made.Atoms.size();
-  Made.Atoms.push_back({.Symbol = Words[SymbolWord], .X = PrefixNumber(Words[XWord]), .Y = PrefixNumber(Words[YWord])});
+  Made.Atoms.push_back(
+      {.X = PrefixNumber(Words[XWord]), .Y = -PrefixNumber(Words[YWord]), .Symbol = Words[SymbolWord]});
   for (std::size_t Word = CountWord + 1; Word + 1 < Words.size(); Word += 2) {
     const std::size_t Other = First + static_cast<std::size_t>(PrefixIndex(Words[Word])) - 1;
-    if (Other < Own) Made.Bonds.push_back({Other, Own, LinesOf(Words[Word + 1])});
+    if (Other < Own) Made.Bonds.push_back({.First = Other, .Second = Own, .Order = LinesOf(Words[Word + 1])});
   }
 }
 
-bool HasLabel(const Drawing& Shown, std::size_t Atom) {
-  const DrawnAtom& This = Shown.Atoms[Atom];
-  if (This.Symbol != "C" || This.Charge != 0 || This.Isotope != 0) return true;
-  return std::none_of(Shown.Bonds.begin(), Shown.Bonds.end(),
-                      [&](const DrawnBond& Bond) { return Bond.First == Atom || Bond.Second == Atom; });
-}
+// Pixels to a length of a bond, and the pixel of a sketch's origin.
+struct Fitting {
+  Double Scale = 0;
+  Double OriginX = 0;
+  Double OriginY = 0;
+};
 
-std::vector<Point> PlacesOn(const PictureSurface& Surface, const Drawing& Shown) {
-  Point Low{Shown.Atoms[0].X, Shown.Atoms[0].Y};
-  Point High = Low;
-  for (const DrawnAtom& Atom : Shown.Atoms) {
-    Low = {std::min(Low.X, Atom.X), std::min(Low.Y, Atom.Y)};
-    High = {std::max(High.X, Atom.X), std::max(High.Y, Atom.Y)};
-  }
-  const Point Size{static_cast<Double>(Surface.Width) / TwipsPerPixelX,
-                   static_cast<Double>(Surface.Height) / TwipsPerPixelY};
+Fitting FitInto(const PictureSurface& Surface, const Sketch& Shown) {
+  const auto [Left, Right] = std::minmax_element(Shown.Atoms.begin(), Shown.Atoms.end(),
+                                                 [](const auto& A, const auto& B) { return A.X < B.X; });
+  const auto [Top, Bottom] = std::minmax_element(Shown.Atoms.begin(), Shown.Atoms.end(),
+                                                 [](const auto& A, const auto& B) { return A.Y < B.Y; });
+  const Double Width = static_cast<Double>(Surface.Width) / TwipsPerPixelX;
+  const Double Height = static_cast<Double>(Surface.Height) / TwipsPerPixelY;
   const auto Fit = [](Double Room, Double Extent) {
     return Extent > 0 ? std::max(Room - 2 * Margin, 1.0) / Extent : LargestScale;
   };
-  const Double Scale = std::min({LargestScale, Fit(Size.X, High.X - Low.X), Fit(Size.Y, High.Y - Low.Y)});
-  const Point Middle = (Low + High) * 0.5;
-  std::vector<Point> Places;
-  for (const DrawnAtom& Atom : Shown.Atoms) {
-    Places.push_back({Size.X / 2 + (Atom.X - Middle.X) * Scale, Size.Y / 2 - (Atom.Y - Middle.Y) * Scale});
-  }
-  return Places;
+  const Double Scale = std::min({LargestScale, Fit(Width, Right->X - Left->X), Fit(Height, Bottom->Y - Top->Y)});
+  return {Scale, (Width - Scale * (Left->X + Right->X)) / 2, (Height - Scale * (Top->Y + Bottom->Y)) / 2};
 }
 
-void Line(DrawingContext& Context, Point From, Point To) {
-  const auto Pixel = [](Double Value) { return static_cast<int>(std::lround(Value)); };
-  MoveTo(Context, Pixel(From.X), Pixel(From.Y));
-  LineTo(Context, Pixel(To.X), Pixel(To.Y));
+int PixelX(const Fitting& Into, Double X) { return static_cast<int>(std::lround(Into.OriginX + X * Into.Scale)); }
+int PixelY(const Fitting& Into, Double Y) { return static_cast<int>(std::lround(Into.OriginY + Y * Into.Scale)); }
+
+constexpr std::array<const char*, 10> Raised = {"\u2070", "\u00b9", "\u00b2", "\u00b3", "\u2074",
+                                                "\u2075", "\u2076", "\u2077", "\u2078", "\u2079"};
+constexpr std::array<const char*, 10> Lowered = {"\u2080", "\u2081", "\u2082", "\u2083", "\u2084",
+                                                 "\u2085", "\u2086", "\u2087", "\u2088", "\u2089"};
+
+// A number in such digits; 0 and Silent, which chemists do not write, are nothing.
+Text NumberIn(const std::array<const char*, 10>& Digits, int Value, int Silent) {
+  Text Words;
+  if (Value == 0 || Value == Silent) return Words;
+  for (const char Digit : GeneralForm(Long{Value})) Words += Digits[static_cast<std::size_t>(Digit - '0')];
+  return Words;
 }
 
-// On which side of a bond the rest of the molecule lies: above 0 where it is that of Across.
-Double SideOf(const Drawing& Shown, const std::vector<Point>& Places, const DrawnBond& Bond, Point Along) {
-  Double Side = 0;
-  for (const DrawnBond& Other : Shown.Bonds) {
-    for (const std::size_t End : {Bond.First, Bond.Second}) {
-      if (Other.First != End && Other.Second != End) continue;
-      const std::size_t Far = Other.First == End ? Other.Second : Other.First;
-      if (Far == Bond.First || Far == Bond.Second) continue;
-      Side += Cross(Along, Places[Far] - Places[End]);
-    }
-  }
-  return Side;
+int LetterPixels(TextView Words) {
+  const auto Letters = std::count_if(Words.begin(), Words.end(), [](char C) { return (C & 0xC0) != 0x80; });
+  return static_cast<int>(Letters) * DigitPixels;
 }
 
-void DrawBond(DrawingContext& Context, const Drawing& Shown, const std::vector<Point>& Places, const DrawnBond& Bond) {
-  const Point Whole = Places[Bond.Second] - Places[Bond.First];
-  const Double Length = std::hypot(Whole.X, Whole.Y);
-  if (Length < 1) return;
-  const Point Along = Whole * (1 / Length);
-  const Point Across{-Along.Y, Along.X};
-  const Double Label = std::min(LabelRadius, Length / 3);
-  const Point From = Places[Bond.First] + Along * (HasLabel(Shown, Bond.First) ? Label : 0);
-  const Point To = Places[Bond.Second] - Along * (HasLabel(Shown, Bond.Second) ? Label : 0);
-  const Double Side = SideOf(Shown, Places, Bond, Along);
-  if (Bond.Lines == 2 && std::fabs(Side) < Length) {  // the same on both sides
-    for (const Double Shift : {-LineGap / 2, LineGap / 2}) Line(Context, From + Across * Shift, To + Across * Shift);
-    return;
-  }
-  Line(Context, From, To);
-  const Point Cut = Along * std::min(InnerCut, Length / 4);
-  const Double Inner = Side < 0 ? -LineGap : LineGap;
-  if (Bond.Lines > 1) Line(Context, From + Across * Inner + Cut, To + Across * Inner - Cut);
-  if (Bond.Lines > 2) Line(Context, From - Across * Inner + Cut, To - Across * Inner - Cut);
-}
-
-Text ChargeOf(int Charge) {
-  if (Charge == 0) return {};
-  const int Size = std::abs(Charge);
-  return (Size > 1 ? GeneralForm(Long{Size}) : Text()) + (Charge > 0 ? "+" : "-");
-}
-
-// The hydrogens stand on the side without bonds.
-void DrawLabel(DrawingContext& Context, const Drawing& Shown, const std::vector<Point>& Places, std::size_t Atom) {
-  const DrawnAtom& This = Shown.Atoms[Atom];
-  Double Pull = 0;
-  for (const DrawnBond& Bond : Shown.Bonds) {
-    if (Bond.First == Atom) Pull += Places[Bond.Second].X - Places[Atom].X;
-    if (Bond.Second == Atom) Pull += Places[Bond.First].X - Places[Atom].X;
-  }
-  const Text Own = (This.Isotope > 0 ? GeneralForm(Long{This.Isotope}) : Text()) + This.Symbol;
-  Text Hydrogens = This.Hydrogens > 0 ? "H" : "";
-  if (This.Hydrogens > 1) Hydrogens += GeneralForm(Long{This.Hydrogens});
-  const bool Behind = Pull <= 1;
-  const Text Words = (Behind ? Own + Hydrogens : Hydrogens + Own) + ChargeOf(This.Charge);
-  const int Left =
-      static_cast<int>(std::lround(Places[Atom].X)) - TextPixels(Own) / 2 - (Behind ? 0 : TextPixels(Hydrogens));
-  const int Top = static_cast<int>(std::lround(Places[Atom].Y)) - SurfaceFontPixels / 2 - 1;
+void DrawLabel(DrawingContext& Context, const Fitting& Into, const SketchAtom& Atom) {
+  const Text Own = NumberIn(Raised, Atom.Isotope, 0) + Atom.Symbol;
+  const Text Hydrogens = (Atom.Hydrogens > 0 ? "H" : "") + NumberIn(Lowered, Atom.Hydrogens, 1);
+  const Text Sign = Atom.Charge == 0 ? "" : Atom.Charge > 0 ? "\u207a" : "\u207b";
+  const Text Words =
+      (Atom.HydrogensFirst ? Hydrogens + Own : Own + Hydrogens) + NumberIn(Raised, std::abs(Atom.Charge), 1) + Sign;
+  const int Left = PixelX(Into, Atom.X) - LetterPixels(Own) / 2 - (Atom.HydrogensFirst ? LetterPixels(Hydrogens) : 0);
+  const int Top = PixelY(Into, Atom.Y) - SurfaceFontPixels / 2 - 1;
   PrintAt(Context, TwipsFromPixels(Left), TwipsFromPixels(Top), Words, Context.Pen);
 }
 
@@ -163,6 +111,7 @@ void DrawLabel(DrawingContext& Context, const Drawing& Shown, const std::vector<
 Drawing ReadDrawing(TextView HostText) {
   Drawing Made;
   Numbered Notes;
+  std::vector<SketchAtom>& Atoms = Made.Structure.Atoms;
   std::size_t First = 0;
   while (!HostText.empty()) {
     const std::size_t End = std::min(HostText.find('\n'), HostText.size());
@@ -170,25 +119,32 @@ Drawing ReadDrawing(TextView HostText) {
     HostText.remove_prefix(std::min(End + 1, HostText.size()));
     if (Words.empty()) continue;
     if (Words[0] == ";") TakeNote(Words, Notes, Made);
-    if (Words[0] == "mol") First = Made.Atoms.size();
-    if (Words[0] == "atom") TakeAtom(Words, First, Made);
+    if (Words[0] == "mol") First = Atoms.size();
+    if (Words[0] == "atom") TakeAtom(Words, First, Made.Structure);
   }
-  for (std::size_t K = 0; K < Made.Atoms.size(); ++K) {
-    Made.Atoms[K].Charge = Notes.Charge[K + 1];
-    Made.Atoms[K].Hydrogens = Notes.Hydrogens[K + 1];
-    Made.Atoms[K].Isotope = Notes.Isotope[K + 1];
+  for (std::size_t K = 0; K < Atoms.size(); ++K) {
+    Atoms[K].Charge = Notes.Charge[K + 1];
+    Atoms[K].Hydrogens = Notes.Hydrogens[K + 1];
+    Atoms[K].Isotope = Notes.Isotope[K + 1];
   }
+  ScaleToBonds(Made.Structure);
+  ShortenSymbols(Made.Structure);
   return Made;
 }
 
-void DrawStructure(PictureSurface& Surface, const Drawing& Shown) {
+void DrawStructure(PictureSurface& Surface, const Sketch& Shown) {
   ClearPicture(Surface);
   if (Shown.Atoms.empty()) return;
-  const std::vector<Point> Places = PlacesOn(Surface, Shown);
+  const Fitting Into = FitInto(Surface, Shown);
+  std::vector<DrawnStroke> Strokes;
+  for (const SketchBond& Bond : Shown.Bonds) AddBondStrokes(Shown, Bond, Strokes);
   DrawingContext Context = GetDC(Surface);
-  for (const DrawnBond& Bond : Shown.Bonds) DrawBond(Context, Shown, Places, Bond);
-  for (std::size_t Atom = 0; Atom < Shown.Atoms.size(); ++Atom) {
-    if (HasLabel(Shown, Atom)) DrawLabel(Context, Shown, Places, Atom);
+  for (const DrawnStroke& Each : Strokes) {
+    MoveTo(Context, PixelX(Into, Each.X1), PixelY(Into, Each.Y1));
+    LineTo(Context, PixelX(Into, Each.X2), PixelY(Into, Each.Y2));
+  }
+  for (const SketchAtom& Atom : Shown.Atoms) {
+    if (!Atom.Symbol.empty()) DrawLabel(Context, Into, Atom);
   }
   ReleaseDC(Context);
 }

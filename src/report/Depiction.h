@@ -2,32 +2,18 @@
 
 #include <vector>
 
-#include "basic/Types.h"
+#include "files/StructureSketch.h"
 
 namespace zelvanor {
 
-// The molecules as one draws them on paper. Places are in lengths of a bond, from the top left corner, y down.
+// The molecules as one draws them on paper, from the top left corner, with the numbers of their NMR atoms.
 
-struct DrawnAtom {
-  int Atom = 0;  // index in the atom table; its hydrogens are not drawn, unless it is one itself
-  Double X = 0;
-  Double Y = 0;
-  Text Symbol;  // empty for a carbon, which its bonds show
-  int Hydrogens = 0;
-  bool HydrogensFirst = false;  // "HO", where the bond leads to the right
-  int Charge = 0;
+struct DrawnAtom : SketchAtom {
+  int Atom = 0;              // index in the atom table; its hydrogens are not drawn, unless it is one itself
   std::vector<int> Entries;  // NMR atoms that stand here: its own and those of its hydrogens
   Double NumbersX = 0;       // of the text with their numbers, and its middle line
   Double NumbersY = 0;
   int NumbersSide = 0;  // the text begins there (1), is centred (0) or ends there (-1)
-};
-
-enum class StrokeKind { Plain, Wedge, Hashes };
-
-// A line; a wedge and one of hashes are narrow at their first end.
-struct DrawnStroke {
-  Double X1 = 0, Y1 = 0, X2 = 0, Y2 = 0;
-  StrokeKind Kind = StrokeKind::Plain;
 };
 
 struct Depiction {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 
 #include "basic/Numbers.h"
 #include "files/Converter.h"
@@ -69,32 +68,11 @@ std::vector<FlatPlace> LookAlongThinnest(const std::vector<int>& Atoms) {
   return Places;
 }
 
-// The usual length of a bond becomes 1.
-void ScaleToBonds(std::vector<FlatPlace>& Places, const std::vector<int>& Atoms) {
-  std::vector<Double> Lengths;
-  for (std::size_t K = 0; K < Atoms.size(); ++K) {
-    for (int N = 0; N < W.AtomCoordination[Atoms[K]]; ++N) {
-      const auto Other = std::find(Atoms.begin(), Atoms.end(), int(W.AtomNeighbour(Atoms[K], N)));
-      if (Other == Atoms.end()) continue;
-      const FlatPlace& At = Places[static_cast<std::size_t>(Other - Atoms.begin())];
-      Lengths.push_back(std::hypot(At.X - Places[K].X, At.Y - Places[K].Y));
-    }
-  }
-  if (Lengths.empty()) return;
-  const auto Middle = Lengths.begin() + static_cast<std::ptrdiff_t>(Lengths.size() / 2);
-  std::nth_element(Lengths.begin(), Middle, Lengths.end());
-  if (!(*Middle > 0)) return;
-  const Double Length = *Middle;
-  for (FlatPlace& Each : Places) Each = {Each.X / Length, Each.Y / Length};
-}
-
 }  // namespace
 
 std::vector<FlatPlace> FindFlatPlaces(const std::vector<int>& Atoms) {
   std::vector<FlatPlace> Places = AskConverter(Atoms);
-  if (Places.empty()) Places = LookAlongThinnest(Atoms);
-  ScaleToBonds(Places, Atoms);
-  return Places;
+  return Places.empty() ? LookAlongThinnest(Atoms) : Places;
 }
 
 }  // namespace zelvanor

@@ -11,7 +11,7 @@ struct FlatPlace {
   Double Y = 0;  // up
 };
 
-// Places of these atoms (indices) on paper, in lengths of a bond, beside the list.
+// Places of these atoms (indices) on paper, in angstrom or another unit, beside the list.
 std::vector<FlatPlace> FindFlatPlaces(const std::vector<int>& Atoms);
 
 }  // namespace zelvanor

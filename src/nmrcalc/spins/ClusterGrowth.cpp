@@ -41,8 +41,8 @@ double MixingOf(const SpectrumInput& Input, const Neighbourhood& Near, std::size
     const double Difference = Input.J(A, Site) - Input.J(B, Site);
     if (Site != A && Site != B) Variance += 0.25 * Input.Sites[Site].Degeneracy * Difference * Difference;
   };
-  for (const Neighbour& Next : Near[A]) AddSpread(Next.Site);
-  for (const Neighbour& Next : Near[B]) {
+  for (const MixedSite& Next : Near[A]) AddSpread(Next.Site);
+  for (const MixedSite& Next : Near[B]) {
     if (Input.J(A, Next.Site) == 0.0) AddSpread(Next.Site);
   }
   const double J = Input.J(A, B);
@@ -69,7 +69,7 @@ std::vector<double> SpreadShare(const Neighbourhood& Near, const std::vector<std
     const auto [Value, Site] = Open.top();
     Open.pop();
     if (Value < Best[Site]) continue;
-    for (const Neighbour& Next : Near[Site]) {
+    for (const MixedSite& Next : Near[Site]) {
       const double Own = Value * ShareOfMixing * std::sqrt(Next.Mixing);
       if (Own <= Best[Next.Site] || Own < SmallestShare) continue;
       Best[Next.Site] = Own;
@@ -93,11 +93,11 @@ CouplingQueue RankCouplings(const SpectrumInput& Input, const Neighbourhood& Nea
   std::vector<RankedCoupling> Couplings;
   for (std::size_t Site = 0; Site < Share.size(); ++Site) {
     if (Share[Site] == 0.0) continue;
-    for (const Neighbour& Next : Near[Site]) {
+    for (const MixedSite& Next : Near[Site]) {
       const double J = Input.J(Site, Next.Site);
       Couplings.push_back({Share[Site] * Next.Mixing, Site, Next.Site});
       Seen[Next.Site] = std::max(Seen[Next.Site], Share[Site] * Visibility(J));
-      for (const Neighbour& Third : Near[Next.Site]) {
+      for (const MixedSite& Third : Near[Next.Site]) {
         if (Third.Site == Site) continue;
         const double Splitting = J - Input.J(Site, Third.Site);
         Couplings.push_back({Share[Site] * Visibility(Splitting) * Third.Mixing, Next.Site, Third.Site});
@@ -117,7 +117,7 @@ Neighbourhood FindNeighbours(const SpectrumInput& Input, const SpinPart& Part) {
     }
   }
   for (const std::size_t Site : Part.Sites) {
-    for (Neighbour& Next : Result[Site]) Next.Mixing = MixingOf(Input, Result, Site, Next.Site);
+    for (MixedSite& Next : Result[Site]) Next.Mixing = MixingOf(Input, Result, Site, Next.Site);
   }
   return Result;
 }
@@ -155,7 +155,7 @@ Growth GrowCluster(const SpectrumInput& Input, const Neighbourhood& Near, const 
     bool MayComeIn = true;
     const std::size_t NumMembers = Degeneracies.size();
     for (const std::size_t End : {Best.A, Best.B}) {
-      for (const Neighbour& Next : Near[End]) Open.push({Best.Score * Next.Mixing, End, Next.Site});
+      for (const MixedSite& Next : Near[End]) Open.push({Best.Score * Next.Mixing, End, Next.Site});
       MayComeIn = MayComeIn && Input.Sites[End].Observed;
       if (std::find(Result.Sites.begin(), Result.Sites.end(), End) != Result.Sites.end()) continue;
       Wanted.push_back(End);

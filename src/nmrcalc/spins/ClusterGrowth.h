@@ -12,11 +12,11 @@ namespace nmrcalc {
 
 inline constexpr auto NoSite = static_cast<std::size_t>(-1);
 
-struct Neighbour {
+struct MixedSite {
   std::size_t Site = 0;
   double Mixing = 0.0;  // how much of the other a state of one of the two holds: 0 first order, 1 equal shifts
 };
-using Neighbourhood = std::vector<std::vector<Neighbour>>;  // by site of the input
+using Neighbourhood = std::vector<std::vector<MixedSite>>;  // by site of the input
 
 // The couplings of a part. The mixing is the mean over the states of all others, whose couplings spread the distance of
 // the two.
