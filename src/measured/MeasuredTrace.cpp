@@ -50,15 +50,14 @@ Double ChooseFactor(const MeasuredSpectrum& From) {
   return AsWritten(Largest / OwnLargestPoint);
 }
 
-// A line of the document can hold it.
+}  // namespace
+
 Text OneLine(TextView Value) {
   constexpr std::size_t Longest = 200;
   Text Line;
   for (const char C : Value.substr(0, Longest)) Line += static_cast<unsigned char>(C) < ' ' ? ' ' : C;
   return Text(TrimWhite(Line));
 }
-
-}  // namespace
 
 bool IsSoundAxis(Double MHz, Double First, Double Last) {
   constexpr Double Farthest = 1.0e12;

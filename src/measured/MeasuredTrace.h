@@ -14,6 +14,9 @@ inline bool HasMeasured() { return Workspace.MeasuredCount > 0; }
 // Whether a document can hold this axis: MHz, and in Hz the place of the first point, the highest, and of the last.
 bool IsSoundAxis(Double MHz, Double First, Double Last);
 
+// A text as a line of the document can hold it: cut, and without control characters.
+Text OneLine(TextView Value);
+
 // Takes a spectrum (no FID) over into the document, the largest shift first. One without a frequency gets that of the
 // simulation. Throws a Failure and leaves the document as it was.
 void TakeOverMeasured(const MeasuredSpectrum& From);

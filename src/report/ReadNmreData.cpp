@@ -9,6 +9,7 @@
 #include "basic/Numbers.h"
 #include "files/Converter.h"
 #include "files/FileCommands.h"
+#include "measured/MeasuredTrace.h"
 #include "platform/TextFiles.h"
 #include "report/AssignedShifts.h"
 #include "shell/Frame.h"
@@ -151,7 +152,7 @@ void TakeAssigned(const Assigned& All) {
     }
   }
   StoreAssignedShifts(All.Shifts);
-  W.MeasuredSolvent = All.Solvent;
+  W.MeasuredSolvent = OneLine(All.Solvent);
   ChooseNucleus();
   if (const auto Told = All.MHz.find(ObservedNucleus()); Told != All.MHz.end()) {
     constexpr Double HighestField = 2000.0;  // MHz

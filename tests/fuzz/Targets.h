@@ -10,6 +10,8 @@
   TARGET(BackendSpect)       \
   TARGET(BackendTables)      \
   TARGET(Document)           \
+  TARGET(FitInput)           \
+  TARGET(FitResults)         \
   TARGET(HostText)           \
   TARGET(MeasuredFile)       \
   TARGET(MeasuredFolder)     \
