@@ -118,7 +118,7 @@ void DrawFitDifference(DrawingContext& Context) {
   SelectPen(Context, Pen);
   DrawTrace(Context, Difference, Frame);
   const int X = std::clamp(static_cast<int>(Frame.First) + 4, 4, std::max(int(SpectrumView.ViewWidth) - 80, 4));
-  PrintAt(Context, X * TwipsPerPixelX, (Frame.Foot + 2) * TwipsPerPixelY, "difference", Pen);
+  PrintOverLines(Context, X, Frame.Foot + 2, "difference", Pen);
 }
 
 void AddFitVariables() {

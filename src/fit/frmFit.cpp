@@ -77,9 +77,8 @@ void FillList(int Chosen) {
   SetItems(Dialog.List1, Items);
   SetListIndex(Dialog.List1, Chosen < NumShownRows() ? Chosen : -1);
   SetEnabled(Dialog.Command1, ToFlag(Fit.Done));
-  // Enter does what comes next when the dialog is shown.
-  Dialog.Command1.IsDefault = Fit.Done;
-  Dialog.Command5.IsDefault = !Fit.Done;
+  // Enter does what comes next.
+  SetDefault(Fit.Done ? Dialog.Command1 : Dialog.Command5);
   SetCaption(Dialog.Label6,
              Fit.Done ? Join("R ", FormatNumber(Fit.R, "0.00000"), ", noise ", GeneralForm(ToSingle(Fit.Noise)))
                       : Text("not fitted yet"));

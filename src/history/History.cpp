@@ -24,13 +24,16 @@ struct State {
 
 struct Step {
   Text Name;
-  State Before;  // of a step to redo: the state after it
+  State Before;        // of a step to redo: the state after it
+  int ViewBefore = 0;  // the views of the command, which going back and forth shows again
+  int ViewAfter = 0;
 };
 
 std::deque<Step> UndoSteps;
 std::deque<Step> RedoSteps;
 State Latest;   // gives what the next snapshot can share
 State Running;  // before the command that works
+int RunningView = 0;
 int Origin = 0;
 int LastOrigin = 0;
 int Depth = 0;
@@ -81,7 +84,8 @@ void EndCommand(const Text& Name, bool Merges) {
     return;
   }
   if (!SamePlace(Before.Document->Rest)) Origin = ++LastOrigin;
-  if (!Merges || UndoSteps.empty() || UndoSteps.back().Name != Name) UndoSteps.push_back({Name, Before});
+  if (!Merges || UndoSteps.empty() || UndoSteps.back().Name != Name) UndoSteps.push_back({Name, Before, RunningView});
+  UndoSteps.back().ViewAfter = W.ViewMode;
   RedoSteps.clear();
   DropOldSteps();
 }
@@ -110,13 +114,15 @@ void RunWork(const std::function<void()>& Work) {
   Work();
 }
 
-std::optional<Text> Go(std::deque<Step>& From, std::deque<Step>& To) {
+std::optional<Text> Go(std::deque<Step>& From, std::deque<Step>& To, int Step::*View) {
   if (From.empty() || Depth > 0) return std::nullopt;
-  Step Present{From.back().Name, TakeState()};
+  Step Going = From.back();
+  Going.Before = TakeState();
   RestoreSnapshot(*From.back().Before.Document);
   Origin = From.back().Before.Origin;
   From.pop_back();
-  To.push_back(std::move(Present));
+  W.ViewMode = Going.*View;
+  To.push_back(std::move(Going));
   if (HistoryChanged) HistoryChanged();
   return To.back().Name;
 }
@@ -127,6 +133,7 @@ void RunRecorded(const Text& Name, const std::function<void()>& Work, bool Merge
   if (!Work) return;
   if (Depth > 0) return Work();
   OrForget([] { Running = TakeState(); });
+  RunningView = W.ViewMode;
   try {
     RunWork(Work);
   } catch (...) {
@@ -142,8 +149,8 @@ bool IsRecording() { return Depth > 0; }
 Text UndoName() { return UndoSteps.empty() ? Text() : UndoSteps.back().Name; }
 Text RedoName() { return RedoSteps.empty() ? Text() : RedoSteps.back().Name; }
 
-std::optional<Text> UndoStep() { return Go(UndoSteps, RedoSteps); }
-std::optional<Text> RedoStep() { return Go(RedoSteps, UndoSteps); }
+std::optional<Text> UndoStep() { return Go(UndoSteps, RedoSteps, &Step::ViewBefore); }
+std::optional<Text> RedoStep() { return Go(RedoSteps, UndoSteps, &Step::ViewAfter); }
 
 void NoteSaved() {
   ForEachState([](const State& Each) {

@@ -25,8 +25,8 @@ bool IsRecording();
 // The name of the step that comes next; empty for none.
 Text UndoName();
 Text RedoName();
-// Goes one step; its name, or none where there is no step to go or a command works. Throws Failure or bad_alloc, and
-// nothing has changed then.
+// Goes one step and to the view that the command was given in, or left; its name, or none where there is no step to go
+// or a command works. Throws Failure or bad_alloc, and nothing has changed then.
 std::optional<Text> UndoStep();
 std::optional<Text> RedoStep();
 

@@ -110,8 +110,8 @@ void DrawIntegrals(DrawingContext& Context, Colour Pen, int Height, int Width, D
     if (LastColumn < 0) continue;
     const Text Value = FormatNumber(Values[static_cast<std::size_t>(Range)], "0.00");
     constexpr int AboveCurve = 14;
-    PrintAt(Context, std::clamp(LastColumn - TextPixels(Value), 0, Width) * TwipsPerPixelX,
-            std::clamp(Context.Y - AboveCurve, 0, Height) * TwipsPerPixelY, Value, Pen);
+    PrintOverLines(Context, std::clamp(LastColumn - TextPixels(Value), 0, Width),
+                   std::clamp(Context.Y - AboveCurve, 0, Height), Value, Pen);
   }
 }
 

@@ -100,6 +100,27 @@ void DrawMeasured(DrawingContext& Context) {
   DrawIntegrals(Context, MeasuredColour(), V.ViewHeight, V.ViewWidth, ColumnOf);
 }
 
+// Where Width columns meet the fewest lines between two rows; of equal places the one farthest to the right.
+int FindFreePlace(const PictureSurface& Surface, int Width, int Top, int Bottom) {
+  const int Whole = V.ViewWidth;
+  if (Whole <= Width) return 0;
+  std::vector<int> Met(static_cast<std::size_t>(Whole) + 1);  // columns that are met, left of each column
+  for (const PictureLine& Line : Surface.Lines) {
+    if (std::max(Line.Y1, Line.Y2) < Top || std::min(Line.Y1, Line.Y2) > Bottom) continue;
+    const int Last = std::min(std::max(Line.X1, Line.X2), Whole - 1);
+    for (int X = std::max(std::min(Line.X1, Line.X2), 0); X <= Last; ++X) Met[static_cast<std::size_t>(X) + 1] = 1;
+  }
+  std::partial_sum(Met.begin(), Met.end(), Met.begin());
+  const auto MetFrom = [&](int X) {
+    return Met[static_cast<std::size_t>(X + Width)] - Met[static_cast<std::size_t>(X)];
+  };
+  int Best = Whole - Width;
+  for (int X = Best; X >= 0; --X) {
+    if (MetFrom(X) < MetFrom(Best)) Best = X;
+  }
+  return Best;
+}
+
 void DrawLegend(DrawingContext& Context) {
   struct Entry {
     Text Words;
@@ -116,13 +137,14 @@ void DrawLegend(DrawingContext& Context) {
   constexpr int Stroke = 16;
   int Longest = 0;
   for (const Entry& Each : Entries) Longest = std::max(Longest, TextPixels(Each.Words));
-  const int X = std::max(int(V.ViewWidth) - Longest - 2 * Stroke, 0);
   int Row = V.ViewHeight / MarkerShare + 4;
+  const int X =
+      FindFreePlace(*Context.Surface, Longest + 2 * Stroke, Row, Row + static_cast<int>(Entries.size()) * RowHeight);
   for (const Entry& Each : Entries) {
     SelectPen(Context, Each.Pen);
     MoveTo(Context, X, Row + RowHeight / 2);
     LineTo(Context, X + Stroke, Row + RowHeight / 2);
-    PrintAt(Context, (X + Stroke + 4) * TwipsPerPixelX, Row * TwipsPerPixelY, Each.Words, Each.Pen);
+    PrintOverLines(Context, X + Stroke + 4, Row, Each.Words, Each.Pen);
     Row += RowHeight;
   }
 }
@@ -135,7 +157,7 @@ void DrawLabels(DrawingContext& Context, const std::vector<Multiplet>& Multiplet
   const int Top = V.ViewHeight / MarkerShare + 4 + (HasMeasured() ? 2 * RowHeight : 0);
   const Colour Pen = WordsColour();
   const auto Print = [&](int X, std::size_t Row, TextView Words) {
-    PrintAt(Context, X * TwipsPerPixelX, (Top + static_cast<int>(Row) * RowHeight) * TwipsPerPixelY, Words, Pen);
+    PrintOverLines(Context, X, Top + static_cast<int>(Row) * RowHeight, Words, Pen);
   };
   for (const Multiplet& Each : Multiplets) {
     const Double Column = ColumnOf(Each.Ppm);
@@ -182,8 +204,7 @@ void DrawTree(DrawingContext& Context, const Multiplet& Of) {
     }
     Row += 2 * LevelHeight;
     const Text Words = Join(FormatNumber(Of.Splittings[Level].Hz, "0.0"), " Hz");
-    PrintAt(Context, (ColumnAt(After.front()) + RowHeight) * TwipsPerPixelX, (Row - RowHeight) * TwipsPerPixelY, Words,
-            WordsColour());
+    PrintOverLines(Context, ColumnAt(After.front()) + RowHeight, Row - RowHeight, Words, WordsColour());
   }
 }
 

@@ -9,6 +9,7 @@
 #include "platform/RenderScene.h"
 #include "platform/Variables.h"
 #include "settings/ColorSets.h"
+#include "settings/Settings.h"
 #include "shell/Frame.h"
 #include "workspace/Helpers.h"
 #include "workspace/Workspace.h"
@@ -148,6 +149,12 @@ void UpdateAtomLabels(RenderControl& Control) {
     SetAtomText(Control, LabelOf(Atom));
   }
   RepaintRender(Control);
+}
+
+void UseDesktopBackground(bool Dark) {
+  RenderControl& Control = Main.MolRender1;
+  if (Control.Monochrome) return;
+  SetBackColor(Control, Dark && !IsMoleculeBackgroundOwn() ? Black : MoleculeBackground());
 }
 
 void TakeMoleculePreferences() {

@@ -48,5 +48,7 @@ void UpdateAtomLabels(RenderControl& Control);
 
 // The colours and the monochrome choice of the preferences, in the view and on the marks of the selection.
 void TakeMoleculePreferences();
+// On a dark desktop a background that nobody has chosen is dark too.
+void UseDesktopBackground(bool Dark);
 
 }  // namespace zelvanor

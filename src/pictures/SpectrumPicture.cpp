@@ -56,12 +56,24 @@ Text BuildSvg(const PictureSurface& Surface) {
       },
       [&](const PictureLine& Line) { Svg += Join(" L", Number(Line.X2 + 0.5), " ", Number(Line.Y2 + 0.5)); },
       [&] { Svg += "\"/>\n"; });
+  const Text Rim = Join(" paint-order=\"stroke\" stroke=\"", SvgColour(Surface.BackColor), "\" stroke-width=\"",
+                        Long{2 * RimPixels + 1}, "\" stroke-linejoin=\"round\"");
   for (const PictureText& Item : Surface.Texts) {
     Svg += Join("<text x=\"", Long{Item.X}, "\" y=\"", Number(Item.Y + SurfaceFontPixels * AscentShare),
                 "\" font-family=\"", PictureFont, "\" font-size=\"", Long{SurfaceFontPixels}, "\" fill=\"",
-                SvgColour(Item.Pen), "\">", SvgEscaped(Item.Value), "</text>\n");
+                SvgColour(Item.Pen), "\"", Item.Rimmed ? Rim : Text(), ">", SvgEscaped(Item.Value), "</text>\n");
   }
   return Svg + "</svg>\n";
+}
+
+void DrawRim(cairo_t* Context, const PictureText& Item, Double Base, Colour Rim) {
+  cairo_new_path(Context);
+  cairo_move_to(Context, Item.X, Base);
+  cairo_text_path(Context, PlainUtf8(Item.Value).c_str());
+  cairo_set_line_width(Context, 2 * RimPixels + 1);  // half of it is seen
+  cairo_set_line_join(Context, CAIRO_LINE_JOIN_ROUND);
+  SetSource(Context, Rim);
+  cairo_stroke(Context);
 }
 
 void DrawWithCairo(cairo_t* Context, const PictureSurface& Surface) {
@@ -84,8 +96,10 @@ void DrawWithCairo(cairo_t* Context, const PictureSurface& Surface) {
   cairo_select_font_face(Context, PictureFont, CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
   cairo_set_font_size(Context, SurfaceFontPixels);
   for (const PictureText& Item : Surface.Texts) {
+    const Double Base = Item.Y + SurfaceFontPixels * AscentShare;
+    if (Item.Rimmed) DrawRim(Context, Item, Base, Surface.BackColor);
     SetSource(Context, Item.Pen);
-    cairo_move_to(Context, Item.X, Item.Y + SurfaceFontPixels * AscentShare);
+    cairo_move_to(Context, Item.X, Base);
     cairo_show_text(Context, PlainUtf8(Item.Value).c_str());
   }
 }

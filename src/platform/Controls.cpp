@@ -137,6 +137,14 @@ void SetUpButton(CommandButton& Button, const char* Caption, Event Click, const 
   Button.AccessibleName = AccessibleName;
 }
 
+void SetDefault(CommandButton& Target) {
+  for (Control* Item : Target.Owner->Controls) {
+    if (Item->Kind != ControlKind::CommandButton) continue;
+    auto& Button = static_cast<CommandButton&>(*Item);
+    Store(Button, Button.IsDefault, Item == &Target, Property::Default);
+  }
+}
+
 void SetUpOkAndCancel(CommandButton& Ok, const char* OkCaption, Event OkClick, CommandButton& Cancel,
                       Event CancelClick) {
   SetUpButton(Ok, OkCaption, std::move(OkClick));

@@ -55,7 +55,8 @@ enum class Property {
   Place,
   Picture,
   Cells,
-  Focus
+  Focus,
+  Default
 };
 
 struct Form;
@@ -127,12 +128,14 @@ struct TextField : Control {
   TextField(Form* Owner, Text Name, int Index = -1) : Control(ControlKind::TextField, Owner, std::move(Name), Index) {}
   Text Value;
   Flag ReadOnly = False;  // shows what the program sets; keys do nothing
+  bool Wide = false;      // for words and paths: as wide as a line of them
   Event Change;
   std::function<void(int& KeyAscii)> KeyPress;  // may replace the key or take it away (0)
 };
 
 struct Label : Control {
   Label(Form* Owner, Text Name, int Index = -1) : Control(ControlKind::Label, Owner, std::move(Name), Index) {}
+  bool Wraps = false;  // into the width that the rest of its form has
 };
 
 struct ListBox : Control {
@@ -208,6 +211,8 @@ void SetStatus(StatusLine& Target, TextView Value);
 
 // A dialog's buttons: caption and handler; a name for screen readers where the caption says nothing.
 void SetUpButton(CommandButton& Button, const char* Caption, Event Click, const char* AccessibleName = "");
+// Enter presses this button and no other one of its form.
+void SetDefault(CommandButton& Target);
 // The pair that ends a dialog: OK, which Enter presses, and Cancel, which Escape and the window's closing press.
 void SetUpOkAndCancel(CommandButton& Ok, const char* OkCaption, Event OkClick, CommandButton& Cancel,
                       Event CancelClick);

@@ -32,6 +32,10 @@ void PrintAt(DrawingContext& Context, int XTwips, int YTwips, TextView Value, Co
   Context.Surface->Texts.push_back({XTwips / TwipsPerPixelX, YTwips / TwipsPerPixelY, Text(Value), Pen});
 }
 
+void PrintOverLines(DrawingContext& Context, int X, int Y, TextView Value, Colour Pen) {
+  Context.Surface->Texts.push_back({X, Y, Text(Value), Pen, true});
+}
+
 void ClearPicture(PictureSurface& Surface) {
   Surface.Lines.clear();
   Surface.Texts.clear();

@@ -18,6 +18,7 @@ struct PictureText {
   int Y = 0;
   Text Value;
   Colour Pen = 0;
+  bool Rimmed = false;  // by the surface's colour, so that it is read in front of lines
 };
 
 // A rectangle that a drag stretches, in pixels. A front end draws it over the picture after each mouse event.
@@ -71,6 +72,8 @@ void MoveTo(DrawingContext& Context, int X, int Y);
 void LineTo(DrawingContext& Context, int X, int Y);
 // A text at a position in twips of the surface.
 void PrintAt(DrawingContext& Context, int XTwips, int YTwips, TextView Value, Colour Pen);
+// The same in front of lines, at a position in pixels.
+void PrintOverLines(DrawingContext& Context, int X, int Y, TextView Value, Colour Pen);
 
 void ClearPicture(PictureSurface& Surface);
 void SetBackColor(PictureSurface& Surface, Colour BackColor);
@@ -78,6 +81,7 @@ void SetBackColor(PictureSurface& Surface, Colour BackColor);
 // The font of surfaces: a plain face of this pixel size, in which a digit is at most DigitPixels wide.
 inline constexpr int SurfaceFontPixels = 11;
 inline constexpr int DigitPixels = 7;
+inline constexpr int RimPixels = 1;  // around a rimmed text
 inline int TextPixels(TextView Value) { return static_cast<int>(Value.size()) * DigitPixels; }
 
 }  // namespace zelvanor

@@ -1,5 +1,6 @@
 #include "settings/Settings.h"
 
+#include <algorithm>
 #include <iterator>
 #include <type_traits>
 
@@ -396,15 +397,20 @@ void WriteSettings() {
   WritePrivateProfileStrings(Entries, S.IniFile);
 }
 
-bool AreSpectrumColoursOwn() {
-  constexpr int LineSlot = 6;
-  const Colour Present[] = {S.PrefGraphColor, S.PrefEnvelopColor, S.PrefSelectionColor};
-  for (const SettingRow& Row : Rows) {
-    const int Place = Row.Slot - LineSlot;
-    if (Place >= 0 && Place < 3 && ReadColour(Row.Default) != Present[Place]) return true;
-  }
-  return false;
+namespace {
+bool IsOwn(int Slot, Colour Present) {
+  const auto Row =
+      std::find_if(std::begin(Rows), std::end(Rows), [Slot](const SettingRow& R) { return R.Slot == Slot; });
+  return ReadColour(Row->Default) != Present;
 }
+}  // namespace
+
+bool AreSpectrumColoursOwn() {
+  return IsOwn(6, S.PrefGraphColor) || IsOwn(7, S.PrefEnvelopColor) || IsOwn(8, S.PrefSelectionColor);
+}
+
+Colour MoleculeBackground() { return IsSet(S.PrefMoleculeSet) ? S.PrefBackColor : S.BackColor; }
+bool IsMoleculeBackgroundOwn() { return IsOwn(2, MoleculeBackground()); }
 
 std::vector<Text> SettingKeys() {
   std::vector<Text> Keys;

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "basic/Types.h"
+#include "platform/Controls.h"
 
 namespace zelvanor {
 
@@ -16,7 +16,10 @@ void WriteSettings();
 // The keys of the section "nmr".
 std::vector<Text> SettingKeys();
 
-// Whether the user has given the spectrum colours other than the built-in ones.
+// Whether the user has given the spectrum colours, or the molecule a background, other than the built-in ones.
 bool AreSpectrumColoursOwn();
+bool IsMoleculeBackgroundOwn();
+// As the preferences have it, or before they do nmr.ini.
+Colour MoleculeBackground();
 
 }  // namespace zelvanor

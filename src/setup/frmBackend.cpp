@@ -279,8 +279,10 @@ void SetUpControls() {
   for (std::size_t Row = 0; Row < Fields.size(); ++Row) {
     D.Rows[Row].Label5.Caption = Fields[Row].Caption;
     D.Rows[Row].Text1.AccessibleName = Fields[Row].Name;
+    D.Rows[Row].Text1.Wide = !Fields[Row].IsNumber;
   }
   D.Label4.AccessibleName = "Result";
+  D.Label4.Wraps = true;
   SetUpButton(D.Command3, "T&est", Command3_Click);
   SetUpButton(D.Command4, "Optimise &Geometry", Command4_Click);
   SetUpOkAndCancel(D.Command1, "OK", Command1_Click, D.Command2, Command2_Click);

@@ -109,6 +109,7 @@ void UpdateCommands(int View) {
   // A results-only document has fewer atoms than NMR atoms: there is nothing to run stage 1 on.
   const bool Computable = Has.Molecule && W.NumAtoms >= W.NumNMRAtoms;
   for (MenuItem* Item : {&Main.mnuSetupNMRParam, &Main.mnuComputeNMR, &Main.mnuComputeAll}) Enable(*Item, Computable);
+  Enable(Main.mnuPredict, Has.Molecule);
   Enable(Main.mnuViewShielding, Has.Shielding);
   Enable(Main.mnuComputeSpectra, Has.Shielding);
   Enable(Main.picToolbar[ToolShielding], Has.Shielding);

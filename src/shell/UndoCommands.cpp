@@ -12,7 +12,7 @@ void ShowStep(MenuItem& Item, const char* Caption, const Text& Name) {
   SetEnabled(Item, ToFlag(!Name.empty()));
 }
 
-// Stays where it is while there is something to show.
+// The view of the step, while there is something to show.
 void ChooseView() {
   WorkspaceState& W = Workspace;
   const Flag Shown[] = {W.MoleculeLoaded, W.ShieldingAvailable, W.CouplingAvailable,
@@ -34,6 +34,8 @@ Text Go(std::optional<Text> (*Step)()) {
   if (!Name) return {};
   UpdateTitle();
   ChooseView();
+  if (W.ViewMode == ShieldingView) SetCaption(Main.mnuViewValues, ShieldingTensorCaption);
+  if (W.ViewMode == SpectrumViewMode) SetCaption(Main.mnuViewValues, SpectralValuesCaption);
   // A spectrum that stays keeps its window.
   const bool SamePeaks = W.SpectraAvailable == HadPeaks && W.PeakFrequency == Frequency && W.PeakIntensity == Intensity;
   IgnoreFailure([&] {

@@ -4,9 +4,11 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <span>
 
 #include "basic/NumberText.h"
 #include "basic/Numbers.h"
+#include "settings/SettingsState.h"
 #include "shell/Frame.h"
 #include "spectrum/Envelope.h"
 #include "spectrum/SpectrumScale.h"
@@ -159,11 +161,33 @@ void DrawLine(DrawingContext& Context, int X1, int Y1, int X2, int Y2) {
   LineTo(Context, X2, Y2);
 }
 
-// The smallest of 10000, 1000, ... 0.001 ppm at which the window has at least ten steps.
-Double ChooseTickStep(Double Range) {
-  constexpr std::array<Double, 8> Steps = {10000.0, 1000.0, 100.0, 10.0, 1.0, 0.1, 0.01, 0.001};
-  const auto Step = std::find_if(Steps.begin(), Steps.end(), [&](Double S) { return Range / S >= 10.0; });
-  return Step == Steps.end() ? Steps.back() : *Step;
+struct TickScale {
+  Double Step = 0;  // ppm
+  std::int64_t PerLabel = 10;
+  const char* Form = "#0.000";
+};
+
+// The smallest of 10000, 1000, ... 0.001 ppm at which the range has at least ten steps, and a label at every tenth. The
+// window goes on to finer steps and has as many labels as there is room for, up to ten.
+TickScale ChooseTicks(Double Range, int Width) {
+  constexpr std::array<Double, 10> Steps = {10000.0, 1000.0, 100.0, 10.0, 1.0, 0.1, 0.01, 0.001, 0.0001, 0.00001};
+  constexpr std::size_t NumPlainSteps = 8;
+  const auto Offered = std::span(Steps).first(Settings.FirstSight ? Steps.size() : NumPlainSteps);
+  const auto Step = std::find_if(Offered.begin(), Offered.end(), [&](Double S) { return Range / S >= 10.0; });
+  TickScale Ticks{Step == Offered.end() ? Offered.back() : *Step};
+  if (!Settings.FirstSight) return Ticks;
+  constexpr Double MostLabels = 10;
+  constexpr int LabelRoom = 8 * DigitPixels;
+  for (Ticks.PerLabel = 1; Ticks.PerLabel < 100; Ticks.PerLabel *= 10) {
+    for (const int Part : {1, 2, 5}) {
+      const Double Labels = Range / (Ticks.Step * static_cast<Double>(Ticks.PerLabel * Part));
+      if (Labels > MostLabels || Labels * LabelRoom > Width) continue;
+      Ticks.PerLabel *= Part;
+      if (Ticks.Step * static_cast<Double>(Ticks.PerLabel) < Steps[NumPlainSteps - 1]) Ticks.Form = "#0.00000";
+      return Ticks;
+    }
+  }
+  return Ticks;
 }
 
 // Rounding up, an exact whole number of 0 or more going up by one.
@@ -189,11 +213,10 @@ struct LabelRow {
 void DrawTicks(DrawingContext& Context, Colour Axis, int Width, int Height) {
   // Far more ticks than columns say that the limits are no spectrum's.
   constexpr Double MostTicks = 100000.0;
-  constexpr std::int64_t TicksPerLabel = 10;
   const Double Low = FrequencyOfColumn(0);
   const Double High = V.HorizontalOffset + V.ViewHigh;
   const Double Range = Divide(High - Low, V.SpectrometerMHz);
-  const Double Step = ChooseTickStep(Range);
+  const auto [Step, PerLabel, Form] = ChooseTicks(Range, Width);
   if (!(Range / Step < MostTicks)) return;
   const Double HighPpm = High / V.SpectrometerMHz;
   const Double FirstTick = RoundUp(Low / V.SpectrometerMHz / Step);
@@ -203,9 +226,9 @@ void DrawTicks(DrawingContext& Context, Colour Axis, int Width, int Height) {
     const Double Place = static_cast<Double>(Tick) * Step;
     if (!(Place < HighPpm)) return;
     const int X = FGetPeakRX(Place * V.SpectrometerMHz);
-    const bool Major = Tick % TicksPerLabel == 0;
+    const bool Major = Tick % PerLabel == 0;
     DrawLine(Context, X, Height - (Major ? MajorTickRow : MinorTickRow), X, Height - AxisRow);
-    if (Major) Labels.Print(Context, X, Height - AxisRow, FormatNumber(-Place, "#0.000"), Axis);
+    if (Major) Labels.Print(Context, X, Height - AxisRow, FormatNumber(-Place, Form), Axis);
   }
 }
 

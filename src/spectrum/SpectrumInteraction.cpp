@@ -44,6 +44,12 @@ void TakeRelativeLineWidth() {
   if (V.OwnWidth) V.CurrentLineWidth = ToSingle(GetHighLow() * Main.HScroll2.Value * WidthPerBarStep);
 }
 
+SpectrumViewState::Window WholeWindow() {
+  SpectrumViewState::Window Whole{V.FullLow, V.FullHigh, 1.0};
+  if (Additions.WidenWhole) Additions.WidenWhole(Whole.Low, Whole.High);
+  return Whole;
+}
+
 void ResetView() {
   V.Zooms.clear();
   V.HorizontalOffset = 0;
@@ -51,12 +57,10 @@ void ResetView() {
   SetChanges(Main.HScroll1, 10, 1000);
   V.MaxIntensity = 0;
   SetHorizontalScale(1.0);
-  V.ViewLow = V.FullLow;
-  V.ViewHigh = V.FullHigh;
-  if (Additions.WidenWhole) {
-    Additions.WidenWhole(V.ViewLow, V.ViewHigh);
-    FitHorizontalScale();
-  }
+  const SpectrumViewState::Window Whole = WholeWindow();
+  V.ViewLow = Whole.Low;
+  V.ViewHigh = Whole.High;
+  if (Additions.WidenWhole) FitHorizontalScale();
   IgnoreFailure(TakeRelativeLineWidth);
   IgnoreFailure([] { ComputeLineWidths(true); });
   RefreshView();
@@ -113,6 +117,14 @@ void EndDrag(Single X) {
 }
 
 }  // namespace
+
+bool ShowsWhole() {
+  constexpr Double Near = 1e-6;
+  const SpectrumViewState::Window Whole = WholeWindow();
+  const Double Tolerance = Near * (Whole.High - Whole.Low);
+  return V.HorizontalOffset == 0 && std::fabs(V.ViewLow - Whole.Low) <= Tolerance &&
+         std::fabs(V.ViewHigh - Whole.High) <= Tolerance;
+}
 
 void Spectrum1_MouseDown(int Button, int Shift, Single X, Single Y) {
   if (Button != LeftButton) return ResetView();

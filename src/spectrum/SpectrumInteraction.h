@@ -9,6 +9,8 @@ namespace zelvanor {
 void Spectrum1_MouseDown(int Button, int Shift, Single X, Single Y);
 void Spectrum1_MouseMove(int Button, int Shift, Single X, Single Y);
 void Spectrum1_MouseUp(int Button, int Shift, Single X, Single Y);
+// Whether another button would change nothing.
+bool ShowsWhole();
 // The pan bar and the line width bar have moved.
 void HScroll1_Change();
 void HScroll2_Change();

@@ -13,6 +13,8 @@
 #include "batch/Batch.h"
 #include "qt/TextConversion.h"
 #include "qt/controls/ControlWidgets.h"
+#include "qt/frame/FirstSight.h"
+#include "settings/SettingsState.h"
 #include "shell/MainForm.h"
 
 namespace zelvanor::tests {
@@ -71,9 +73,17 @@ QPixmap PictureWithMenus(const MenuItem& Item) {
   return Picture;
 }
 
+// As a user sees the window, whose colours go with the desktop once the program has started.
+void SettleForPicture() {
+  static const bool Wanted = Settings.FirstSight;
+  static bool Follows = false;
+  if (Wanted && !std::exchange(Follows, true)) FollowDesktopColours(&ScriptedWindow());
+  SettleWidgets();
+}
+
 // picture NAME [MENUITEM]: of the window on top, or of the main window with the menu of an item open.
 void TakePicture(const Words& All) {
-  SettleWidgets();
+  SettleForPicture();
   if (All.size() < 3) return SavePicture(TopOne()->grab(), All[1].Value);
   SavePicture(PictureWithMenus(static_cast<const MenuItem&>(batch::NeedControl(All[2].Value))), All[1].Value);
 }
@@ -114,6 +124,7 @@ void AddPictureCommands() {
 }
 
 void UseThemeForPictures() {
+  if (!qEnvironmentVariableIsEmpty("PICTURES_THEME")) WantFirstSight();
   if (qEnvironmentVariable("PICTURES_THEME") != "dark") return;
   const QColor Back(45, 45, 48), Base(30, 30, 32), Words(230, 230, 230), Faint(130, 130, 130);
   QPalette Dark(Words, Back, Back.lighter(150), Back.darker(150), Back.lighter(120), Words, Qt::white, Base, Back);

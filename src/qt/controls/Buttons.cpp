@@ -55,6 +55,7 @@ QWidget* MakeCommandButton(Control& Target, QWidget* Parent) {
   QObject::connect(Shown, &QPushButton::clicked, Shown, [&Button] { DispatchEvent(Button, Button.Click); });
   BindWidget(Button, Shown, [&Button, Shown](Property What) {
     if (What == Property::Caption) ShowCaption(Shown, Button);
+    if (What == Property::Default) Shown->setDefault(Button.IsDefault);
   });
   return Shown;
 }

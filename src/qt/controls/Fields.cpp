@@ -97,6 +97,8 @@ QWidget* MakeTextField(Control& Target, QWidget* Parent) {
     ShowText();
   });
   Shown->setReadOnly(IsSet(Field.ReadOnly));
+  constexpr int WideCharacters = 32;
+  if (Field.Wide) Shown->setMinimumWidth(WideCharacters * Shown->fontMetrics().averageCharWidth());
   BindWidget(Field, Shown, [ShowText](Property What) {
     if (What == Property::Text) ShowText();
   });
@@ -107,6 +109,8 @@ QWidget* MakeLabel(Control& Target, QWidget* Parent) {
   auto& Words = static_cast<Label&>(Target);
   auto* Shown = new QLabel(Parent);
   Shown->setTextFormat(Qt::PlainText);
+  Shown->setWordWrap(Words.Wraps);
+  if (Words.Wraps) Shown->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   Control* Labelled = LabelledBy(Words);
   BindWidget(Words, Shown, [&Words, Shown, Labelled](Property What) {
     if (What != Property::Caption) return;

@@ -47,6 +47,16 @@ void FormDialog::ShowForm(Property What) {
   }
 }
 
+// Of a group of option buttons the one that is set.
+QWidget* SetOptionOf(const Form& Target, const OptionButton& First) {
+  for (const Control* Item : Target.Controls) {
+    if (Item->Kind != ControlKind::OptionButton) continue;
+    const auto& Option = static_cast<const OptionButton&>(*Item);
+    if (Option.Group == First.Group && IsSet(Option.Value)) return WidgetOf(Option);
+  }
+  return WidgetOf(First);
+}
+
 // The focus on the first control, and Enter for the default button again, as when it was shown for the first time.
 void FormDialog::StartAtFirstField() {
   QWidget* First = nullptr;
@@ -55,7 +65,9 @@ void FormDialog::StartAtFirstField() {
     QWidget* Shown = WidgetOf(*Item);
     if (Shown == nullptr) continue;
     const bool TakesFocus = (Shown->focusPolicy() & Qt::TabFocus) && IsSet(Item->Enabled) && IsSet(Item->Visible);
-    if (First == nullptr && TakesFocus) First = Shown;
+    if (First == nullptr && TakesFocus) {
+      First = Item->Kind == ControlKind::OptionButton ? SetOptionOf(Target, static_cast<OptionButton&>(*Item)) : Shown;
+    }
     if (Item->Kind == ControlKind::CommandButton && static_cast<CommandButton*>(Item)->IsDefault) {
       Default = static_cast<QPushButton*>(Shown);
     }

@@ -11,7 +11,7 @@
 #include "qt/Dispatch.h"
 #include "qt/controls/ControlWidgets.h"
 #include "shell/Frame.h"
-#include "spectrum/SpectrumView.h"
+#include "spectrum/SpectrumInteraction.h"
 
 namespace zelvanor {
 
@@ -46,9 +46,10 @@ void FillMenu(QMenu& Menu, const Control& Of) {
            {&M.mnuViewRender, nullptr, &M.mnuSetupNMRParam, &M.mnuComputeAll, nullptr, &M.mnuCopy, &M.mnuFileExport});
 }
 
+// A click that shows the whole spectrum or unselects atoms does that alone.
 bool IsRightClickFree(const Control& Of) {
   if (&Of == &Main.MolRender1) return Main.MouseMode != SelectMode && Main.NumSelectedAtoms == 0;
-  return SpectrumView.Zooms.empty() && SpectrumView.HorizontalOffset == 0;
+  return ShowsWhole();
 }
 
 class MenuFilter : public QObject {

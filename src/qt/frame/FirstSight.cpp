@@ -4,7 +4,9 @@
 #include <QEvent>
 #include <QPalette>
 
+#include "molecule/MoleculeView.h"
 #include "qt/Dispatch.h"
+#include "settings/Settings.h"
 #include "settings/SettingsState.h"
 #include "settings/frmPreference.h"
 #include "shell/Frame.h"
@@ -16,7 +18,9 @@ namespace {
 
 void TakeDesktopColours() {
   constexpr int Middle = 128;
-  UseDesktopColours(QApplication::palette().color(QPalette::Base).lightness() < Middle);
+  const bool Dark = QApplication::palette().color(QPalette::Base).lightness() < Middle;
+  UseDesktopColours(Dark);
+  UseDesktopBackground(Dark);
   RefreshView();
 }
 
@@ -37,6 +41,7 @@ void WantFirstSight() { Settings.FirstSight = true; }
 void FollowDesktopColours(QWidget* Window) {
   // Preferences that are confirmed bring back their own colours, which may be none of the user's.
   Preferences.RefreshView = TakeDesktopColours;
+  Preferences.GetMoleculeBackground = MoleculeBackground;  // not the desktop's
   Dispatch(TakeDesktopColours);
   Window->installEventFilter(new PaletteFollower(Window));
 }

@@ -1,3 +1,4 @@
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QPainter>
@@ -6,7 +7,6 @@
 #include <QStyle>
 #include <QTimer>
 
-#include "platform/Form.h"
 #include "qt/TextConversion.h"
 #include "qt/controls/ControlWidgets.h"
 #include "qt/frame/Accessible.h"
@@ -105,7 +105,9 @@ class StatusLabel : public QLabel {
 
   QString SecondsOfWork() const {
     // While it asks, it is the user who takes the time.
-    if (!Working.isValid() || Working.elapsed() < LongMilliseconds || !ModalForms().empty()) return {};
+    if (!Working.isValid() || Working.elapsed() < LongMilliseconds || QApplication::activeModalWidget() != nullptr) {
+      return {};
+    }
     return QString("%1 s").arg(Working.elapsed() / 1000);
   }
 
@@ -136,6 +138,7 @@ class StatusLabel : public QLabel {
     if (!IsSet(Main.IsBusy)) {
       Ticks.stop();
       Working.invalidate();
+      if (text().endsWith("...")) clear();  // tells of work that has ended without a word
     }
     update();
   }

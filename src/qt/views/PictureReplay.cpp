@@ -153,13 +153,25 @@ void PaintLines(Replay& To, const std::vector<PictureLine>& Lines) {
   PaintChain(To);
 }
 
-void PaintTexts(QPainter& Painter, const std::vector<PictureText>& Texts, qreal Ratio) {
+// A stroked outline would not be the same to the pixel each time.
+void PaintRim(QPainter& Painter, QPointF Place, const QString& Words, Colour Rim) {
+  Painter.setPen(ToQt(Rim));
+  for (int X = -RimPixels; X <= RimPixels; ++X) {
+    for (int Y = -RimPixels; Y <= RimPixels; ++Y) {
+      if (X != 0 || Y != 0) Painter.drawText(Place + QPointF(X, Y), Words);
+    }
+  }
+}
+
+void PaintTexts(QPainter& Painter, const PictureSurface& Surface, qreal Ratio) {
   Painter.scale(Ratio, Ratio);
   Painter.setFont(SurfaceFont());
   const qreal Ascent = QFontMetricsF(Painter.font()).ascent();
-  for (const PictureText& Words : Texts) {
+  for (const PictureText& Words : Surface.Texts) {
+    const QPointF Place(Words.X, Words.Y + Ascent);
+    if (Words.Rimmed) PaintRim(Painter, Place, ToQt(Words.Value), Surface.BackColor);
     Painter.setPen(ToQt(Words.Pen));
-    Painter.drawText(QPointF(Words.X, Words.Y + Ascent), ToQt(Words.Value));
+    Painter.drawText(Place, ToQt(Words.Value));
   }
 }
 
@@ -188,7 +200,7 @@ QImage ReplayPicture(const PictureSurface& Surface, QSize DeviceSize, qreal Rati
                   static_cast<int>(std::ceil(DeviceSize.height() / Ratio)));
   To.Columns.resize(static_cast<std::size_t>(std::max(To.Size.width(), 0)));
   PaintLines(To, Surface.Lines);
-  PaintTexts(Painter, Surface.Texts, Ratio);
+  PaintTexts(Painter, Surface, Ratio);
   Painter.end();
   return Image;
 }
