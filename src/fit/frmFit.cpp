@@ -220,7 +220,7 @@ void BuildFitForm() {
       ColumnOf({RowOf({ItemOf(D.Label1), ItemOf(D.Text1), ItemOf(D.Label2), ItemOf(D.Text2), ItemOf(D.Check1[0]),
                        ItemOf(D.Check1[1]), ItemOf(D.Check1[2]), ItemOf(D.Command3)}),
                 ItemOf(D.List1),
-                RowOf({ItemOf(D.Check2), ItemOf(D.Label3), ItemOf(D.Text3), ItemOf(D.Label4), ItemOf(D.Text4),
+                RowOf({RowOf({ItemOf(D.Check2)}), ItemOf(D.Label3), ItemOf(D.Text3), ItemOf(D.Label4), ItemOf(D.Text4),
                        ItemOf(D.Label5), ItemOf(D.Text5), ItemOf(D.Command4)}),
                 RowOf({ItemOf(D.Label6), StretchOf(), ItemOf(D.Command5), ItemOf(D.Command1), ItemOf(D.Command2)})});
 }

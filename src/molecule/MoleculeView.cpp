@@ -66,10 +66,13 @@ Extent FindExtent(const RenderControl& Control, const ViewMatrix& M, Double Scal
   return Result;
 }
 
+// Turning keeps the fit, moving and magnifying do not.
 bool IsStillFitted() {
+  constexpr Double Near = 1e-6;
   ViewMatrix M{};
   GetViewTransform(Main.MolRender1, M);
-  return M == V.Fitted;
+  const auto ScaleOf = [](const ViewMatrix& Of) { return std::hypot(Of[0][0], Of[0][1], Of[0][2]); };
+  return M[3] == V.Fitted[3] && std::fabs(ScaleOf(M) - ScaleOf(V.Fitted)) <= Near * ScaleOf(V.Fitted);
 }
 
 }  // namespace

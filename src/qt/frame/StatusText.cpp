@@ -61,6 +61,11 @@ class StatusLabel : public QLabel {
     QObject::connect(Cancel, &QPushButton::clicked, this, [] { AskCancel(); });
   }
 
+  void TakeText(const QString& Words) {
+    WorkIsOver = false;
+    setText(Words);
+  }
+
   // A command that works serves no events, or few, but its line moves on.
   void ShowWork() {
     if (!Working.isValid()) Working.start();
@@ -82,7 +87,8 @@ class StatusLabel : public QLabel {
       DrawWords(Painter, Room, Qt::AlignRight, Seconds);
       Room.setRight(Room.right() - fontMetrics().horizontalAdvance(Seconds) - Margin);
     }
-    const QString Words = text() + WhatIsDone();
+    const bool OfWorkThatIsOver = WorkIsOver && text().endsWith("...");
+    const QString Words = OfWorkThatIsOver ? QString() : text() + WhatIsDone();
     const QString Fitting = fontMetrics().elidedText(Words, Qt::ElideRight, Room.width());
     setToolTip(Fitting == Words ? QString() : Words);
     DrawWords(Painter, Room, Qt::AlignLeft, Fitting);
@@ -138,11 +144,12 @@ class StatusLabel : public QLabel {
     if (!IsSet(Main.IsBusy)) {
       Ticks.stop();
       Working.invalidate();
-      if (text().endsWith("...")) clear();  // tells of work that has ended without a word
+      WorkIsOver = true;
     }
     update();
   }
 
+  bool WorkIsOver = false;  // that the text was told in
   QElapsedTimer LastShown;
   QElapsedTimer Working;  // since the command that works now has begun to tell
   QTimer Ticks;
@@ -159,7 +166,7 @@ QWidget* MakeStatusLine(Control& Target, QWidget* Parent) {
   SpeakFor(Shown, {QAccessible::StatusBar, {}, [&Line] { return ToQt(Line.Value); }});
   BindWidget(Line, Shown, [&Line, Shown](Property What) {
     if (What != Property::Text) return;
-    Shown->setText(ToQt(Line.Value));
+    Shown->TakeText(ToQt(Line.Value));
     if (IsSet(Main.IsBusy)) Shown->ShowWork();
     SpeakChange(Shown);
   });
