@@ -27,6 +27,8 @@ constexpr int FootRow = 30;
 constexpr int MarkerShare = 20;
 constexpr Double Headroom = 1.2;
 constexpr int RowHeight = 13;  // of a line of words
+// Between the markers' feet and the words below: a front end marks the picked line there.
+constexpr int MarkRoom = 12;
 
 bool IsDark(Colour Value) {
   constexpr int Half = 3 * 128;
@@ -137,7 +139,7 @@ void DrawLegend(DrawingContext& Context) {
   constexpr int Stroke = 16;
   int Longest = 0;
   for (const Entry& Each : Entries) Longest = std::max(Longest, TextPixels(Each.Words));
-  int Row = V.ViewHeight / MarkerShare + 4;
+  int Row = V.ViewHeight / MarkerShare + MarkRoom;
   const int X =
       FindFreePlace(*Context.Surface, Longest + 2 * Stroke, Row, Row + static_cast<int>(Entries.size()) * RowHeight);
   for (const Entry& Each : Entries) {
@@ -154,7 +156,7 @@ void DrawLabels(DrawingContext& Context, const std::vector<Multiplet>& Multiplet
   constexpr std::size_t MostRows = 4;
   std::vector<int> FreeFrom(MostRows);
   Long LeftOut = 0;
-  const int Top = V.ViewHeight / MarkerShare + 4 + (HasMeasured() ? 2 * RowHeight : 0);
+  const int Top = V.ViewHeight / MarkerShare + MarkRoom + (HasMeasured() ? 2 * RowHeight : 0);
   const Colour Pen = WordsColour();
   const auto Print = [&](int X, std::size_t Row, TextView Words) {
     PrintOverLines(Context, X, Top + static_cast<int>(Row) * RowHeight, Words, Pen);

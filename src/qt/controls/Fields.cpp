@@ -97,7 +97,7 @@ QWidget* MakeTextField(Control& Target, QWidget* Parent) {
     ShowText();
   });
   Shown->setReadOnly(IsSet(Field.ReadOnly));
-  constexpr int WideCharacters = 32;
+  constexpr int WideCharacters = 40;
   if (Field.Wide) Shown->setMinimumWidth(WideCharacters * Shown->fontMetrics().averageCharWidth());
   BindWidget(Field, Shown, [ShowText](Property What) {
     if (What == Property::Text) ShowText();

@@ -2,6 +2,7 @@
 
 #include <QBoxLayout>
 #include <QCheckBox>
+#include <QFontMetrics>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -67,6 +68,14 @@ void AddColumn(QBoxLayout* Into, const std::vector<Arrangement>& Parts, QWidget*
   }
 }
 
+// Some styles write titles bold without counting with it.
+int WidthOfTitle(const QGroupBox& Group) {
+  constexpr int Margins = 24;
+  QFont Bold = Group.font();
+  Bold.setBold(true);
+  return QFontMetrics(Bold).horizontalAdvance(Group.title()) + Margins;
+}
+
 void AddPart(QBoxLayout* Into, const Arrangement& Part, QWidget* Dialog) {
   switch (Part.Is) {
     case Shape::Item:
@@ -87,6 +96,7 @@ void AddPart(QBoxLayout* Into, const Arrangement& Part, QWidget* Dialog) {
     }
     case Shape::Group: {
       auto* Group = new QGroupBox(ToQt(Part.Title), Dialog);
+      Group->setMinimumWidth(WidthOfTitle(*Group));
       AddColumn(new QVBoxLayout(Group), Part.Parts, Group);
       Into->addWidget(Group);
       return;

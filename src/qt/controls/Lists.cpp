@@ -42,6 +42,11 @@ class ItemView : public QListView {
   ItemView(const ListBox& List, QWidget* Parent) : QListView(Parent), List(List) {}
 
  protected:
+  // Without the keys a list is still of the window at work: some styles grey what is not.
+  void initViewItemOption(QStyleOptionViewItem* Option) const override {
+    QListView::initViewItemOption(Option);
+    Option->state.setFlag(QStyle::State_Active, isActiveWindow());
+  }
   void paintEvent(QPaintEvent* Paint) override {
     QListView::paintEvent(Paint);
     if (!List.Items.empty() || List.EmptyHint.empty()) return;
