@@ -310,6 +310,15 @@ TEST_F(SpectrumTest, TickSteps) {
     for (const PictureText& Label : Main.Spectrum1.Texts) Labels.push_back(Label.Value);
     EXPECT_EQ(Labels, R.Labels) << R.Range;
   }
+  // The window has several labels, side by side, whatever it shows.
+  Settings.FirstSight = true;
+  for (const double Range : {0.0004, 0.003, 0.02, 0.5, 9.0, 10.0, 12.0, 55.0, 99.0, 250.0, 100000.0}) {
+    Use({}, -Range * 10, Range * 90);
+    DrawSpectra();
+    EXPECT_GE(Main.Spectrum1.Texts.size(), 3U) << Range;
+    EXPECT_LE(Main.Spectrum1.Texts.size(), 10U) << Range;
+  }
+  Settings.FirstSight = false;
   V.SpectrometerMHz = 0;
   DrawSpectra();
   EXPECT_LE(Main.Spectrum1.Lines.size(), 1U);

@@ -114,7 +114,8 @@ int FindFreePlace(const PictureSurface& Surface, int Width, int Top, int Bottom)
   }
   std::partial_sum(Met.begin(), Met.end(), Met.begin());
   const auto MetFrom = [&](int X) {
-    return Met[static_cast<std::size_t>(X + Width)] - Met[static_cast<std::size_t>(X)];
+    const auto First = Met.begin() + X;
+    return First[Width] - *First;
   };
   int Best = Whole - Width;
   for (int X = Best; X >= 0; --X) {

@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QTimer>
@@ -52,17 +53,23 @@ bool IsRightClickFree(const Control& Of) {
   return ShowsWhole();
 }
 
+// Beside the menu key itself, which keyboards of today may lack and Qt turns into an event of its own.
+bool IsMenuKey(const QKeyEvent& Key) { return Key.key() == Qt::Key_F10 && Key.modifiers() == Qt::ShiftModifier; }
+
 class MenuFilter : public QObject {
  public:
   MenuFilter(QWidget* Parent, const Control& Of) : QObject(Parent), Shown(Parent), Of(Of) {}
 
   bool eventFilter(QObject* /*Watched*/, QEvent* Event) override {
     const bool IsTable = &Of == &Main.ShieldTable;
+    if (Event->type() == QEvent::KeyPress && IsMenuKey(*static_cast<QKeyEvent*>(Event))) {
+      ShowSoon(Middle());
+      return true;
+    }
     if (Event->type() == QEvent::ContextMenu) {
       const auto* Asked = static_cast<QContextMenuEvent*>(Event);
       if (!IsTable && Asked->reason() != QContextMenuEvent::Keyboard) return false;
-      ShowSoon(IsTable && Asked->reason() == QContextMenuEvent::Mouse ? Asked->globalPos()
-                                                                      : Shown->mapToGlobal(Shown->rect().center()));
+      ShowSoon(IsTable && Asked->reason() == QContextMenuEvent::Mouse ? Asked->globalPos() : Middle());
       return true;
     }
     if (!IsTable && (Event->type() == QEvent::MouseButtonPress || Event->type() == QEvent::MouseButtonRelease)) {
@@ -72,6 +79,8 @@ class MenuFilter : public QObject {
   }
 
  private:
+  QPoint Middle() const { return Shown->mapToGlobal(Shown->rect().center()); }
+
   void FollowClick(const QMouseEvent& Mouse) {
     if (Mouse.button() != Qt::RightButton) return;
     const QPoint Place = Mouse.globalPosition().toPoint();
