@@ -32,8 +32,10 @@ struct BinnedLines {
 BinnedLines::Bin* OpenPage(BinnedLines& Target, std::int64_t Page);
 
 inline void AddLine(BinnedLines& Target, double Frequency, double Intensity, double Count) {
-  const double Place = std::floor(Frequency * (1.0 / BinWidth));
-  const auto Index = static_cast<std::int64_t>(Place);
+  constexpr double Offset = 1e15;  // makes cutting off the decimals a rounding down, without a call
+  const auto Index =
+      static_cast<std::int64_t>(Frequency * (1.0 / BinWidth) + Offset) - static_cast<std::int64_t>(Offset);
+  const auto Place = static_cast<double>(Index);
   const std::int64_t Page = Index >> 8;
   const auto Slot = static_cast<std::size_t>(Page - Target.FirstPage);
   BinnedLines::Bin* Bins = Slot < Target.Pages.size() ? Target.Pages[Slot].get() : nullptr;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <map>
 #include <queue>
 #include <set>
 #include <utility>
@@ -16,9 +17,14 @@ constexpr double SeenSplitting = 2.0;    // Hz, of which half is seen
 constexpr double ShareOfMixing = 0.3;    // of the amplitude that two sites mix by
 constexpr double SmallestShare = 1e-9;   // of the core that is followed
 constexpr double SmallestScore = 1e-12;  // of a coupling that is looked at
+constexpr double SmallestIndirectMixing = 1e-3;
+constexpr double SlowSize = 1000.0;  // of blocks that are diagonalised at half the speed of the largest
 constexpr double LargestCombination = 4096.0;
 
-double SumOfCubesOf(const std::vector<int>& TwiceSpins) {
+// The sites that each site is coupled to.
+using Couplings = std::vector<std::vector<std::size_t>>;
+
+double SimulationCostOf(const std::vector<int>& TwiceSpins) {
   std::vector<double> Counts{1.0};
   for (const int TwiceSpin : TwiceSpins) {
     const auto Steps = static_cast<std::size_t>(TwiceSpin);
@@ -29,11 +35,12 @@ double SumOfCubesOf(const std::vector<int>& TwiceSpins) {
     Counts = std::move(Next);
   }
   double Sum = 0.0;
-  for (const double Size : Counts) Sum += Size * Size * Size;
+  for (const double Size : Counts) Sum += Size * Size * (Size + SlowSize);
   return Sum;
 }
 
-double MixingOf(const SpectrumInput& Input, const Neighbourhood& Near, std::size_t A, std::size_t B) {
+// How much two sites mix by a coupling in the mean over the states of all others.
+double MixingOf(const SpectrumInput& Input, const Couplings& All, std::size_t A, std::size_t B, double J) {
   // Where eight equal parts of a normal distribution have their middles.
   constexpr std::array Quantiles{-1.534, -0.887, -0.489, -0.157, 0.157, 0.489, 0.887, 1.534};
   double Variance = 0.0;
@@ -41,17 +48,31 @@ double MixingOf(const SpectrumInput& Input, const Neighbourhood& Near, std::size
     const double Difference = Input.J(A, Site) - Input.J(B, Site);
     if (Site != A && Site != B) Variance += 0.25 * Input.Sites[Site].Degeneracy * Difference * Difference;
   };
-  for (const MixedSite& Next : Near[A]) AddSpread(Next.Site);
-  for (const MixedSite& Next : Near[B]) {
-    if (Input.J(A, Next.Site) == 0.0) AddSpread(Next.Site);
+  for (const std::size_t Site : All[A]) AddSpread(Site);
+  for (const std::size_t Site : All[B]) {
+    if (Input.J(A, Site) == 0.0) AddSpread(Site);
   }
-  const double J = Input.J(A, B);
   double Sum = 0.0;
   for (const double Quantile : Quantiles) {
     const double Distance = Input.Sites[A].Frequency - Input.Sites[B].Frequency + Quantile * std::sqrt(Variance);
     Sum += J * J / (Distance * Distance + J * J + SeenDistance * SeenDistance);
   }
   return Sum / double(Quantiles.size());
+}
+
+// What couples a site to others through a third one, to second order, in Hz.
+std::map<std::size_t, double> FindIndirectCouplings(const SpectrumInput& Input, const Couplings& All, std::size_t A) {
+  std::map<std::size_t, double> Result;
+  for (const std::size_t Between : All[A]) {
+    for (const std::size_t B : All[Between]) {
+      if (B == A || Input.J(A, B) != 0.0) continue;
+      const double Distance =
+          0.5 * (Input.Sites[A].Frequency + Input.Sites[B].Frequency) - Input.Sites[Between].Frequency;
+      const double Product = Input.J(A, Between) * Input.J(Between, B);
+      Result[B] += 0.5 * Product * Distance / (Distance * Distance + std::fabs(Product));
+    }
+  }
+  return Result;
 }
 
 // How much is seen of a splitting.
@@ -110,26 +131,33 @@ CouplingQueue RankCouplings(const SpectrumInput& Input, const Neighbourhood& Nea
 }  // namespace
 
 Neighbourhood FindNeighbours(const SpectrumInput& Input, const SpinPart& Part) {
-  Neighbourhood Result(Input.Sites.size());
+  Couplings All(Input.Sites.size());
   for (const std::size_t Site : Part.Sites) {
     for (const std::size_t Other : Part.Sites) {
-      if (Other != Site && Input.J(Site, Other) != 0.0) Result[Site].push_back({.Site = Other});
+      if (Other != Site && Input.J(Site, Other) != 0.0) All[Site].push_back(Other);
     }
   }
+  Neighbourhood Result(Input.Sites.size());
   for (const std::size_t Site : Part.Sites) {
-    for (MixedSite& Next : Result[Site]) Next.Mixing = MixingOf(Input, Result, Site, Next.Site);
+    for (const std::size_t Other : All[Site]) {
+      Result[Site].push_back({Other, Input.J(Site, Other), MixingOf(Input, All, Site, Other, Input.J(Site, Other))});
+    }
+    for (const auto& [Other, J] : FindIndirectCouplings(Input, All, Site)) {
+      const double Mixing = MixingOf(Input, All, Site, Other, J);
+      if (Mixing > SmallestIndirectMixing) Result[Site].push_back({Other, J, Mixing});
+    }
   }
   return Result;
 }
 
-double SumOfCubes(const std::vector<int>& Degeneracies) {
+double SimulationCost(const std::vector<int>& Degeneracies) {
   std::vector<int> Choice = Degeneracies;
   double Sum = 0.0;
   double NumChoices = 1.0;
   for (const int Degeneracy : Degeneracies) NumChoices *= int{Degeneracy / 2 + 1};
-  if (NumChoices > LargestCombination) return NumChoices * SumOfCubesOf(Choice);
+  if (NumChoices > LargestCombination) return NumChoices * SimulationCostOf(Choice);
   while (true) {
-    Sum += SumOfCubesOf(Choice);
+    Sum += SimulationCostOf(Choice);
     std::size_t K = 0;
     for (; K < Choice.size() && Choice[K] < 2; ++K) Choice[K] = Degeneracies[K];
     if (K == Choice.size()) return Sum;
@@ -161,8 +189,9 @@ Growth GrowCluster(const SpectrumInput& Input, const Neighbourhood& Near, const 
       Wanted.push_back(End);
       Degeneracies.push_back(Input.Sites[End].Degeneracy);
     }
-    if (!MayComeIn || Wanted.empty() || SumOfCubes(Degeneracies) > LargestCost) {
-      if (MayComeIn && !Wanted.empty() && Result.Refused == NoSite) Result.Refused = Wanted[0];
+    const double Cost = MayComeIn && !Wanted.empty() ? SimulationCost(Degeneracies) : 0.0;
+    if (Cost == 0.0 || Cost > LargestCost) {
+      if (Cost > 0.0 && Result.Refused == NoSite) Result.Refused = Wanted[0];
       Degeneracies.resize(NumMembers);
       continue;
     }

@@ -14,6 +14,7 @@ inline constexpr auto NoSite = static_cast<std::size_t>(-1);
 
 struct MixedSite {
   std::size_t Site = 0;
+  double J = 0.0;       // Hz; of two that are coupled through a third alone, to second order
   double Mixing = 0.0;  // how much of the other a state of one of the two holds: 0 first order, 1 equal shifts
 };
 using Neighbourhood = std::vector<std::vector<MixedSite>>;  // by site of the input
@@ -29,16 +30,16 @@ struct Growth {
   std::size_t Refused = NoSite;     // the first that was too large
 };
 
-// Takes in both ends of the coupling with the highest score, again and again, as long as the cost (see SumOfCubes) is
-// no more than LargestCost. The share of the core that stands at a site falls with each step from it. A coupling scores
-// its mixing times the share that sees it, be it at one of its ends or at a third site whose couplings to the two
-// differ by what can be seen, or times the score of a coupling beside it. Nuclei that are not observed stay outside;
-// as static fields they lose nothing.
+// Takes in both ends of the coupling with the highest score, again and again, as long as the cost (see SimulationCost)
+// is no more than LargestCost. The share of the core that stands at a site falls with each step from it. A coupling
+// scores its mixing times the share that sees it, be it at one of its ends or at a third site whose couplings to the
+// two differ by what can be seen, or times the score of a coupling beside it. Nuclei that are not observed stay
+// outside; as static fields they lose nothing.
 Growth GrowCluster(const SpectrumInput& Input, const Neighbourhood& Near, const std::vector<std::size_t>& Core,
                    double LargestCost);
 
-// The sum of the cubes of the blocks of sites of these degeneracies, over all total spins; what a diagonalisation
-// costs.
-double SumOfCubes(const std::vector<int>& Degeneracies);
+// What the diagonalisation of sites of these degeneracies costs: the sum over the blocks of all total spins of the cube
+// of their size, times what small ones are slower.
+double SimulationCost(const std::vector<int>& Degeneracies);
 
 }  // namespace nmrcalc

@@ -13,8 +13,8 @@ namespace nmrcalc {
 
 namespace {
 
-constexpr double FaintestMoment = 1e-9;     // of a transition, a first-order line of the system being 1
-constexpr double FaintestSplit = 1e-5;      // fainter lines are not split by what acts in first order
+constexpr double FaintestMoment = 1e-7;     // of a transition, a first-order line of the system being 1
+constexpr double FaintestSplit = 1e-4;      // fainter lines are not split by what acts in first order
 constexpr double SmallestSplitting = 0.15;  // Hz; smaller ones are taken together by their second moment
 constexpr double SmallestWidth = 0.005;     // Hz; less is not seen
 constexpr std::size_t MostSplitLines = 64;  // of one line
@@ -34,9 +34,12 @@ struct ClusterWork {
   const ClusterPlan& Plan;
   std::vector<OuterSite> Outside{};
   BlockBasis Basis{};
+  // Of each block, what is the same in all states of the surroundings
   std::vector<std::vector<double>> Hamiltonians{};
-  std::vector<std::size_t> CoreSpins{};   // spins of the system
-  std::vector<std::size_t> CorePlaces{};  // their places in Plan.Cores
+  std::vector<std::vector<double>> Mz{};                            // states x spins
+  std::vector<std::vector<std::vector<RaisingElement>>> Raising{};  // by spin
+  std::vector<std::size_t> CoreSpins{};                             // spins of the system
+  std::vector<std::size_t> CorePlaces{};                            // their places in Plan.Cores
   std::size_t NumWeakStates = 0;
   // Working storage of a line
   std::vector<Line> Split{};
@@ -44,27 +47,23 @@ struct ClusterWork {
 };
 
 // <Iz> of each spin in each eigenstate, times the fields of the weak units.
-void ComputeShifts(const ClusterWork& Work, const std::vector<std::uint32_t>& States, SolvedBlock& Block) {
-  const std::size_t Size = States.size();
+void ComputeShifts(const ClusterWork& Work, std::size_t Level, const FieldState& Field, SolvedBlock& Block) {
+  const std::size_t Size = Block.Energies.size();
   const std::size_t NumSpins = Work.System.Size();
-  std::vector<double>& Polarization = Block.Polarization;
-  Polarization.assign(Size * NumSpins, 0.0);
-  for (std::size_t Own = 0; Own < Size; ++Own) {
-    const double* Vector = Block.Vectors.data() + Own * Size;
-    double* Target = Polarization.data() + Own * NumSpins;
-    for (std::size_t K = 0; K < Size; ++K) {
-      const double Share = Vector[K] * Vector[K];
-      for (std::size_t Spin = 0; Spin < NumSpins; ++Spin)
-        Target[Spin] += Share * MzOf(Work.System, Work.Basis, States[K], Spin);
-    }
-  }
+  std::vector<double> Shares(Size * Size);
+  for (std::size_t K = 0; K < Shares.size(); ++K) Shares[K] = Block.Vectors[K] * Block.Vectors[K];
+  Block.Polarization.resize(Size * NumSpins);
+  MultiplyTransposed(Work.Mz[Level].data(), Shares.data(), Block.Polarization.data(), NumSpins, Size, Size);
   Block.Shifts.assign(Size * Work.NumWeakStates, 0.0);
   for (std::size_t Own = 0; Own < Size; ++Own) {
     double* Target = Block.Shifts.data() + Own * Work.NumWeakStates;
-    for (const auto& Unit : Work.Plan.Weak) {
+    for (std::size_t K = 0; K < Work.Plan.Weak.size(); ++K) {
+      const auto& Unit = Work.Plan.Weak[K];
+      const FieldState& Base = Unit[Field.Base[K]];
       for (const FieldState& State : Unit) {
         for (std::size_t Spin = 0; Spin < NumSpins; ++Spin) {
-          *Target += State.Field[Work.System.Sites[Spin]] * Polarization[Own * NumSpins + Spin];
+          const std::size_t Site = Work.System.Sites[Spin];
+          *Target += (State.Field[Site] - Base.Field[Site]) * Block.Polarization[Own * NumSpins + Spin];
         }
         ++Target;
       }
@@ -86,12 +85,12 @@ SolvedBlock SolveBlock(const ClusterWork& Work, std::size_t Level, const FieldSt
   for (std::size_t K = 0; K < States.size(); ++K) {
     double& Diagonal = Block.Vectors[K * States.size() + K];
     for (std::size_t Spin = 0; Spin < Work.System.Size(); ++Spin) {
-      Diagonal += Field.Field[Work.System.Sites[Spin]] * MzOf(Work.System, Work.Basis, States[K], Spin);
+      Diagonal += Field.Field[Work.System.Sites[Spin]] * Work.Mz[Level][Spin * States.size() + K];
     }
   }
   AddOutsideFlips(InField(Work, Level, Field), Block.Vectors);
   DiagonalizeSymmetric(Block.Vectors, States.size(), Block.Energies);
-  ComputeShifts(Work, States, Block);
+  ComputeShifts(Work, Level, Field, Block);
   return Block;
 }
 
@@ -165,35 +164,49 @@ void AddLinesOfOutside(ClusterWork& Work, std::size_t Level, const FieldState& S
 
 void AddPairLines(ClusterWork& Work, const FieldState& State, std::size_t Level, const SolvedBlock& Lower,
                   const SolvedBlock& Upper, double Weight, ClusterTask& Task) {
-  const auto& States = Work.Basis.Chains[0][Level];
-  const std::vector<double> Whole = ComputeMoments(BuildLeaningRaising(InField(Work, Level, State)), Lower, Upper);
-  std::vector<std::vector<double>> Own;
+  const auto& Raising = Work.Raising[Level];
+  const std::vector<double> Whole = ComputeMoments(AddLean(InField(Work, Level, State), Raising), Lower, Upper);
+  std::vector<std::vector<double>> Own;  // intensities
+  std::vector<double> Largest(Whole.size());
   for (const std::size_t Spin : Work.CoreSpins) {
-    Own.push_back(ComputeMoments(BuildRaisingOfSpin(Work.System, Work.Basis, States, Spin), Lower, Upper));
+    std::vector<double>& Intensities = Own.emplace_back(ComputeMoments(Raising[Spin], Lower, Upper));
+    for (std::size_t Place = 0; Place < Whole.size(); ++Place) {
+      Intensities[Place] *= Whole[Place];
+      Largest[Place] = std::max(Largest[Place], std::fabs(Intensities[Place]));
+    }
   }
   const std::size_t NumRows = Upper.Energies.size();
   for (std::size_t Column = 0; Column < Lower.Energies.size(); ++Column) {
     for (std::size_t Row = 0; Row < NumRows; ++Row) {
       const std::size_t Place = Column * NumRows + Row;
-      const double Moment = Whole[Place];
-      double Largest = 0.0;
-      for (const auto& Moments : Own) Largest = std::max(Largest, std::fabs(Moments[Place] * Moment));
-      if (Largest < FaintestMoment) continue;
+      if (Largest[Place] < FaintestMoment) continue;
       const double Frequency = Work.Basis.ObservedCarrier + Upper.Energies[Row] - Lower.Energies[Column];
-      if (Work.NumWeakStates == 0 || Largest < FaintestSplit) {
+      if (Work.NumWeakStates == 0 || Largest[Place] < FaintestSplit) {
         for (std::size_t Core = 0; Core < Own.size(); ++Core) {
-          AddLine(Task.Lines[Work.CorePlaces[Core]], Frequency, Own[Core][Place] * Moment * Weight, Weight);
+          AddLine(Task.Lines[Work.CorePlaces[Core]], Frequency, Own[Core][Place] * Weight, Weight);
         }
         continue;
       }
       const std::vector<Line>& Split = SplitLine(Work, Frequency, Upper.Shifts.data() + Row * Work.NumWeakStates,
                                                  Lower.Shifts.data() + Column * Work.NumWeakStates);
       for (std::size_t Core = 0; Core < Own.size(); ++Core) {
-        const double Intensity = Own[Core][Place] * Moment * Weight;
+        const double Intensity = Own[Core][Place] * Weight;
         for (const Line& Item : Split) {
           AddLine(Task.Lines[Work.CorePlaces[Core]], Item.Frequency, Item.Intensity * Intensity, Weight);
         }
       }
+    }
+  }
+}
+
+void PrepareBlocks(ClusterWork& Work) {
+  for (const auto& States : Work.Basis.Chains[0]) {
+    Work.Hamiltonians.push_back(BuildHamiltonian(Work.System, Work.Basis, States));
+    Work.Mz.emplace_back();
+    Work.Raising.emplace_back();
+    for (std::size_t Spin = 0; Spin < Work.System.Size(); ++Spin) {
+      for (const std::uint32_t State : States) Work.Mz.back().push_back(MzOf(Work.System, Work.Basis, State, Spin));
+      Work.Raising.back().push_back(BuildRaisingOfSpin(Work.System, Work.Basis, States, Spin));
     }
   }
 }
@@ -209,8 +222,8 @@ void SimulateSystem(const SpectrumInput& Input, const SpinSystem& System, const 
   }
   if (Work.CoreSpins.empty()) return;
   Work.Basis = BuildBasis(System, false);
+  PrepareBlocks(Work);
   const auto& Levels = Work.Basis.Chains[0];
-  for (const auto& States : Levels) Work.Hamiltonians.push_back(BuildHamiltonian(System, Work.Basis, States));
   for (const auto& Unit : Plan.Weak) Work.NumWeakStates += Unit.size();
   for (std::size_t Field = Task.FirstField; Field < Task.EndField; ++Field) {
     const FieldState& State = Plan.Fields[Field];

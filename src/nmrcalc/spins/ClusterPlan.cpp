@@ -1,6 +1,7 @@
 #include "nmrcalc/spins/ClusterPlan.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <numeric>
@@ -11,12 +12,13 @@ namespace nmrcalc {
 
 namespace {
 
-constexpr double CoreStrength = 0.1;           // of a coupling from which two sites are one core
-constexpr double UnitStrength = 0.3;           // of a coupling from which sites outside are solved together
-constexpr std::size_t LargestFieldCount = 64;  // states of the surroundings in which a cluster is diagonalised
-constexpr double SameField = 1e-6;             // Hz
-constexpr double OperationsPerCube = 5.0;      // of the eigenvectors
-constexpr double OperationsPerMoment = 2.0;    // for each product of moments
+constexpr double CoreStrength = 0.1;            // of a coupling from which two sites are one core
+constexpr double UnitStrength = 0.3;            // of a coupling from which sites outside are solved together
+constexpr std::size_t LargestFieldCount = 128;  // states of the surroundings in which a cluster is diagonalised
+constexpr std::size_t LeastFieldCount = 4;      // where some act in first order alone
+constexpr double SameField = 1e-6;              // Hz
+constexpr double OperationsPerCube = 5.0;       // of the eigenvectors
+constexpr double OperationsPerMoment = 2.0;     // for each product of moments
 
 // How strongly two sites are coupled: from 0, first order, to 1, equal shifts.
 double Strength(const SpectrumInput& Input, std::size_t A, std::size_t B) {
@@ -132,17 +134,19 @@ std::vector<FieldState> StatesOfSpins(const SpectrumInput& Input, const std::vec
 
 // How much the states of a unit change the mixing of the members beyond first order: the largest product of a pair's
 // influence, its mixing, and the difference of the fields on the two in terms of their distance.
-double MixingByFields(const SpectrumInput& Input, const Growth& Members, const std::vector<FieldState>& States) {
+double MixingByFields(const SpectrumInput& Input, const Neighbourhood& Near, const Growth& Members,
+                      const std::vector<FieldState>& States) {
   double Largest = 0.0;
   for (std::size_t A = 0; A < Members.Sites.size(); ++A) {
-    for (std::size_t B = 0; B < A; ++B) {
-      const double J = Input.J(Members.Sites[A], Members.Sites[B]);
-      if (J == 0.0) continue;
+    for (const MixedSite& Next : Near[Members.Sites[A]]) {
+      const auto Place = std::lower_bound(Members.Sites.begin(), Members.Sites.end(), Next.Site);
+      if (Place == Members.Sites.end() || *Place != Next.Site) continue;
+      const auto B = static_cast<std::size_t>(Place - Members.Sites.begin());
       double Spread = 0.0;
       for (const FieldState& State : States) Spread = std::max(Spread, std::fabs(State.Field[A] - State.Field[B]));
       const double Distance = Input.Sites[Members.Sites[A]].Frequency - Input.Sites[Members.Sites[B]].Frequency;
-      Largest = std::max(Largest, std::sqrt(Members.Influence[A] * Members.Influence[B]) * std::fabs(J) * Spread /
-                                      (Distance * Distance + J * J + 1.0));
+      Largest = std::max(Largest, std::sqrt(Members.Influence[A] * Members.Influence[B]) * std::fabs(Next.J) * Spread /
+                                      (Distance * Distance + Next.J * Next.J + 1.0));
     }
   }
   return Largest;
@@ -163,9 +167,36 @@ void MultiplyStates(std::vector<FieldState>& Product, const std::vector<FieldSta
 
 double SmallestMixing(int Level) { return 0.02 * std::pow(0.6, Level); }
 
+// Repeats the fields until each state of a weak unit finds a place among them.
+void RepeatFields(std::vector<FieldState>& Fields) {
+  const std::vector<FieldState> Once = Fields;
+  while (Fields.size() < LeastFieldCount) Fields.insert(Fields.end(), Once.begin(), Once.end());
+  for (FieldState& State : Fields) State.Weight *= double(Once.size()) / double(Fields.size());
+}
+
+// Puts a state of each weak unit into the fields, each state as often as its weight says. Without that two states of
+// the cluster that differ in far members alone may come so near to each other that they mix as they never do in nature.
+void AddWeakStates(ClusterPlan& Plan) {
+  constexpr std::array<std::size_t, 8> Steps{5, 11, 3, 13, 7, 9, 15, 1};  // so that the units go different ways
+  const std::size_t NumFields = Plan.Fields.size();
+  for (std::size_t Unit = 0; Unit < Plan.Weak.size(); ++Unit) {
+    const std::vector<FieldState>& States = Plan.Weak[Unit];
+    for (std::size_t K = 0; K < NumFields; ++K) {
+      const std::size_t Turn = (K * Steps[Unit % Steps.size()] + Unit) % NumFields;
+      const double Place = (double(Turn) + 0.5) / double(NumFields);
+      std::size_t Base = 0;
+      for (double Sum = States[0].Weight; Sum < Place && Base + 1 < States.size(); Sum += States[Base].Weight) ++Base;
+      FieldState& Field = Plan.Fields[K];
+      Field.Base.push_back(Base);
+      for (std::size_t I = 0; I < Field.Field.size(); ++I) Field.Field[I] += States[Base].Field[I];
+      for (std::size_t I = 0; I < Field.Mz.size(); ++I) Field.Mz[I] += States[Base].Mz[I];
+    }
+  }
+}
+
 // Fills what stands outside the members.
-void AddSurroundings(const SpectrumInput& Input, const SpinPart& Part, const Growth& Members, int Level,
-                     ClusterPlan& Plan) {
+void AddSurroundings(const SpectrumInput& Input, const SpinPart& Part, const Neighbourhood& Near, const Growth& Members,
+                     int Level, ClusterPlan& Plan) {
   const std::vector<std::size_t>& Outside = Plan.Outside;
   for (const std::size_t Site : Part.Sites) {
     const auto IsCoupled = [&](std::size_t Member) { return Input.J(Site, Member) != 0.0; };
@@ -181,7 +212,7 @@ void AddSurroundings(const SpectrumInput& Input, const SpinPart& Part, const Gro
   for (const OutsideUnit& Unit : FindOutsideUnits(Input, Outside)) {
     auto States = Unit.size() == 1 ? StatesOfSite(Input, Members.Sites, Outside, Unit[0])
                                    : StatesOfSpins(Input, Members.Sites, Outside, Unit);
-    const double Mixing = MixingByFields(Input, Members, States);
+    const double Mixing = MixingByFields(Input, Near, Members, States);
     Units.push_back({Mixing, std::move(States)});
   }
   std::stable_sort(Units.begin(), Units.end(), [](const Ranked& A, const Ranked& B) { return A.Mixing > B.Mixing; });
@@ -194,6 +225,8 @@ void AddSurroundings(const SpectrumInput& Input, const SpinPart& Part, const Gro
       Plan.Weak.push_back(std::move(Unit.States));
     }
   }
+  if (!Plan.Weak.empty()) RepeatFields(Plan.Fields);
+  AddWeakStates(Plan);
 }
 
 }  // namespace
@@ -230,7 +263,7 @@ std::vector<std::vector<std::size_t>> FindCores(const SpectrumInput& Input, cons
 
 std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart& Part, const Neighbourhood& Near,
                                       const std::vector<std::vector<std::size_t>>& Cores, int Level) {
-  const double LargestCost = SumOfCubes(std::vector<int>(static_cast<std::size_t>(Level), 1));
+  const double LargestCost = SimulationCost(std::vector<int>(static_cast<std::size_t>(Level), 1));
   struct Shared {
     std::map<std::size_t, double> Influences{};  // of each member the largest on any of the cores
     std::vector<std::size_t> Cores{};
@@ -259,8 +292,8 @@ std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart
       Degeneracies.push_back(Input.Sites[Key[I]].Degeneracy);
       if (std::find(Cluster.Cores.begin(), Cluster.Cores.end(), Key[I]) != Cluster.Cores.end()) Plan.Cores.push_back(I);
     }
-    AddSurroundings(Input, Part, Members, Level, Plan);
-    Plan.Operations = SumOfCubes(Degeneracies) * double(Plan.Fields.size()) *
+    AddSurroundings(Input, Part, Near, Members, Level, Plan);
+    Plan.Operations = SimulationCost(Degeneracies) * double(Plan.Fields.size()) *
                       (OperationsPerCube + OperationsPerMoment * double(1 + Plan.Cores.size()));
     Plans.push_back(std::move(Plan));
   }

@@ -18,6 +18,8 @@ struct FieldState {
   double Weight = 1.0;
   std::vector<double> Field{};  // Hz, as ClusterPlan::Sites
   std::vector<double> Mz{};     // of the sites outside, as ClusterPlan::Outside
+  // Of each unit of ClusterPlan::Weak the state that is in it
+  std::vector<std::size_t> Base{};
 };
 
 struct ClusterPlan {
@@ -27,7 +29,8 @@ struct ClusterPlan {
   // States of the outside that change how the members mix: the cluster is diagonalised in each. The weights add up
   // to 1.
   std::vector<FieldState> Fields{};
-  // What acts on the lines in first order alone: for each spin or small group of spins outside, its states.
+  // What acts on the lines in first order alone: for each spin or small group of spins outside, its states. One of them
+  // is in each field state.
   std::vector<std::vector<FieldState>> Weak{};
   bool IsWhole = false;  // nothing is left outside
   // The most influential site that was too large for the level; NoSite when there is none.

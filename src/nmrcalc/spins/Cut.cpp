@@ -20,11 +20,12 @@ namespace {
 constexpr int FirstLevel = 2;
 constexpr int HighestLevel = 16;
 constexpr double FaintestBin = 1e-8;          // of a site's area
-constexpr double ErrorMargin = 1.1;           // over what moves, which was 0.99 to 48 times the true error
-constexpr double RateGrowth = 1.5;            // larger blocks run faster
-constexpr double LeastRate = 1e9;             // operations in a second; the first levels take too little time to tell
-constexpr int FirstRestLevel = 7;             // clusters stop growing where their cores have settled
-constexpr double RestShare = 0.5;             // of the tolerance that all of those together may take
+constexpr double RoughChange = 0.06;          // of the area; where as much moves, errors of sites may not cancel
+constexpr double SteepestFall = 0.25;         // of the told error from a level to the next
+constexpr double RateGrowth = 1.1;            // larger blocks run faster than is reckoned
+constexpr double LeastRate = 5e9;             // operations in a second; the first levels take too little time to tell
+constexpr int FirstRestLevel = 8;             // clusters stop growing where their cores have settled
+constexpr double RestShare = 0.1;             // of the tolerance that all of those together may take
 constexpr double LargestTaskShare = 0.125;    // of a level's work, so that the cores end together
 constexpr double BytesPerSquare = 8.0 * 8.0;  // of the largest block: matrices of two levels and their moments
 
@@ -150,10 +151,19 @@ double BytesOfLevel(int Level) {
   return double(NumUsableCores()) * BytesPerSquare * std::exp2(2.0 * Level) * 2.0 / (3.1416 * Level);
 }
 
-// What moves of a site between two levels. Where the site that matters most could not be taken in since, the two say
-// nothing of each other, and what was known before holds. Sites in a cluster that is the whole part are exact.
-void UpdateErrors(const LevelResult& Upper, const LevelResult& Lower, std::vector<double>& Errors) {
-  std::vector<std::size_t> LowerRefused(Errors.size(), NoSite);
+// What is known of the error of each site of the input.
+struct KnownErrors {
+  std::vector<double> Areas{};  // that may be misplaced
+  // The lines from which it was found; none at the beginning, when all of the site is unknown.
+  std::vector<std::vector<Line>> Before{};
+  std::vector<std::vector<Line>> After{};
+};
+
+// What moves of each site between two levels. Where the site that matters most could not be taken in since, the two say
+// nothing of each other, and what was known of the site before holds. Sites in a cluster that is the whole part are
+// exact.
+void UpdateErrors(const LevelResult& Upper, const LevelResult& Lower, KnownErrors& Errors) {
+  std::vector<std::size_t> LowerRefused(Errors.Areas.size(), NoSite);
   for (const ClusterPlan& Plan : Lower.Plans) {
     for (const std::size_t Core : Plan.Cores) LowerRefused[Plan.Sites[Core]] = Plan.Refused;
   }
@@ -161,12 +171,34 @@ void UpdateErrors(const LevelResult& Upper, const LevelResult& Lower, std::vecto
     for (const std::size_t Core : Plan.Cores) {
       const std::size_t Site = Plan.Sites[Core];
       if (Plan.IsWhole) {
-        Errors[Site] = 0.0;
+        Errors.Areas[Site] = 0.0;
       } else if (Plan.Refused == NoSite || Plan.Refused != LowerRefused[Site]) {
-        Errors[Site] = CompareLines(Upper.SiteLines[Site], Lower.SiteLines[Site], ErrorLineWidth);
+        Errors.Areas[Site] = CompareLines(Upper.SiteLines[Site], Lower.SiteLines[Site], ErrorLineWidth);
+        Errors.Before[Site] = Lower.SiteLines[Site];
+        Errors.After[Site] = Upper.SiteLines[Site];
       }
     }
   }
+}
+
+// The area of the whole spectrum that may be misplaced. What one site has too much another has too little, so it is
+// less than the sum over the sites; where much moves that is not relied on.
+double SumErrors(const KnownErrors& Errors, double Area) {
+  std::vector<Line> Before;
+  std::vector<Line> After;
+  double Unknown = 0.0;
+  double Moved = 0.0;
+  for (std::size_t Site = 0; Site < Errors.Areas.size(); ++Site) {
+    if (Errors.Areas[Site] == 0.0) continue;
+    (Errors.After[Site].empty() ? Unknown : Moved) += Errors.Areas[Site];
+    Before.insert(Before.end(), Errors.Before[Site].begin(), Errors.Before[Site].end());
+    After.insert(After.end(), Errors.After[Site].begin(), Errors.After[Site].end());
+  }
+  SortLines(Before);
+  SortLines(After);
+  const double Whole = CompareLines(After, Before, ErrorLineWidth);
+  const double Roughness = std::min(1.0, Whole / (RoughChange * Area));
+  return Unknown + Whole + Roughness * std::max(0.0, Moved - Whole);
 }
 
 // Counts clusters into the result.
@@ -209,12 +241,14 @@ CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const Cu
   auto Cores = FindCores(Input, Part);  // that still grow
   std::vector<LevelResult> Levels;      // the last three
   CutResult Result;
-  std::vector<double> Errors(Input.Sites.size());  // area that may be misplaced, by site
+  KnownErrors Errors{.Areas = std::vector<double>(Input.Sites.size()),
+                     .Before = std::vector<std::vector<Line>>(Input.Sites.size()),
+                     .After = std::vector<std::vector<Line>>(Input.Sites.size())};
   double Area = 0.0;
   for (const auto& Core : Cores) {
     for (const std::size_t Site : Core) {
-      Errors[Site] = CutNucleusIntensity * Input.Sites[Site].Degeneracy;
-      Area += Errors[Site];
+      Errors.Areas[Site] = CutNucleusIntensity * Input.Sites[Site].Degeneracy;
+      Area += Errors.Areas[Site];
     }
   }
   double Rate = 0.0;  // operations in a second, of the last level
@@ -232,17 +266,19 @@ CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const Cu
     }
     const auto Start = RunClock::now();
     if (!RunLevel(Input, Level, Limits.Deadline, Level > FirstLevel, Next)) break;
-    for (std::size_t Site = 0; !Levels.empty() && Site < Errors.size(); ++Site) {
+    for (std::size_t Site = 0; !Levels.empty() && Site < Input.Sites.size(); ++Site) {
       if (Next.SiteLines[Site].empty()) Next.SiteLines[Site] = Levels.back().SiteLines[Site];
     }
     Rate = Operations / std::max(-SecondsUntil(Start), 1e-6);
     Levels.push_back(std::move(Next));
     Result.Level = Level;
     if (Levels.size() > 3) Levels.erase(Levels.begin());
-    if (Levels.size() >= 2) UpdateErrors(Levels.back(), Levels.front(), Errors);
-    Result.Error = ErrorMargin * std::accumulate(Errors.begin(), Errors.end(), 0.0) / Area;
+    if (Levels.size() >= 2) {
+      UpdateErrors(Levels.back(), Levels.front(), Errors);
+      Result.Error = std::max(SumErrors(Errors, Area) / Area, SteepestFall * Result.Error);
+    }
     if (Levels.size() == 3 && Result.Error <= Limits.Tolerance) break;
-    if (Level >= FirstRestLevel) RestClusters(Input, Errors, Allowed, Levels.back(), Cores, Result);
+    if (Level >= FirstRestLevel) RestClusters(Input, Errors.Areas, Allowed, Levels.back(), Cores, Result);
   }
   TellClusters(Input, Levels.back().Plans, Result);
   for (const std::size_t Site : Part.Sites) Result.SiteLines.push_back(std::move(Levels.back().SiteLines[Site]));

@@ -155,12 +155,13 @@ void AddOutsideFlips(const BlockInField& Block, std::vector<double>& Matrix) {
   }
 }
 
-std::vector<RaisingElement> BuildLeaningRaising(const BlockInField& Block) {
+std::vector<RaisingElement> AddLean(const BlockInField& Block,
+                                    const std::vector<std::vector<RaisingElement>>& Raising) {
   std::vector<RaisingElement> All;
   for (std::size_t Spin = 0; Spin < Block.System.Size(); ++Spin) {
     double Factor = 1.0;
     for (std::size_t K = 0; K < Block.Outside.size(); ++K) Factor -= Block.Field.Mz[K] * Block.Outside[K].Lean[Spin];
-    for (RaisingElement Own : BuildRaisingOfSpin(Block.System, Block.Basis, Block.States, Spin)) {
+    for (RaisingElement Own : Raising[Spin]) {
       Own.Value *= Factor;
       All.push_back(Own);
     }

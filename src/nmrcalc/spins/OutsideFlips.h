@@ -43,8 +43,8 @@ double MzOf(const SpinSystem& System, const BlockBasis& Basis, std::uint32_t Sta
 // Adds to the Hamiltonian of the block what the flip-flops with the outside do in second order.
 void AddOutsideFlips(const BlockInField& Block, std::vector<double>& Matrix);
 
-// The raising operator of the cluster from the block, with the lean of each spin's lines.
-std::vector<RaisingElement> BuildLeaningRaising(const BlockInField& Block);
+// The raising operator of the cluster from the block, with the lean of each spin's lines, of those of its spins.
+std::vector<RaisingElement> AddLean(const BlockInField& Block, const std::vector<std::vector<RaisingElement>>& Raising);
 
 // Adds the lines of the sites outside that a core spin has a share in. Polarization holds <Iz> of each spin in each
 // eigenstate of the block, spins x eigenstates.
