@@ -199,9 +199,10 @@ struct LabelRow {
   int Width = 0;  // of the surface
   int FreeFrom = 0;
 
+  static constexpr int Gap = 4;
+
   void Print(DrawingContext& Context, int X, int Y, const Text& Label, Colour Pen) {
     constexpr int LeftOfTick = 15;
-    constexpr int Gap = 4;
     const int Room = Width - TextPixels(Label);
     const int Place = std::clamp(X - LeftOfTick, 0, std::max(Room, 0));
     if (X < 0 || X >= Width || Room < 0 || Place < FreeFrom) return;
@@ -222,6 +223,11 @@ void DrawTicks(DrawingContext& Context, Colour Axis, int Width, int Height) {
   const Double FirstTick = RoundUp(Low / V.SpectrometerMHz / Step);
   if (!(std::fabs(FirstTick) < 1.0e15)) return;
   LabelRow Labels{Width};
+  if (Settings.FirstSight) {
+    constexpr int UnitPixels = 4 * DigitPixels;  // an m is wider than a digit
+    Labels.Width -= UnitPixels + LabelRow::Gap;
+    PrintAt(Context, (Width - UnitPixels) * TwipsPerPixelX, (Height - AxisRow) * TwipsPerPixelY, "ppm", Axis);
+  }
   for (auto Tick = static_cast<std::int64_t>(FirstTick);; ++Tick) {
     const Double Place = static_cast<Double>(Tick) * Step;
     if (!(Place < HighPpm)) return;

@@ -10,6 +10,7 @@
 #include "qt/Dispatch.h"
 #include "qt/TextConversion.h"
 #include "qt/controls/ControlWidgets.h"
+#include "qt/controls/ItemViews.h"
 #include "qt/views/SurfaceMarks.h"
 
 namespace zelvanor {
@@ -37,16 +38,11 @@ class ItemModel : public QAbstractListModel {
   const ListBox& List;
 };
 
-class ItemView : public QListView {
+class ItemView : public AtWork<QListView> {
  public:
-  ItemView(const ListBox& List, QWidget* Parent) : QListView(Parent), List(List) {}
+  ItemView(const ListBox& List, QWidget* Parent) : AtWork(Parent), List(List) {}
 
  protected:
-  // Without the keys a list is still of the window at work: some styles grey what is not.
-  void initViewItemOption(QStyleOptionViewItem* Option) const override {
-    QListView::initViewItemOption(Option);
-    Option->state.setFlag(QStyle::State_Active, isActiveWindow());
-  }
   void paintEvent(QPaintEvent* Paint) override {
     QListView::paintEvent(Paint);
     if (!List.Items.empty() || List.EmptyHint.empty()) return;

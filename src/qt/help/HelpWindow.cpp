@@ -17,6 +17,7 @@
 #include "qt/Dispatch.h"
 #include "qt/TextConversion.h"
 #include "qt/controls/ControlWidgets.h"
+#include "qt/controls/ItemViews.h"
 #include "qt/frame/Remembered.h"
 #include "qt/help/FindBar.h"
 #include "qt/help/HelpPage.h"
@@ -67,9 +68,9 @@ class HelpWindow : public QWidget {
   int ZoomSteps = 0;
   QSplitter* Halves = new QSplitter(this);
   QTabWidget* Finders = new QTabWidget(this);
-  QTreeWidget* Contents = new QTreeWidget(this);
+  QTreeWidget* Contents = new AtWork<QTreeWidget>(this);
   QLineEdit* SearchField = new QLineEdit(this);
-  QListWidget* Hits = new QListWidget(this);
+  QListWidget* Hits = new AtWork<QListWidget>(this);
   HelpPage* Page = new HelpPage(this);
   FindBar* Find = new FindBar(*Page, this);
 };
