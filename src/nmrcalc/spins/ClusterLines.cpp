@@ -169,11 +169,12 @@ void AddPairLines(ClusterWork& Work, const FieldState& State, std::size_t Level,
   std::vector<std::vector<double>> Own;  // intensities
   std::vector<double> Largest(Whole.size());
   for (const std::size_t Spin : Work.CoreSpins) {
-    std::vector<double>& Intensities = Own.emplace_back(ComputeMoments(Raising[Spin], Lower, Upper));
+    std::vector<double> Intensities = ComputeMoments(Raising[Spin], Lower, Upper);
     for (std::size_t Place = 0; Place < Whole.size(); ++Place) {
       Intensities[Place] *= Whole[Place];
       Largest[Place] = std::max(Largest[Place], std::fabs(Intensities[Place]));
     }
+    Own.push_back(std::move(Intensities));
   }
   const std::size_t NumRows = Upper.Energies.size();
   for (std::size_t Column = 0; Column < Lower.Energies.size(); ++Column) {
