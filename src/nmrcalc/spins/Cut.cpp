@@ -21,6 +21,7 @@ constexpr int FirstLevel = 2;
 constexpr int HighestLevel = 16;
 constexpr double FaintestBin = 1e-8;          // of a site's area
 constexpr double RoughChange = 0.06;          // of the area; where as much moves, errors of sites may not cancel
+constexpr double ErrorMargin = 1.1;           // over what moves, which was 0.99 times the true error or more
 constexpr double SteepestFall = 0.25;         // of the told error from a level to the next
 constexpr double RateGrowth = 1.1;            // larger blocks run faster than is reckoned
 constexpr double LeastRate = 5e9;             // operations in a second; the first levels take too little time to tell
@@ -198,7 +199,7 @@ double SumErrors(const KnownErrors& Errors, double Area) {
   SortLines(After);
   const double Whole = CompareLines(After, Before, ErrorLineWidth);
   const double Roughness = std::min(1.0, Whole / (RoughChange * Area));
-  return Unknown + Whole + Roughness * std::max(0.0, Moved - Whole);
+  return Unknown + ErrorMargin * (Whole + Roughness * std::max(0.0, Moved - Whole));
 }
 
 // Counts clusters into the result.
