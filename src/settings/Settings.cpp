@@ -398,6 +398,12 @@ void WriteSettings() {
 }
 
 namespace {
+// Slots of the table's rows.
+constexpr int BackgroundSlot = 2;
+constexpr int LineSlot = 6;
+constexpr int EnvelopeSlot = 7;
+constexpr int SelectionSlot = 8;
+
 bool IsOwn(int Slot, Colour Present) {
   const auto Row =
       std::find_if(std::begin(Rows), std::end(Rows), [Slot](const SettingRow& R) { return R.Slot == Slot; });
@@ -406,11 +412,12 @@ bool IsOwn(int Slot, Colour Present) {
 }  // namespace
 
 bool AreSpectrumColoursOwn() {
-  return IsOwn(6, S.PrefGraphColor) || IsOwn(7, S.PrefEnvelopColor) || IsOwn(8, S.PrefSelectionColor);
+  return IsOwn(LineSlot, S.PrefGraphColor) || IsOwn(EnvelopeSlot, S.PrefEnvelopColor) ||
+         IsOwn(SelectionSlot, S.PrefSelectionColor);
 }
 
 Colour MoleculeBackground() { return IsSet(S.PrefMoleculeSet) ? S.PrefBackColor : S.BackColor; }
-bool IsMoleculeBackgroundOwn() { return IsOwn(2, MoleculeBackground()); }
+bool IsMoleculeBackgroundOwn() { return IsOwn(BackgroundSlot, MoleculeBackground()); }
 
 std::vector<Text> SettingKeys() {
   std::vector<Text> Keys;
