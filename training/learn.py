@@ -1,4 +1,6 @@
-"""learn.py WORK NAME MINUTES [SEED]: trains one network; goes on from WORK/NAME.checkpoint where there is one."""
+"""learn.py WORK NAME MINUTES [SEED [HYDROGEN]]: trains one network; goes on from WORK/NAME.checkpoint where there is one.
+
+HYDROGEN (1 unless told) multiplies the weight of all hydrogens in the loss."""
 import sys, time, pickle, os, ctypes, collections, math
 import numpy as np, torch
 import network
@@ -49,7 +51,7 @@ def load(path, kind):
             if ('exp13c' if kind == 'exp' else 'dft', i) in radical:
                 continue
             acc = collections.defaultdict(list)
-            for a, zz, v in (exp if kind == 'exp' else dft)[i]:
+            for a, zz, v in (exp if kind == 'exp' else dft).get(i, ()):
                 if zz == 6 and a in pos:
                     acc['C', int(d['group'][pos[a]])].append(v)
                 if zz == 1 and a in hp and (kind == 'dft') and (pz[hp[a]] == 6):
@@ -176,7 +178,7 @@ def lap(e, lb, base):
     b = base * torch.exp(lb.clamp(-5, 4))
     return e / b + torch.log(b)
 
-def loss_of(b, out, late):
+def loss_of(b, out, late, hydrogen):
     v, lb, off, hv = out
     v = gmean(v, b['group'])
     lb = gmean(lb, b['group'])
@@ -201,7 +203,7 @@ def loss_of(b, out, late):
             hm = gmean(hv[0], b['hgroup'])
             hl = gmean(hv[2], b['hgroup'])
             i, t, w = match(g, hm)
-            tot = tot + term((hm[i] - t).abs(), hl[i], w, 0.2, 0.2, True)
+            tot = tot + term((hm[i] - t).abs(), hl[i], hydrogen * w, 0.2, 0.2, True)
         else:
             i, t, w = match(g, v)
             tot = tot + term((v[i] - t).abs(), lb[i], w * (1 if nu != '13C' else 1), SC[nu], BASE[nu], nu == '13C') if nu not in ('31P', '19F') else tot + term((v[i] - t).abs(), lb[i], w, SC[nu], BASE[nu], False) * 1.0
@@ -211,7 +213,7 @@ def loss_of(b, out, late):
         hl = gmean(hv[2], b['hgroup'])
         e = (hm[a] - t).abs()
         det = e.detach()
-        tot = tot + (w * 0.7 * e / 0.15).sum()
+        tot = tot + (hydrogen * w * 0.7 * e / 0.15).sum()
     return tot
 
 @torch.no_grad()
@@ -255,6 +257,7 @@ def main():
     name = os.path.join(WORK, sys.argv[2])
     minutes = float(sys.argv[3])
     seed = int(sys.argv[4]) if len(sys.argv) > 4 else 1
+    hydrogen = float(sys.argv[5]) if len(sys.argv) > 5 else 1.0
     peak = 0.0012
     BS = 64
     cfg = {}
@@ -352,7 +355,7 @@ def main():
         lr = peak * min(1, (step + 1) / 500) * (0.5 * (1 + math.cos(math.pi * f)) * 0.995 + 0.005)
         for g in opt.param_groups:
             g['lr'] = lr
-        loss = loss_of(b, model(b), f > 0.4) / b['no']
+        loss = loss_of(b, model(b), f > 0.4, hydrogen) / b['no']
         if step % 500 == 499 and (not torch.isfinite(loss)):
             print('nan')
             sys.exit(1)

@@ -27,7 +27,7 @@ constexpr std::array<OutputScale, NumHeavyNuclei> HeavyScales = {{{100.0, 40.0, 
                                                                   {-2500.0, 1000.0, 50.0}}};
 constexpr OutputScale HydrogenScale = {4.0, 3.0, 0.2};
 // ppm. Small differences between computed and measured shifts come from the conformation, large ones from the method.
-constexpr double LargestComputed = 0.07;
+constexpr double LargestComputed = 0.08;
 constexpr double LeastLogScale = -5.0;
 constexpr double LargestLogScale = 4.0;
 
