@@ -90,45 +90,4 @@ std::vector<Line> TakeLines(const BinnedLines& Bins, double Area, double Faintes
   return Lines;
 }
 
-double CompareLines(const std::vector<Line>& A, const std::vector<Line>& B, double LineWidth) {
-  if (A.empty() || B.empty()) return 0.0;
-  constexpr double StepsPerWidth = 5.0;
-  constexpr double Reach = 15.0;  // widths; the difference has no area, so its wings fall off fast
-  const double Step = LineWidth / StepsPerWidth;
-  const double Lowest = std::min(A.front().Frequency, B.front().Frequency) - Reach * LineWidth;
-  const double Highest = std::max(A.back().Frequency, B.back().Frequency) + Reach * LineWidth;
-  // Far lines of a spectrum that is wide and empty are folded into a range that memory can hold.
-  constexpr double LargestRange = 1 << 22;
-  const auto NumPoints = static_cast<std::size_t>(std::clamp((Highest - Lowest) / Step + 2.0, 2.0, LargestRange));
-  std::vector<double> Difference(NumPoints);
-  const auto AddAll = [&](const std::vector<Line>& Lines, double Sign) {
-    for (const Line& Item : Lines) {
-      const double Place = std::clamp((Item.Frequency - Lowest) / Step, 0.0, double(NumPoints - 2));
-      const auto Point = static_cast<std::size_t>(Place);
-      const double Part = Place - double(Point);
-      Difference[Point] += Sign * Item.Intensity * (1.0 - Part);
-      Difference[Point + 1] += Sign * Item.Intensity * Part;
-    }
-  };
-  AddAll(A, 1.0);
-  AddAll(B, -1.0);
-  const auto HalfSize = static_cast<std::size_t>(Reach * StepsPerWidth);
-  std::vector<double> Shape(2 * HalfSize + 1);
-  double ShapeSum = 0.0;
-  for (std::size_t K = 0; K < Shape.size(); ++K) {
-    const double X = 2.0 * (double(K) - double(HalfSize)) / StepsPerWidth;
-    Shape[K] = 1.0 / (1.0 + X * X);
-    ShapeSum += Shape[K];
-  }
-  std::vector<double> Broadened(NumPoints + 2 * HalfSize);
-  for (std::size_t Point = 0; Point < NumPoints; ++Point) {
-    const double Value = Difference[Point] / ShapeSum;
-    if (Value == 0.0) continue;
-    for (std::size_t K = 0; K < Shape.size(); ++K) Broadened[Point + K] += Value * Shape[K];
-  }
-  double Sum = 0.0;
-  for (const double Value : Broadened) Sum += std::fabs(Value);
-  return Sum;
-}
-
 }  // namespace nmrcalc

@@ -58,8 +58,4 @@ std::vector<Line> TakeLines(const BinnedLines& Bins, double Area, double Faintes
 void MergeFaintLines(std::vector<Line>& Lines, double Limit);
 inline constexpr double MergeReach = 0.1;  // Hz
 
-// The area that has to be moved to turn one sorted list into another: the integral of the absolute difference of the
-// two spectra, with lines of full width LineWidth at half height.
-double CompareLines(const std::vector<Line>& A, const std::vector<Line>& B, double LineWidth);
-
 }  // namespace nmrcalc

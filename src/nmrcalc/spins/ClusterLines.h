@@ -21,6 +21,7 @@ struct ClusterTask {
   std::size_t Plan = 0;
   std::size_t FirstField = 0;
   std::size_t EndField = 0;
+  bool IsExact = true;  // else in single precision, to some 1e-4 Hz, in two thirds of the time
   std::vector<BinnedLines> Lines{};
 };
 

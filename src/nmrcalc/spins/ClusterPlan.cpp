@@ -1,7 +1,7 @@
 #include "nmrcalc/spins/ClusterPlan.h"
 
 #include <algorithm>
-#include <array>
+#include <bit>
 #include <cmath>
 #include <map>
 #include <numeric>
@@ -12,13 +12,12 @@ namespace nmrcalc {
 
 namespace {
 
-constexpr double CoreStrength = 0.1;            // of a coupling from which two sites are one core
-constexpr double UnitStrength = 0.3;            // of a coupling from which sites outside are solved together
-constexpr std::size_t LargestFieldCount = 128;  // states of the surroundings in which a cluster is diagonalised
-constexpr std::size_t LeastFieldCount = 4;      // where some act in first order alone
-constexpr double SameField = 1e-6;              // Hz
-constexpr double OperationsPerCube = 5.0;       // of the eigenvectors
-constexpr double OperationsPerMoment = 2.0;     // for each product of moments
+constexpr double CoreStrength = 0.1;         // of a coupling from which two sites are one core
+constexpr double UnitStrength = 0.3;         // of a coupling from which sites outside are solved together
+constexpr std::size_t MostFieldBits = 4;     // 2^4 states of the surroundings in which a cluster is diagonalised
+constexpr double SameField = 1e-6;           // Hz
+constexpr double OperationsPerCube = 5.0;    // of the eigenvectors
+constexpr double OperationsPerMoment = 2.0;  // for each product of moments
 
 // How strongly two sites are coupled: from 0, first order, to 1, equal shifts.
 double Strength(const SpectrumInput& Input, std::size_t A, std::size_t B) {
@@ -152,81 +151,92 @@ double MixingByFields(const SpectrumInput& Input, const Neighbourhood& Near, con
   return Largest;
 }
 
-void MultiplyStates(std::vector<FieldState>& Product, const std::vector<FieldState>& Factor) {
-  std::vector<FieldState> Result;
-  for (const FieldState& A : Product) {
-    for (const FieldState& B : Factor) {
-      FieldState State{.Weight = A.Weight * B.Weight, .Field = A.Field, .Mz = A.Mz};
-      for (std::size_t I = 0; I < State.Mz.size(); ++I) State.Mz[I] += B.Mz[I];
-      for (std::size_t I = 0; I < State.Field.size(); ++I) State.Field[I] += B.Field[I];
-      AddState(Result, std::move(State));
+// What stands outside and changes as one.
+struct Surrounding {
+  double Mixing = 0.0;      // see MixingByFields
+  std::size_t NumBits = 0;  // of a number, that choose its state: one for a spin 1/2, n for n of them
+  std::vector<FieldState> States{};
+};
+
+// In the order in which bits take them: each bit of the number alone, then sums of several, those of an odd count
+// first. So any two, and of the odd ones any three, take all their values equally often.
+std::vector<std::size_t> MakeMasks(std::size_t NumBits) {
+  std::vector<std::size_t> Masks;
+  for (std::size_t Bit = 0; Bit < NumBits; ++Bit) Masks.push_back(std::size_t{1} << Bit);
+  const std::size_t Last = std::size_t{1} << NumBits;
+  for (const int Rest : {1, 0}) {
+    for (int Count = static_cast<int>(NumBits); Count > 1; --Count) {
+      for (std::size_t Mask = 1; Count % 2 == Rest && Mask < Last; ++Mask) {
+        if (std::popcount(Mask) == Count) Masks.push_back(Mask);
+      }
     }
   }
-  Product = std::move(Result);
+  return Masks;
 }
 
-double SmallestMixing(int Level) { return 0.02 * std::pow(0.6, Level); }
-
-// Repeats the fields until each state of a weak unit finds a place among them.
-void RepeatFields(std::vector<FieldState>& Fields) {
-  const std::vector<FieldState> Once = Fields;
-  while (Fields.size() < LeastFieldCount) Fields.insert(Fields.end(), Once.begin(), Once.end());
-  for (FieldState& State : Fields) State.Weight *= double(Once.size()) / double(Fields.size());
+// What acts on the members, the strongest first.
+std::vector<Surrounding> FindSurroundings(const SpectrumInput& Input, const Neighbourhood& Near, const Growth& Members,
+                                          const std::vector<std::size_t>& Outside) {
+  std::vector<Surrounding> Units;
+  for (const OutsideUnit& Unit : FindOutsideUnits(Input, Outside)) {
+    Surrounding Own{.States = Unit.size() == 1 ? StatesOfSite(Input, Members.Sites, Outside, Unit[0])
+                                               : StatesOfSpins(Input, Members.Sites, Outside, Unit)};
+    Own.Mixing = MixingByFields(Input, Near, Members, Own.States);
+    for (const std::size_t Site : Unit) Own.NumBits += static_cast<std::size_t>(Input.Sites[Site].Degeneracy);
+    Own.NumBits = std::min(Own.NumBits, MostFieldBits);
+    Units.push_back(std::move(Own));
+  }
+  std::stable_sort(Units.begin(), Units.end(),
+                   [](const Surrounding& A, const Surrounding& B) { return A.Mixing > B.Mixing; });
+  return Units;
 }
 
-// Puts a state of each weak unit into the fields, each state as often as its weight says. Without that two states of
-// the cluster that differ in far members alone may come so near to each other that they mix as they never do in nature.
-void AddWeakStates(ClusterPlan& Plan) {
-  constexpr std::array<std::size_t, 8> Steps{5, 11, 3, 13, 7, 9, 15, 1};  // so that the units go different ways
-  const std::size_t NumFields = Plan.Fields.size();
-  for (std::size_t Unit = 0; Unit < Plan.Weak.size(); ++Unit) {
-    const std::vector<FieldState>& States = Plan.Weak[Unit];
-    for (std::size_t K = 0; K < NumFields; ++K) {
-      const std::size_t Turn = (K * Steps[Unit % Steps.size()] + Unit) % NumFields;
-      const double Place = (double(Turn) + 0.5) / double(NumFields);
-      std::size_t Base = 0;
-      for (double Sum = States[0].Weight; Sum < Place && Base + 1 < States.size(); Sum += States[Base].Weight) ++Base;
-      FieldState& Field = Plan.Fields[K];
-      Field.Base.push_back(Base);
-      for (std::size_t I = 0; I < Field.Field.size(); ++I) Field.Field[I] += States[Base].Field[I];
-      for (std::size_t I = 0; I < Field.Mz.size(); ++I) Field.Mz[I] += States[Base].Mz[I];
+// The state of a unit that stands at Turn of 2^NumBits, where each takes the room of its weight.
+const FieldState& StateAt(const Surrounding& Unit, std::size_t Turn) {
+  const double Place = std::ldexp(double(Turn) + 0.5, -static_cast<int>(Unit.NumBits));
+  std::size_t Own = 0;
+  for (double Sum = Unit.States[0].Weight; Sum < Place && Own + 1 < Unit.States.size();) {
+    Sum += Unit.States[++Own].Weight;
+  }
+  return Unit.States[Own];
+}
+
+// The states of all that stands outside, or a sample of them: the bits of a number choose the states of the strongest
+// units, sums of these bits those of the others. To move the lines in first order instead, by what a unit does to <Iz>
+// of each state, fails where far states of the cluster are nearly equal and mix as they never do in nature.
+void AddFields(const std::vector<Surrounding>& Units, ClusterPlan& Plan) {
+  std::size_t NumBits = 0;
+  for (const Surrounding& Unit : Units) NumBits = std::min(MostFieldBits, NumBits + Unit.NumBits);
+  const std::vector<std::size_t> Masks = MakeMasks(NumBits);
+  const std::size_t NumFields = std::size_t{1} << NumBits;
+  for (std::size_t Number = 0; Number < NumFields; ++Number) {
+    FieldState Field{.Weight = 1.0 / double(NumFields),
+                     .Field = std::vector<double>(Plan.Sites.size()),
+                     .Mz = std::vector<double>(Plan.Outside.size())};
+    std::size_t Bit = 0;
+    for (const Surrounding& Unit : Units) {
+      std::size_t Turn = 0;
+      for (std::size_t K = 0; K < Unit.NumBits; ++K, ++Bit) {
+        Turn = 2 * Turn + (std::popcount(Number & Masks[Bit % Masks.size()]) & 1);
+      }
+      const FieldState& State = StateAt(Unit, Turn);
+      for (std::size_t I = 0; I < Field.Field.size(); ++I) Field.Field[I] += State.Field[I];
+      for (std::size_t I = 0; I < Field.Mz.size(); ++I) Field.Mz[I] += State.Mz[I];
     }
+    AddState(Plan.Fields, std::move(Field));
   }
 }
 
-// Fills what stands outside the members.
-void AddSurroundings(const SpectrumInput& Input, const SpinPart& Part, const Neighbourhood& Near, const Growth& Members,
-                     int Level, ClusterPlan& Plan) {
-  const std::vector<std::size_t>& Outside = Plan.Outside;
+// The sites of the part that are coupled to members.
+std::vector<std::size_t> FindOutside(const SpectrumInput& Input, const SpinPart& Part,
+                                     const std::vector<std::size_t>& Members) {
+  std::vector<std::size_t> Outside;
   for (const std::size_t Site : Part.Sites) {
     const auto IsCoupled = [&](std::size_t Member) { return Input.J(Site, Member) != 0.0; };
-    if (std::find(Members.Sites.begin(), Members.Sites.end(), Site) != Members.Sites.end()) continue;
-    if (std::any_of(Members.Sites.begin(), Members.Sites.end(), IsCoupled)) Plan.Outside.push_back(Site);
+    if (std::find(Members.begin(), Members.end(), Site) != Members.end()) continue;
+    if (std::any_of(Members.begin(), Members.end(), IsCoupled)) Outside.push_back(Site);
   }
-  Plan.IsWhole = Outside.empty();
-  struct Ranked {
-    double Mixing;
-    std::vector<FieldState> States;
-  };
-  std::vector<Ranked> Units;
-  for (const OutsideUnit& Unit : FindOutsideUnits(Input, Outside)) {
-    auto States = Unit.size() == 1 ? StatesOfSite(Input, Members.Sites, Outside, Unit[0])
-                                   : StatesOfSpins(Input, Members.Sites, Outside, Unit);
-    const double Mixing = MixingByFields(Input, Near, Members, States);
-    Units.push_back({Mixing, std::move(States)});
-  }
-  std::stable_sort(Units.begin(), Units.end(), [](const Ranked& A, const Ranked& B) { return A.Mixing > B.Mixing; });
-  Plan.Fields = {
-      {.Weight = 1.0, .Field = std::vector<double>(Members.Sites.size()), .Mz = std::vector<double>(Outside.size())}};
-  for (Ranked& Unit : Units) {
-    if (Unit.Mixing > SmallestMixing(Level) && Plan.Fields.size() * Unit.States.size() <= LargestFieldCount) {
-      MultiplyStates(Plan.Fields, Unit.States);
-    } else {
-      Plan.Weak.push_back(std::move(Unit.States));
-    }
-  }
-  if (!Plan.Weak.empty()) RepeatFields(Plan.Fields);
-  AddWeakStates(Plan);
+  return Outside;
 }
 
 }  // namespace
@@ -292,7 +302,9 @@ std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart
       Degeneracies.push_back(Input.Sites[Key[I]].Degeneracy);
       if (std::find(Cluster.Cores.begin(), Cluster.Cores.end(), Key[I]) != Cluster.Cores.end()) Plan.Cores.push_back(I);
     }
-    AddSurroundings(Input, Part, Near, Members, Level, Plan);
+    Plan.Outside = FindOutside(Input, Part, Key);
+    Plan.IsWhole = Plan.Outside.empty();
+    AddFields(FindSurroundings(Input, Near, Members, Plan.Outside), Plan);
     Plan.Operations = SimulationCost(Degeneracies) * double(Plan.Fields.size()) *
                       (OperationsPerCube + OperationsPerMoment * double(1 + Plan.Cores.size()));
     Plans.push_back(std::move(Plan));

@@ -18,20 +18,14 @@ struct FieldState {
   double Weight = 1.0;
   std::vector<double> Field{};  // Hz, as ClusterPlan::Sites
   std::vector<double> Mz{};     // of the sites outside, as ClusterPlan::Outside
-  // Of each unit of ClusterPlan::Weak the state that is in it
-  std::vector<std::size_t> Base{};
 };
 
 struct ClusterPlan {
   std::vector<std::size_t> Sites{};    // indices into SpectrumInput::Sites, rising
   std::vector<std::size_t> Cores{};    // places in Sites
   std::vector<std::size_t> Outside{};  // sites that are coupled to members
-  // States of the outside that change how the members mix: the cluster is diagonalised in each. The weights add up
-  // to 1.
+  // States of the outside: the cluster is diagonalised in each. All there are, or a sample. The weights add up to 1.
   std::vector<FieldState> Fields{};
-  // What acts on the lines in first order alone: for each spin or small group of spins outside, its states. One of them
-  // is in each field state.
-  std::vector<std::vector<FieldState>> Weak{};
   bool IsWhole = false;  // nothing is left outside
   // The most influential site that was too large for the level; NoSite when there is none.
   std::size_t Refused = NoSite;

@@ -1,5 +1,6 @@
 #include "nmrcalc/spins/LinearAlgebra.h"
 
+#include <Eigen/Eigenvalues>
 #include <memory>
 #include <string>
 
@@ -8,6 +9,8 @@
 extern "C" {
 void dsyevd_(const char* Job, const char* Triangle, const int* Size, double* Matrix, const int* Leading, double* Values,
              double* Work, const int* WorkSize, int* WholeWork, const int* WholeWorkSize, int* Info);
+void ssyevd_(const char* Job, const char* Triangle, const int* Size, float* Matrix, const int* Leading, float* Values,
+             float* Work, const int* WorkSize, int* WholeWork, const int* WholeWorkSize, int* Info);
 void dgemm_(const char* LeftForm, const char* RightForm, const int* Rows, const int* Columns, const int* Inner,
             const double* Alpha, const double* Left, const int* LeftLeading, const double* Right,
             const int* RightLeading, const double* Beta, double* Target, const int* TargetLeading);
@@ -51,6 +54,38 @@ void MultiplyBy(Multiply<Number> Routine, const Number* Left, const Number* Righ
   Routine("T", "N", &NumRows, &NumColumns, &NumInner, &One, Left, &NumInner, Right, &NumInner, &Zero, Target, &NumRows);
 }
 
+[[noreturn]] void ThrowNoConvergence(std::size_t Size) {
+  throw zelvanor::Failure("The eigenvalues of a block of " + std::to_string(Size) + " states did not converge");
+}
+
+template <class Number>
+using Solve = void(const char*, const char*, const int*, Number*, const int*, Number*, Number*, const int*, int*,
+                   const int*, int*);
+
+template <class Number>
+void Diagonalize(Solve<Number> Routine, std::vector<Number>& Matrix, std::size_t Size,
+                 std::vector<Number>& Eigenvalues) {
+  Eigenvalues.resize(Size);
+  if (Size == 1) {
+    Eigenvalues[0] = Matrix[0];
+    Matrix[0] = 1;
+    return;
+  }
+  const std::size_t Needed = 1 + 6 * Size + 2 * Size * Size;
+  if (Size > LargestMatrix) {
+    throw zelvanor::Failure("A block of " + std::to_string(Size) + " states is too large for the linear algebra");
+  }
+  const int Order = static_cast<int>(Size);
+  const int WorkSize = static_cast<int>(Needed);
+  const int WholeWorkSize = 3 + 5 * Order;
+  const auto Work = std::make_unique_for_overwrite<Number[]>(Needed);
+  const auto WholeWork = std::make_unique_for_overwrite<int[]>(static_cast<std::size_t>(WholeWorkSize));
+  int Info = 0;
+  Routine("V", "L", &Order, Matrix.data(), &Order, Eigenvalues.data(), Work.get(), &WorkSize, WholeWork.get(),
+          &WholeWorkSize, &Info);
+  if (Info != 0) ThrowNoConvergence(Size);
+}
+
 }  // namespace
 
 void UseOneLibraryThread() {
@@ -62,27 +97,21 @@ void UseOneLibraryThread() {
 bool LibraryTakesThreads() { return IsThere(openblas_get_parallel) && openblas_get_parallel() != 0; }
 
 void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::vector<double>& Eigenvalues) {
-  Eigenvalues.resize(Size);
-  if (Size == 1) {
-    Eigenvalues[0] = Matrix[0];
-    Matrix[0] = 1.0;
+  Diagonalize(dsyevd_, Matrix, Size, Eigenvalues);
+}
+
+void DiagonalizeSymmetric(std::vector<float>& Matrix, std::size_t Size, std::vector<float>& Eigenvalues) {
+  constexpr std::size_t SmallSize = 64;  // below, the QR iterations of Eigen are up to twice as fast
+  if (Size >= SmallSize) {
+    Diagonalize(ssyevd_, Matrix, Size, Eigenvalues);
     return;
   }
-  const std::size_t Needed = 1 + 6 * Size + 2 * Size * Size;
-  if (Size > LargestMatrix) {
-    throw zelvanor::Failure("A block of " + std::to_string(Size) + " states is too large for the linear algebra");
-  }
-  const int Order = static_cast<int>(Size);
-  const int WorkSize = static_cast<int>(Needed);
-  const int WholeWorkSize = 3 + 5 * Order;
-  const auto Work = std::make_unique_for_overwrite<double[]>(Needed);
-  const auto WholeWork = std::make_unique_for_overwrite<int[]>(static_cast<std::size_t>(WholeWorkSize));
-  int Info = 0;
-  dsyevd_("V", "L", &Order, Matrix.data(), &Order, Eigenvalues.data(), Work.get(), &WorkSize, WholeWork.get(),
-          &WholeWorkSize, &Info);
-  if (Info != 0) {
-    throw zelvanor::Failure("The eigenvalues of a block of " + std::to_string(Size) + " states did not converge");
-  }
+  const auto Order = static_cast<Eigen::Index>(Size);
+  Eigen::Map<Eigen::MatrixXf> Target(Matrix.data(), Order, Order);
+  const Eigen::SelfAdjointEigenSolver<Eigen::MatrixXf> Solver(Target);
+  if (Solver.info() != Eigen::Success) ThrowNoConvergence(Size);
+  Eigenvalues.assign(Solver.eigenvalues().begin(), Solver.eigenvalues().end());
+  Target = Solver.eigenvectors();
 }
 
 void MultiplyTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows, std::size_t Columns,

