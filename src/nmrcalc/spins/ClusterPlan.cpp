@@ -174,6 +174,20 @@ std::vector<std::size_t> MakeMasks(std::size_t NumBits) {
   return Masks;
 }
 
+// The next masks for a unit, none of which is a sum of others of the unit, so that each of its states comes as often as
+// its weight says. Goes around where masks run out.
+std::vector<std::size_t> TakeMasks(const std::vector<std::size_t>& Masks, std::size_t Count, std::size_t& Next) {
+  std::vector<std::size_t> Taken;
+  std::vector<std::size_t> Sums{0};
+  while (Taken.size() < Count) {
+    const std::size_t Mask = Masks[Next++ % Masks.size()];
+    if (std::find(Sums.begin(), Sums.end(), Mask) != Sums.end()) continue;
+    Taken.push_back(Mask);
+    for (std::size_t K = 0, Known = Sums.size(); K < Known; ++K) Sums.push_back(Sums[K] ^ Mask);
+  }
+  return Taken;
+}
+
 // What acts on the members, the strongest first.
 std::vector<Surrounding> FindSurroundings(const SpectrumInput& Input, const Neighbourhood& Near, const Growth& Members,
                                           const std::vector<std::size_t>& Outside) {
@@ -208,18 +222,21 @@ void AddFields(const std::vector<Surrounding>& Units, ClusterPlan& Plan) {
   std::size_t NumBits = 0;
   for (const Surrounding& Unit : Units) NumBits = std::min(MostFieldBits, NumBits + Unit.NumBits);
   const std::vector<std::size_t> Masks = MakeMasks(NumBits);
+  std::vector<std::vector<std::size_t>> MasksOfUnit;
+  MasksOfUnit.reserve(Units.size());
+  std::size_t Next = 0;
+  for (const Surrounding& Unit : Units) MasksOfUnit.push_back(TakeMasks(Masks, Unit.NumBits, Next));
   const std::size_t NumFields = std::size_t{1} << NumBits;
   for (std::size_t Number = 0; Number < NumFields; ++Number) {
     FieldState Field{.Weight = 1.0 / double(NumFields),
                      .Field = std::vector<double>(Plan.Sites.size()),
                      .Mz = std::vector<double>(Plan.Outside.size())};
-    std::size_t Bit = 0;
-    for (const Surrounding& Unit : Units) {
+    for (std::size_t Unit = 0; Unit < Units.size(); ++Unit) {
       std::size_t Turn = 0;
-      for (std::size_t K = 0; K < Unit.NumBits; ++K, ++Bit) {
-        Turn = 2 * Turn + (std::popcount(Number & Masks[Bit % Masks.size()]) & 1);
+      for (const std::size_t Mask : MasksOfUnit[Unit]) {
+        Turn = 2 * Turn + static_cast<std::size_t>(std::popcount(Number & Mask) & 1);
       }
-      const FieldState& State = StateAt(Unit, Turn);
+      const FieldState& State = StateAt(Units[Unit], Turn);
       for (std::size_t I = 0; I < Field.Field.size(); ++I) Field.Field[I] += State.Field[I];
       for (std::size_t I = 0; I < Field.Mz.size(); ++I) Field.Mz[I] += State.Mz[I];
     }
