@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -14,7 +16,7 @@ namespace nmrcalc {
 struct WeightMatrix {
   std::size_t Rows = 0;
   std::size_t Columns = 0;
-  std::vector<float> Values{};  // row by row
+  std::span<const float> Values{};  // row by row, in the storage of the network
 };
 
 struct DenseLayer {
@@ -38,6 +40,7 @@ struct MessageLayer {
 };
 
 struct ShiftNetwork {
+  std::shared_ptr<float[]> Storage{};  // of all matrices
   WeightMatrix Embedding{};
   std::vector<MessageLayer> Layers{};
   DenseLayer HeavyInner{};

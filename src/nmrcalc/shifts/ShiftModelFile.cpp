@@ -8,9 +8,15 @@
 //   each network: its matrices in the order of ReadNetwork, each: uint32 rows, uint32 columns, then for each row
 //   float scale, int16 x columns
 
+#include <sys/mman.h>
+
+#include <algorithm>
 #include <bit>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <memory>
+#include <new>
 
 #include "basic/Failure.h"
 #include "nmrcalc/shifts/ShiftModel.h"
@@ -24,19 +30,26 @@ static_assert(std::endian::native == std::endian::little, "the model is stored l
 constexpr std::string_view Magic = "NMRSHFT1";
 constexpr std::uint32_t LargestSize = 1U << 20;  // of any count in the file
 
+// The file as far as it is read. It is not kept whole: touching new memory takes longer than reading.
 struct Bytes {
-  std::string Path{};
-  std::string Text{};
-  std::size_t Next = 0;
+  const std::string& Path;
+  std::ifstream Stream;
+  std::size_t Left = 0;
+  std::vector<char> Taken{};
+  std::size_t NumFloatsLeft = 0;  // of the network that is being read
+  float* NextFloat = nullptr;
 };
 
+[[noreturn]] void ThrowDamaged(const std::string& Path) {
+  throw zelvanor::Failure(Path + ": the file of the shift model is cut or damaged");
+}
+
 const char* Take(Bytes& File, std::size_t Count) {
-  if (File.Text.size() - File.Next < Count) {
-    throw zelvanor::Failure(File.Path + ": the file of the shift model is cut or damaged");
-  }
-  const char* Place = File.Text.data() + File.Next;
-  File.Next += Count;
-  return Place;
+  if (File.Left < Count) ThrowDamaged(File.Path);
+  if (File.Taken.size() < Count) File.Taken.resize(Count);
+  if (!File.Stream.read(File.Taken.data(), static_cast<std::streamsize>(Count))) ThrowDamaged(File.Path);
+  File.Left -= Count;
+  return File.Taken.data();
 }
 
 template <typename Number>
@@ -48,7 +61,7 @@ Number TakeNumber(Bytes& File) {
 
 std::uint32_t TakeCount(Bytes& File) {
   const auto Count = TakeNumber<std::uint32_t>(File);
-  if (Count > LargestSize) throw zelvanor::Failure(File.Path + ": the file of the shift model is cut or damaged");
+  if (Count > LargestSize) ThrowDamaged(File.Path);
   return Count;
 }
 
@@ -61,9 +74,13 @@ WeightMatrix TakeMatrix(Bytes& File) {
   WeightMatrix Matrix{.Rows = TakeCount(File), .Columns = TakeCount(File)};
   const std::size_t RowBytes = sizeof(float) + Matrix.Columns * sizeof(std::int16_t);
   const char* Place = Take(File, Matrix.Rows * RowBytes);
-  Matrix.Values.resize(Matrix.Rows * Matrix.Columns);
+  const std::size_t NumValues = Matrix.Rows * Matrix.Columns;
+  if (NumValues > File.NumFloatsLeft) ThrowDamaged(File.Path);
   std::vector<std::int16_t> Row(Matrix.Columns);
-  float* Target = Matrix.Values.data();
+  float* Target = File.NextFloat;
+  Matrix.Values = {Target, NumValues};
+  File.NextFloat += NumValues;
+  File.NumFloatsLeft -= NumValues;
   for (std::size_t K = 0; K < Matrix.Rows; ++K, Place += RowBytes) {
     float Scale = 0.0F;
     std::memcpy(&Scale, Place, sizeof Scale);
@@ -86,8 +103,25 @@ EdgeWeights TakeEdges(Bytes& File) {
   return Edges;
 }
 
-ShiftNetwork TakeNetwork(Bytes& File, std::uint32_t NumLayers) {
-  ShiftNetwork Network{.Embedding = TakeMatrix(File)};
+// Memory for some megabytes of numbers, in large pages where the system has them: a page at a time they take longer to
+// come by than to fill.
+std::shared_ptr<float[]> MakeStorage(std::size_t NumFloats) {
+  constexpr std::size_t LargePage = 2U << 20;
+  const std::size_t Size = (NumFloats * sizeof(float) + LargePage - 1) / LargePage * LargePage;
+  void* Place = std::aligned_alloc(LargePage, std::max(Size, LargePage));
+  if (Place == nullptr) throw std::bad_alloc();
+#ifdef MADV_HUGEPAGE
+  madvise(Place, Size, MADV_HUGEPAGE);
+#endif
+  return {static_cast<float*>(Place), [](float* Own) { std::free(Own); }};
+}
+
+ShiftNetwork TakeNetwork(Bytes& File, std::size_t Size, std::uint32_t NumLayers) {
+  ShiftNetwork Network;
+  File.NumFloatsLeft = Size / sizeof(std::int16_t);
+  Network.Storage = MakeStorage(File.NumFloatsLeft);
+  File.NextFloat = Network.Storage.get();
+  Network.Embedding = TakeMatrix(File);
   for (std::uint32_t K = 0; K < NumLayers; ++K) {
     MessageLayer& Layer = Network.Layers.emplace_back();
     Layer.Ends = TakeLayer(File);
@@ -143,16 +177,13 @@ bool IsConsistent(const ShiftNetwork& Network) {
 }  // namespace
 
 ShiftModel ReadShiftModel(const std::string& Path) {
-  std::ifstream Stream(Path, std::ios::binary | std::ios::ate);
-  if (!Stream) throw zelvanor::Failure("Could not read " + Path);
-  Bytes File{.Path = Path};
-  File.Text.resize(static_cast<std::size_t>(std::max<std::streamoff>(Stream.tellg(), 0)));
-  Stream.seekg(0);
-  Stream.read(File.Text.data(), static_cast<std::streamsize>(File.Text.size()));
-  if (!Stream || !File.Text.starts_with(Magic)) {
+  Bytes File{.Path = Path, .Stream = std::ifstream(Path, std::ios::binary | std::ios::ate)};
+  if (!File.Stream) throw zelvanor::Failure("Could not read " + Path);
+  File.Left = static_cast<std::size_t>(std::max<std::streamoff>(File.Stream.tellg(), 0));
+  File.Stream.seekg(0);
+  if (File.Left < Magic.size() || std::string_view(Take(File, Magic.size()), Magic.size()) != Magic) {
     throw zelvanor::Failure(Path + ": not a file of the shift model, or one of another version");
   }
-  File.Next = Magic.size();
   ShiftModel Model{.Version = TakeText(File)};
   Model.Summary = TakeText(File);
   Model.ComputedShare = TakeNumber<float>(File);
@@ -163,15 +194,15 @@ ShiftModel ReadShiftModel(const std::string& Path) {
   for (std::uint32_t& Hash : Model.KnownSurroundings) Hash = TakeNumber<std::uint32_t>(File);
   const std::uint32_t NumNetworks = TakeCount(File);
   const std::uint32_t NumLayers = TakeCount(File);
+  if (NumNetworks == 0 || File.Left % NumNetworks != 0) ThrowDamaged(Path);  // they are of one form
+  const std::size_t Size = File.Left / NumNetworks;
   for (std::uint32_t K = 0; K < NumNetworks; ++K) {
-    Model.Networks.push_back(TakeNetwork(File, NumLayers));
+    Model.Networks.push_back(TakeNetwork(File, Size, NumLayers));
     if (!IsConsistent(Model.Networks.back())) {
       throw zelvanor::Failure(Path + ": the matrices of the shift model do not fit together");
     }
   }
-  if (Model.Networks.empty() || File.Next != File.Text.size()) {
-    throw zelvanor::Failure(Path + ": the file of the shift model is cut or damaged");
-  }
+  if (File.Left != 0) ThrowDamaged(Path);
   return Model;
 }
 
