@@ -1,4 +1,5 @@
-"""calibrate.py WORK OUT VERSION CHECKPOINT...: writes the file of the shift model from one or several trained networks.
+"""calibrate.py WORK OUT VERSION CHECKPOINT...: writes the file of the shift model from one or several trained networks
+and the share that share.py fitted to them.
 
 Error bars are fitted on the validation part: the scale that the network tells is turned into a half width that 68 of 100
 values keep. Surroundings that fewer than two molecules of the training show count as unseen."""
@@ -13,7 +14,7 @@ import torch
 
 import learn
 import molecules
-from network import Net
+from share import LARGEST, add_share, hydrogens, load_network, load_share
 
 ORDER = molecules.NUCLEI + ["1H"]
 BASE = dict(zip(molecules.NUCLEI, [2.0, 8.0, 4.0, 3.0, 10.0, 15.0, 5.0, 50.0]), **{"1H": 0.2})
@@ -21,8 +22,6 @@ BASE = dict(zip(molecules.NUCLEI, [2.0, 8.0, 4.0, 3.0, 10.0, 15.0, 5.0, 50.0]), 
 STEEPEST = {"19F": 3.0}
 LEAST = {"13C": 0.3, "1H": 0.03, "195Pt": 30.0}  # ppm, 1 for the others
 EXCHANGING = [3.0, 1.0, 1.0, 1.5]  # hydrogens on N, O, S: seldom in the lists, and where they stand is chance
-COMPUTED_SHARE = 0.7  # of what computed hydrogens differ from measured ones; at most
-LARGEST_COMPUTED = 0.08  # ppm, as in src/nmrcalc/shifts/ShiftModel.cpp
 
 
 def known_surroundings(work):
@@ -34,17 +33,8 @@ def known_surroundings(work):
     return np.array(sorted(key for key, count in counts.items() if count >= 2), np.uint32)
 
 
-def load_network(path):
-    state = torch.load(path)
-    model = Net(**state["cfg"])
-    model.load_state_dict(state["model"])
-    for parameter, mean in zip(model.parameters(), state["ema"]):
-        parameter.data.copy_(mean)
-    return model
-
-
 @torch.no_grad()
-def collect(models, items, known, rows):
+def collect(models, share, items, known, rows):
     """Adds (|error|, scale, seen) of a batch to rows by nucleus."""
     batch = learn.coll(items, None)
     outputs = [model(batch) for model in models]
@@ -58,11 +48,7 @@ def collect(models, items, known, rows):
     for nucleus, groups in batch["gr"].items():
         own_values, own_scales, own_seen = values, scales, seen
         if nucleus == "1H":
-            on_carbon = batch["feat"][batch["parent"], 0] == 6
-            share = COMPUTED_SHARE * on_carbon
-            difference = learn.gmean(mean(lambda o: o[3][1]), batch["hgroup"])
-            own_values = learn.gmean(mean(lambda o: o[3][0]), batch["hgroup"])
-            own_values = own_values + (share * difference).clamp(-LARGEST_COMPUTED, LARGEST_COMPUTED)
+            own_values = add_share(share, *hydrogens(outputs, batch))
             own_scales = learn.gmean(mean(lambda o: torch.exp(o[3][2].clamp(-5, 4))), batch["hgroup"])
             own_seen = seen[batch["parent"]]
         index, wanted, _ = learn.match(groups, own_values)
@@ -90,16 +76,15 @@ def fit(nucleus, rows):
     return [factor, power, least, max(unseen, 1.5)]
 
 
-def write_model(path, version, summary, errors, known, models):
+def write_model(path, version, summary, errors, known, share, models):
     with open(path, "wb") as stream:
-        stream.write(b"NMRSHFT1")
+        stream.write(b"NMRSHFT2")
         for text in (version, summary):
             stream.write(struct.pack("<I", len(text.encode())) + text.encode())
-        stream.write(struct.pack("<f", COMPUTED_SHARE))
+        stream.write(struct.pack("<f", LARGEST))
         for row in errors:
             stream.write(struct.pack("<4f", *row))
         stream.write(struct.pack("<I", len(known)) + known.tobytes())
-        stream.write(struct.pack("<II", len(models), len(models[0].ab)))
 
         def matrix(values):
             if values is None:
@@ -120,6 +105,10 @@ def write_model(path, version, summary, errors, known, models):
             for values in (table.g, table.w, table.R):
                 matrix(values)
 
+        stream.write(struct.pack("<I", sum(parameter.numel() for parameter in share.parameters())))
+        layer(share[0])
+        layer(share[2])
+        stream.write(struct.pack("<II", len(models), len(models[0].ab)))
         for model in models:
             matrix(model.emb)
             for k in range(len(model.ab)):
@@ -139,6 +128,7 @@ def write_model(path, version, summary, errors, known, models):
 def main():
     work, out, version = sys.argv[1:4]
     models = [load_network(path) for path in sys.argv[4:]]
+    share = load_share(work)
     known = known_surroundings(work)
     rows = collections.defaultdict(list)
     sets = {name: learn.load(os.path.join(work, name + ".features"), kind)
@@ -151,14 +141,14 @@ def main():
         for kind, target in (("exp", rows), ("list", lists_only)):
             chosen = [item for item in part if item.kind == kind]
             if chosen:
-                collect(models, chosen, known, target)
+                collect(models, share, chosen, known, target)
     mean = {}
     for nucleus, parts in lists_only.items():
         mean[nucleus] = float(torch.cat(parts, 1)[0].mean())
         rows[nucleus] += parts
     errors = [fit(n, torch.cat(rows[n], 1).numpy() if rows[n] else np.zeros((3, 0))) for n in ORDER] + [EXCHANGING]
     summary = "13C {13C:.1f}, 1H {1H:.2f}, 31P {31P:.0f}, 19F {19F:.0f} ppm".format(**mean)
-    write_model(out, version, summary, errors, known, models)
+    write_model(out, version, summary, errors, known, share, models)
     print("wrote", out, summary)
 
 

@@ -154,6 +154,7 @@ class Net(nn.Module):
             pr = b['parent']
             m = edge(a[pr], bb, z.EH.g, z.EH.w, z.EH.R, b['H'])
             n = edge(ca[pr], cb[pr], z.EC.g, z.EC.w, z.EC.R, b['C'])
-            q = z.p3(silu(z.p2(silu(z.p1(torch.cat([u[pr], m, n], 1))))))
-            hv = (4 + 3 * q[:, 0], q[:, 1], q[:, 2])
+            last = silu(z.p2(silu(z.p1(torch.cat([u[pr], m, n], 1)))))
+            q = z.p3(last)
+            hv = (4 + 3 * q[:, 0], q[:, 1], q[:, 2], last)
         return (v, lb, off, hv)

@@ -26,8 +26,6 @@ constexpr std::array<OutputScale, NumHeavyNuclei> HeavyScales = {{{100.0, 40.0, 
                                                                   {-10.0, 30.0, 5.0},
                                                                   {-2500.0, 1000.0, 50.0}}};
 constexpr OutputScale HydrogenScale = {4.0, 3.0, 0.2};
-// ppm. Small differences between computed and measured shifts come from the conformation, large ones from the method.
-constexpr double LargestComputed = 0.08;
 constexpr double LeastLogScale = -5.0;
 constexpr double LargestLogScale = 4.0;
 
@@ -174,6 +172,7 @@ Rows MeanOfParents(const Rows& Nodes, const ShiftGraph& Graph) {
   return Means;
 }
 
+// What the network knows of every hydrogen before its last layer.
 Rows DescribeHydrogens(const ShiftNetwork& Network, const ShiftGraph& Graph, const Rows& Nodes) {
   const std::size_t Count = Graph.Hydrogens.size();
   const std::size_t EdgeWidth = Network.HydrogenEdges.Additive.Columns;
@@ -186,7 +185,7 @@ Rows DescribeHydrogens(const ShiftNetwork& Network, const ShiftGraph& Graph, con
                                     2 * EdgeWidth + ContactWidth, &ContactGroup);
   const Rows Parents = MeanOfParents(Nodes, Graph);
   const Rows Inner = ApplySilu(ApplyLayer(Network.HydrogenInner, JoinColumns({&Parents, &Edges, &Contacts})));
-  return ApplyLayer(Network.HydrogenOuter, ApplySilu(ApplyLayer(Network.HydrogenMiddle, Inner)));
+  return ApplySilu(ApplyLayer(Network.HydrogenMiddle, Inner));
 }
 
 void AverageGroups(const std::vector<std::uint32_t>& Groups, std::vector<ShiftEstimate>& Items) {
@@ -200,6 +199,32 @@ void AverageGroups(const std::vector<std::uint32_t>& Groups, std::vector<ShiftEs
   for (std::size_t Index = 0; Index < Items.size(); ++Index) {
     Items[Index].Shift = Sums[Groups[Index]].Shift / Counts[Groups[Index]];
     Items[Index].Error = Sums[Groups[Index]].Error / Counts[Groups[Index]];
+  }
+}
+
+// A row for each group.
+Rows MeanOfGroups(const std::vector<std::uint32_t>& Groups, const Rows& Items) {
+  std::vector<float> Counts(Items.Count);
+  for (const std::uint32_t Group : Groups) Counts[Group] += 1.0F;
+  Rows Means = MakeRows(Items.Count, Items.Width);
+  for (std::size_t Index = 0; Index < Items.Count; ++Index) {
+    float* Target = Means.Row(Groups[Index]);
+    for (std::size_t K = 0; K < Items.Width; ++K) Target[K] += Items.Row(Index)[K] / Counts[Groups[Index]];
+  }
+  return Means;
+}
+
+// Moves measured shifts towards computed ones, as far as the networks' knowledge of each hydrogen says.
+void AddComputed(const ShiftModel& Model, const std::vector<Rows>& Known, const std::vector<std::uint32_t>& Groups,
+                 const std::vector<ShiftEstimate>& Differences, std::vector<ShiftEstimate>& Hydrogens) {
+  std::vector<const Rows*> Parts(Known.size());
+  std::transform(Known.begin(), Known.end(), Parts.begin(), [](const Rows& Part) { return &Part; });
+  const Rows Means = MeanOfGroups(Groups, JoinColumns(Parts));
+  const Rows Shares = ApplyLayer(Model.ShareOuter, ApplySilu(ApplyLayer(Model.ShareInner, Means)));
+  for (std::size_t Hydrogen = 0; Hydrogen < Hydrogens.size(); ++Hydrogen) {
+    const double Share = 1.0 / (1.0 + std::exp(-static_cast<double>(Shares.Row(Groups[Hydrogen])[0])));
+    Hydrogens[Hydrogen].Shift +=
+        std::clamp(Share * Differences[Hydrogen].Shift, -Model.LargestComputed, Model.LargestComputed);
   }
 }
 
@@ -313,6 +338,7 @@ ShiftPrediction PredictShifts(const ShiftModel& Model, const Molecule& System) {
   }
   FindSeen(Model, System, Graph, Result.Nodes);
   std::vector<ShiftEstimate> Differences(Graph.Hydrogens.size());  // computed less measured shifts
+  std::vector<Rows> Known;                                         // what each network knows of the hydrogens
   for (const ShiftNetwork& Network : Model.Networks) {
     const Rows Nodes = DescribeNodes(Network, Graph);
     const Rows Heavy = ApplyLayer(Network.HeavyOuter, ApplySilu(ApplyLayer(Network.HeavyInner, Nodes)));
@@ -323,7 +349,8 @@ ShiftPrediction PredictShifts(const ShiftModel& Model, const Molecule& System) {
       Result.Nodes[Node].Shift += Share * (HeavyScales[K].Mean + HeavyScales[K].Spread * Output[K]);
       Result.Nodes[Node].Error += Share * HeavyScales[K].Base * LogScale(Output[NumHeavyNuclei + K]);
     }
-    const Rows Hydrogens = DescribeHydrogens(Network, Graph, Nodes);
+    Known.push_back(DescribeHydrogens(Network, Graph, Nodes));
+    const Rows Hydrogens = ApplyLayer(Network.HydrogenOuter, Known.back());
     for (std::size_t Hydrogen = 0; Hydrogen < Hydrogens.Count; ++Hydrogen) {
       const float* Output = Hydrogens.Row(Hydrogen);
       ShiftEstimate& Item = Result.Hydrogens[Hydrogen];
@@ -339,10 +366,7 @@ ShiftPrediction PredictShifts(const ShiftModel& Model, const Molecule& System) {
   AverageGroups(Groups.NodeGroup, Result.Nodes);
   AverageGroups(Groups.HydrogenGroup, Result.Hydrogens);
   AverageGroups(Groups.HydrogenGroup, Differences);
-  for (std::size_t Hydrogen = 0; Hydrogen < Differences.size(); ++Hydrogen) {
-    Result.Hydrogens[Hydrogen].Shift +=
-        std::clamp(Model.ComputedShare * Differences[Hydrogen].Shift, -LargestComputed, LargestComputed);
-  }
+  AddComputed(Model, Known, Groups.HydrogenGroup, Differences, Result.Hydrogens);
   TellErrors(Model, System, Graph, Result);
   return Result;
 }

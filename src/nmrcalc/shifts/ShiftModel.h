@@ -16,7 +16,7 @@ namespace nmrcalc {
 struct WeightMatrix {
   std::size_t Rows = 0;
   std::size_t Columns = 0;
-  std::span<const float> Values{};  // row by row, in the storage of the network
+  std::span<const float> Values{};  // row by row, in the storage of the network or model
 };
 
 struct DenseLayer {
@@ -69,11 +69,15 @@ struct ErrorCalibration {
 
 struct ShiftModel {
   std::string Version{};
-  std::string Summary{};       // expected errors, for the description of the results
-  double ComputedShare = 0.0;  // of the difference between computed and measured hydrogens that is added
+  std::string Summary{};         // expected errors, for the description of the results
+  double LargestComputed = 0.0;  // ppm, of the difference between computed and measured hydrogens, that is added
   // Of the heavy nuclei, of hydrogen on carbon, and of hydrogens that may exchange.
   std::array<ErrorCalibration, NumHeavyNuclei + 2> Errors{};
   std::vector<std::uint32_t> KnownSurroundings{};  // rising
+  // What share of that difference is added, from what all networks know of a hydrogen: 1 / (1 + exp (-output)).
+  std::shared_ptr<float[]> ShareStorage{};
+  DenseLayer ShareInner{};
+  DenseLayer ShareOuter{};
   std::vector<ShiftNetwork> Networks{};
 };
 

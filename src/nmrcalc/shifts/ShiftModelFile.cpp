@@ -1,12 +1,16 @@
 // The file of the shift model. Little-endian; numbers of the networks are whole numbers of 16 bits with a scale for
 // each row, which keeps the file small and is read in a millisecond.
 //
-//   "NMRSHFT1"
+//   "NMRSHFT2"
 //   uint32 length, text: version; uint32 length, text: summary
-//   float share of computed values; 10 x 4 floats: factor, power, least, unseen of the heavy nuclei, hydrogen on
-//   carbon, others uint32 count, uint32 x count: known surroundings uint32 number of networks, uint32 number of layers
-//   each network: its matrices in the order of ReadNetwork, each: uint32 rows, uint32 columns, then for each row
-//   float scale, int16 x columns
+//   float ppm: the largest difference of computed hydrogens that is added
+//   10 x 4 floats: factor, power, least, unseen of the heavy nuclei, hydrogen on carbon, others
+//   uint32 count, uint32 x count: known surroundings
+//   uint32 count of the numbers in the matrices of the share, then these: weights and bias of the inner, of the outer
+//   layer
+//   uint32 number of networks, uint32 number of layers
+//   each network: its matrices in the order of TakeNetwork
+//   A matrix: uint32 rows, uint32 columns, then for each row float scale, int16 x columns
 
 #include <sys/mman.h>
 
@@ -27,7 +31,7 @@ namespace {
 
 static_assert(std::endian::native == std::endian::little, "the model is stored little-endian");
 
-constexpr std::string_view Magic = "NMRSHFT1";
+constexpr std::string_view Magic = "NMRSHFT2";
 constexpr std::uint32_t LargestSize = 1U << 20;  // of any count in the file
 
 // The file as far as it is read. It is not kept whole: touching new memory takes longer than reading.
@@ -36,7 +40,7 @@ struct Bytes {
   std::ifstream Stream;
   std::size_t Left = 0;
   std::vector<char> Taken{};
-  std::size_t NumFloatsLeft = 0;  // of the network that is being read
+  std::size_t NumFloatsLeft = 0;  // of the storage that is being filled
   float* NextFloat = nullptr;
 };
 
@@ -174,6 +178,26 @@ bool IsConsistent(const ShiftNetwork& Network) {
          Network.HydrogenOuter.Weights.Rows == 3;
 }
 
+// The share looks at what every network knows of a hydrogen.
+bool FitsNetworks(const ShiftModel& Model) {
+  std::size_t Width = 0;
+  for (const ShiftNetwork& Network : Model.Networks) Width += Network.HydrogenMiddle.Weights.Rows;
+  return Takes(Model.ShareInner, Width) && Takes(Model.ShareOuter, Model.ShareInner.Weights.Rows) &&
+         Model.ShareOuter.Weights.Rows == 1;
+}
+
+void TakeShare(Bytes& File, ShiftModel& Model) {
+  File.NumFloatsLeft = TakeCount(File);
+  Model.ShareStorage = std::make_shared<float[]>(File.NumFloatsLeft);
+  File.NextFloat = Model.ShareStorage.get();
+  Model.ShareInner = TakeLayer(File);
+  Model.ShareOuter = TakeLayer(File);
+}
+
+[[noreturn]] void ThrowUnfitting(const std::string& Path) {
+  throw zelvanor::Failure(Path + ": the matrices of the shift model do not fit together");
+}
+
 }  // namespace
 
 ShiftModel ReadShiftModel(const std::string& Path) {
@@ -186,23 +210,24 @@ ShiftModel ReadShiftModel(const std::string& Path) {
   }
   ShiftModel Model{.Version = TakeText(File)};
   Model.Summary = TakeText(File);
-  Model.ComputedShare = TakeNumber<float>(File);
+  Model.LargestComputed = TakeNumber<float>(File);
+  if (!(Model.LargestComputed >= 0.0)) ThrowDamaged(Path);
   for (ErrorCalibration& Item : Model.Errors) {
     for (double* Field : {&Item.Factor, &Item.Power, &Item.Least, &Item.Unseen}) *Field = TakeNumber<float>(File);
   }
   Model.KnownSurroundings.resize(TakeCount(File));
   for (std::uint32_t& Hash : Model.KnownSurroundings) Hash = TakeNumber<std::uint32_t>(File);
+  TakeShare(File, Model);
   const std::uint32_t NumNetworks = TakeCount(File);
   const std::uint32_t NumLayers = TakeCount(File);
   if (NumNetworks == 0 || File.Left % NumNetworks != 0) ThrowDamaged(Path);  // they are of one form
   const std::size_t Size = File.Left / NumNetworks;
   for (std::uint32_t K = 0; K < NumNetworks; ++K) {
     Model.Networks.push_back(TakeNetwork(File, Size, NumLayers));
-    if (!IsConsistent(Model.Networks.back())) {
-      throw zelvanor::Failure(Path + ": the matrices of the shift model do not fit together");
-    }
+    if (!IsConsistent(Model.Networks.back())) ThrowUnfitting(Path);
   }
   if (File.Left != 0) ThrowDamaged(Path);
+  if (!FitsNetworks(Model)) ThrowUnfitting(Path);
   return Model;
 }
 
