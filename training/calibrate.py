@@ -40,8 +40,10 @@ def collect(models, share, items, known, rows):
     outputs = [model(batch) for model in models]
     seen = torch.from_numpy(np.concatenate([np.isin(item.surroundings, known) for item in items]))
     mean = lambda pick: sum(pick(output) for output in outputs) / len(outputs)
-    values = learn.gmean(mean(lambda o: o[0]), batch["group"])
-    scales = learn.gmean(mean(lambda o: torch.exp(o[1].clamp(-5, 4))), batch["group"])
+    scale = lambda o: torch.exp(o[1].clamp(-5, 4))
+    weighted = sum(o[0] / scale(o) for o in outputs) / sum(1 / scale(o) for o in outputs)
+    values = learn.gmean(weighted, batch["group"])
+    scales = learn.gmean(mean(scale), batch["group"])
     atoms, wanted, _, _ = batch["aC"]
     if len(atoms):
         rows["13C"].append(torch.stack([(values[atoms] - wanted).abs(), 2 * scales[atoms], seen[atoms].float()]))

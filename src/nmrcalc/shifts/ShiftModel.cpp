@@ -230,6 +230,21 @@ void AddComputed(const ShiftModel& Model, const std::vector<Rows>& Known, const 
 
 double LogScale(float Output) { return std::exp(std::clamp<double>(Output, LeastLogScale, LargestLogScale)); }
 
+// Adds what a network tells of the heavy atoms, Share of its error, and of its shift by one over the error, since a
+// network that tells a wide one counts for less.
+void AddNodes(const Rows& Outputs, const std::vector<std::size_t>& Nucleus, double Share,
+              std::vector<ShiftEstimate>& Nodes, std::vector<double>& Weights) {
+  for (std::size_t Node = 0; Node < Nodes.size(); ++Node) {
+    if (!Nodes[Node].Known) continue;
+    const std::size_t K = Nucleus[Node];
+    const float* Output = Outputs.Row(Node);
+    const double Scale = LogScale(Output[NumHeavyNuclei + K]);
+    Weights[Node] += 1.0 / Scale;
+    Nodes[Node].Shift += (HeavyScales[K].Mean + HeavyScales[K].Spread * Output[K]) / Scale;
+    Nodes[Node].Error += Share * HeavyScales[K].Base * Scale;
+  }
+}
+
 // Spread tells the range of the nucleus: no bar goes beyond it, and without examples none is narrow.
 double ErrorBar(const ErrorCalibration& Calibration, double Scale, bool Seen, double Spread) {
   const double Bar = std::max(Calibration.Factor * std::pow(Scale, Calibration.Power), Calibration.Least);
@@ -339,16 +354,11 @@ ShiftPrediction PredictShifts(const ShiftModel& Model, const Molecule& System) {
   FindSeen(Model, System, Graph, Result.Nodes);
   std::vector<ShiftEstimate> Differences(Graph.Hydrogens.size());  // computed less measured shifts
   std::vector<Rows> Known;                                         // what each network knows of the hydrogens
+  std::vector<double> Weights(NumNodes);                           // of all networks
   for (const ShiftNetwork& Network : Model.Networks) {
     const Rows Nodes = DescribeNodes(Network, Graph);
-    const Rows Heavy = ApplyLayer(Network.HeavyOuter, ApplySilu(ApplyLayer(Network.HeavyInner, Nodes)));
-    for (std::size_t Node = 0; Node < NumNodes; ++Node) {
-      if (!Result.Nodes[Node].Known) continue;
-      const std::size_t K = Nucleus[Node];
-      const float* Output = Heavy.Row(Node);
-      Result.Nodes[Node].Shift += Share * (HeavyScales[K].Mean + HeavyScales[K].Spread * Output[K]);
-      Result.Nodes[Node].Error += Share * HeavyScales[K].Base * LogScale(Output[NumHeavyNuclei + K]);
-    }
+    AddNodes(ApplyLayer(Network.HeavyOuter, ApplySilu(ApplyLayer(Network.HeavyInner, Nodes))), Nucleus, Share,
+             Result.Nodes, Weights);
     Known.push_back(DescribeHydrogens(Network, Graph, Nodes));
     const Rows Hydrogens = ApplyLayer(Network.HydrogenOuter, Known.back());
     for (std::size_t Hydrogen = 0; Hydrogen < Hydrogens.Count; ++Hydrogen) {
@@ -362,6 +372,7 @@ ShiftPrediction PredictShifts(const ShiftModel& Model, const Molecule& System) {
       Item.Error += Share * HydrogenScale.Base * LogScale(Output[2]);
     }
   }
+  for (std::size_t Node = 0; Node < NumNodes; ++Node) Result.Nodes[Node].Shift /= std::max(Weights[Node], 1e-300);
   const Equivalence Groups = FindEquivalence(System, Graph);
   AverageGroups(Groups.NodeGroup, Result.Nodes);
   AverageGroups(Groups.HydrogenGroup, Result.Hydrogens);
