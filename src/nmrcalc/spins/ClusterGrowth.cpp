@@ -104,6 +104,7 @@ struct RankedCoupling {
   double Score = 0.0;
   std::size_t A = 0;
   std::size_t B = 0;
+  std::size_t Seer = 0;  // the third site by whose couplings it is seen, or an end
   bool operator<(const RankedCoupling& Other) const { return Score < Other.Score; }
 };
 using CouplingQueue = std::priority_queue<RankedCoupling>;
@@ -116,12 +117,12 @@ CouplingQueue RankCouplings(const SpectrumInput& Input, const Neighbourhood& Nea
     if (Share[Site] == 0.0) continue;
     for (const MixedSite& Next : Near[Site]) {
       const double J = Input.J(Site, Next.Site);
-      Couplings.push_back({Share[Site] * Next.Mixing, Site, Next.Site});
+      Couplings.push_back({Share[Site] * Next.Mixing, Site, Next.Site, Site});
       Seen[Next.Site] = std::max(Seen[Next.Site], Share[Site] * Visibility(J));
       for (const MixedSite& Third : Near[Next.Site]) {
         if (Third.Site == Site) continue;
         const double Splitting = J - Input.J(Site, Third.Site);
-        Couplings.push_back({Share[Site] * Visibility(Splitting) * Third.Mixing, Next.Site, Third.Site});
+        Couplings.push_back({Share[Site] * Visibility(Splitting) * Third.Mixing, Next.Site, Third.Site, Site});
       }
     }
   }
@@ -182,12 +183,17 @@ Growth GrowCluster(const SpectrumInput& Input, const Neighbourhood& Near, const 
     std::vector<std::size_t> Wanted;
     bool MayComeIn = true;
     const std::size_t NumMembers = Degeneracies.size();
+    const auto IsIn = [](const std::vector<std::size_t>& Sites, std::size_t Site) {
+      return std::find(Sites.begin(), Sites.end(), Site) != Sites.end();
+    };
     for (const std::size_t End : {Best.A, Best.B}) {
-      for (const MixedSite& Next : Near[End]) Open.push({Best.Score * Next.Mixing, End, Next.Site});
-      MayComeIn = MayComeIn && Input.Sites[End].Observed;
-      if (std::find(Result.Sites.begin(), Result.Sites.end(), End) != Result.Sites.end()) continue;
-      Wanted.push_back(End);
-      Degeneracies.push_back(Input.Sites[End].Degeneracy);
+      for (const MixedSite& Next : Near[End]) Open.push({Best.Score * Next.Mixing, End, Next.Site, End});
+    }
+    for (const std::size_t Site : {Best.A, Best.B, Best.Seer}) {
+      MayComeIn = MayComeIn && Input.Sites[Site].Observed;
+      if (IsIn(Result.Sites, Site) || IsIn(Wanted, Site)) continue;
+      Wanted.push_back(Site);
+      Degeneracies.push_back(Input.Sites[Site].Degeneracy);
     }
     const double Cost = MayComeIn && !Wanted.empty() ? SimulationCost(Degeneracies) : 0.0;
     if (Cost == 0.0 || Cost > LargestCost) {

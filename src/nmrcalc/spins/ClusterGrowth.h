@@ -30,11 +30,11 @@ struct Growth {
   std::size_t Refused = NoSite;     // the first that was too large
 };
 
-// Takes in both ends of the coupling with the highest score, again and again, as long as the cost (see SimulationCost)
-// is no more than LargestCost. The share of the core that stands at a site falls with each step from it. A coupling
-// scores its mixing times the share that sees it, be it at one of its ends or at a third site whose couplings to the
-// two differ by what can be seen, or times the score of a coupling beside it. Nuclei that are not observed stay
-// outside; as static fields they lose nothing.
+// Takes in both ends of the coupling with the highest score, and the site that sees it, again and again, as long as the
+// cost (see SimulationCost) is no more than LargestCost. The share of the core that stands at a site falls with each
+// step from it. A coupling scores its mixing times the share that sees it, be it at one of its ends or at a third site
+// whose couplings to the two differ by what can be seen, or times the score of a coupling beside it. Nuclei that are
+// not observed stay outside; as static fields they lose nothing.
 Growth GrowCluster(const SpectrumInput& Input, const Neighbourhood& Near, const std::vector<std::size_t>& Core,
                    double LargestCost);
 

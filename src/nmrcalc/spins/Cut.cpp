@@ -18,16 +18,17 @@ namespace {
 constexpr int FirstLevel = 2;
 constexpr int CommonLevel = 5;  // to which all clusters grow; before, what moves says little
 constexpr int HighestLevel = 16;
-constexpr double RoundShare = 0.2;            // of the work so far that a round adds at least, so that rounds are few
-constexpr double RoughChange = 0.06;          // of the area; where as much moves, errors of sites may not cancel
-constexpr double UsualShare = 0.37;           // of what moves that is true, in the middle of many networks
-constexpr double ShareScatter = 2.34;         // of its logarithm by one cluster: 2.3 times the standard deviation
-constexpr double LargestMargin = 1.25;        // what was never more than 1.14 times what was told with 1.1
-constexpr double SteepestFall = 0.25;         // of the told error from a round to the next
-constexpr double SteepestCoreFall = 0.5;      // of what moves of a core from a level to the next; more may be chance
-constexpr double RateGrowth = 1.1;            // larger blocks run faster than is reckoned
-constexpr double LeastRate = 5e9;             // operations in a second; the first levels take too little time to tell
-constexpr double SinglePrecision = 0.001;     // of the area; a larger tolerance does not see its error
+constexpr double RoundShare = 0.2;         // of the work so far that a round adds at least, so that rounds are few
+constexpr double RoughChange = 0.06;       // of the area; where as much moves, errors of sites may not cancel
+constexpr double UsualShare = 0.37;        // of what moves that is true, in the middle of many networks
+constexpr double ShareScatter = 2.34;      // of its logarithm by one cluster: 2.3 times the standard deviation
+constexpr double LargestMargin = 1.25;     // what was never more than 1.14 times what was told with 1.1
+constexpr double SteepestFall = 0.25;      // of the told error from a round to the next
+constexpr double SteepestCoreFall = 0.5;   // of what moves of a core from a level to the next; more may be chance
+constexpr double NothingNew = 3e-4;        // of what moved before; less, and what came in does not matter to the core
+constexpr double RateGrowth = 1.1;         // larger blocks run faster than is reckoned
+constexpr double LeastRate = 5e9;          // operations in a second; the first levels take too little time to tell
+constexpr double SinglePrecision = 0.001;  // of the area; a larger tolerance does not see its error
 constexpr double BytesPerSquare = 8.0 * 8.0;  // of the largest block: matrices of two levels and their moments
 
 double SecondsUntil(RunClock::time_point Time) { return std::chrono::duration<double>(Time - RunClock::now()).count(); }
@@ -57,6 +58,7 @@ struct GrowingCore {
   // all of them is unknown.
   double Moved = 0.0;
   std::vector<SpectrumDifference> Changes{};
+  double Known = 0.0;    // what moved when last something did, halved for each level since
   double Promise = 0.0;  // what moved, with no fall that may be chance; clusters grow, and are told, by it
 };
 
@@ -184,7 +186,6 @@ void AdvanceCore(GrowingCore& Core, const ClusterPlan& Plan, std::vector<std::ve
     Core.Changes.clear();
     Core.MayGrow = false;
   } else if (Core.NumStages > 0 && IsTold) {
-    const double Before = Core.Moved;
     Core.Moved = 0.0;
     Core.Changes.assign(Core.Sites.size(), {});
     for (std::size_t K = 0; K < Core.Sites.size(); ++K) {
@@ -192,8 +193,9 @@ void AdvanceCore(GrowingCore& Core, const ClusterPlan& Plan, std::vector<std::ve
       AddLinesTo(Core.Changes[K], Lower[K], -1.0);
       Core.Moved += IntegrateDifference(Core.Changes[K]);
     }
-    const double Least = Core.NumStages < 2 ? 0.0 : SteepestCoreFall * Before;
+    const double Least = Core.NumStages < 2 ? 0.0 : SteepestCoreFall * Core.Known;
     Core.Promise = Core.Moved > 0.0 ? std::max(Core.Moved, Least) : 0.0;
+    Core.Known = Core.Moved > NothingNew * Core.Known ? Core.Moved : SteepestCoreFall * Core.Known;
     if (Core.Moved == 0.0) Core.MayGrow = false;
   }
   Core.LowerLines = std::move(Core.Lines);
@@ -328,7 +330,7 @@ CutResult SimulateCut(const SpectrumInput& Input, const SpinPart& Part, const Cu
       Core.Moved += CutNucleusIntensity * Input.Sites[Site].Degeneracy;
     }
     Work.Area += Core.Moved;
-    Core.Promise = Core.Moved;
+    Core.Promise = Core.Known = Core.Moved;
     Core.Sites = std::move(Sites);
     Work.Cores.push_back(std::move(Core));
   }
