@@ -5,6 +5,7 @@
 #include "Helpers.h"
 #include "nmrcalc/spins/BinnedLines.h"
 #include "nmrcalc/spins/Blocks.h"
+#include "nmrcalc/spins/ClusterLines.h"
 #include "nmrcalc/spins/Cut.h"
 #include "nmrcalc/spins/Groups.h"
 #include "nmrcalc/spins/Spectrum.h"
@@ -352,6 +353,33 @@ TEST(Cut, TellsNoLessThanItsError) {
     const double Error = CompareLines(Lines, Exact) / TotalIntensity(Exact);
     EXPECT_LT(100.0 * Error, Row.LargestError) << Row.Name;
     EXPECT_GE(Cut.Error, Error) << Row.Name;
+  }
+}
+
+// Two pairs of spins whose flip-flops with each other enter to second order, against all of them at once: what is lost
+// falls with the fourth power of the mixing angle, and the area of each spin stays.
+TEST(Cut, TakesGroupsApart) {
+  struct Row {
+    double Distance;      // ppm
+    double LargestError;  // percent
+  };
+  for (const Row& Item : {Row{0.5, 0.3}, Row{2.0, 0.03}}) {
+    const auto Input = MakeInput(400.0, {1.0, 1.03, 1.0 + Item.Distance, 1.3 + Item.Distance}, {},
+                                 {{0, 1, 10.0}, {2, 3, 2.0}, {0, 2, 8.0}, {0, 3, 2.0}, {1, 2, 1.0}, {1, 3, 7.0}});
+    std::vector<std::vector<Line>> Found;
+    for (const std::size_t Second : {0, 1}) {
+      const ClusterPlan Plan{.Sites = {0, 1, 2, 3},
+                             .Groups = {0, 0, Second, Second},
+                             .Cores = {0, 1},
+                             .Fields = {{.Field = std::vector<double>(4)}}};
+      ClusterTask Task{.EndField = 1};
+      SimulateCluster(Input, Plan, Task, std::atomic<bool>{false});
+      for (const BinnedLines& Own : Task.Lines) Found.push_back(TakeLines(Own, 1.0, 1e-8));
+    }
+    for (std::size_t Core : {0, 1}) {
+      EXPECT_LT(100.0 * CompareLines(Found[Core], Found[Core + 2]), Item.LargestError) << Core;
+      EXPECT_GT(Found[Core + 2].size(), 8u);
+    }
   }
 }
 

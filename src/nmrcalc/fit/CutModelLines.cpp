@@ -84,8 +84,9 @@ void AddPlanChange(CutTeam& Team, const ClusterPlan& Plan, std::size_t Direction
       if (Group.front() == Site) Cores.push_back(Group);
     }
   }
-  const auto Plans = PlanClusters(Moved, Team.Part.Part, Team.Near, Cores, Team.Level);
+  auto Plans = PlanClusters(Moved, Team.Part.Part, Team.Near, Cores, Team.Level);
   if (Plans.size() != 1 || Plans[0].Sites != Plan.Sites || Plans[0].Cores != Plan.Cores) return;
+  Plans[0].Groups = Plan.Groups;
   std::vector<double> Other(Nodes.size());
   AddPlan(Moved, Plans[0], Team.Axis, 1.0, Other);
   for (std::size_t K = 0; K < Nodes.size(); ++K) Nodes[K] += (Other[K] - Base[K]) / Unit;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 
 namespace nmrcalc {
 
@@ -22,8 +23,7 @@ int DigitOf(const BlockBasis& Basis, std::uint32_t State, std::size_t Spin) {
   return Basis.Digits[State * Basis.Stride.size() + Spin];
 }
 
-// The flip-flops from State; those between observed and far spins when Across, those within a kind otherwise
-// (all of them, when the basis takes no kinds apart).
+// The flip-flops from State; those between groups when Across, those within a group otherwise.
 void CollectFlips(const SpinSystem& System, const BlockBasis& Basis, std::uint32_t State, bool Across,
                   std::vector<Flip>& Flips) {
   Flips.clear();
@@ -34,7 +34,7 @@ void CollectFlips(const SpinSystem& System, const BlockBasis& Basis, std::uint32
     for (std::size_t Down = 0; Down < System.Size(); ++Down) {
       const int DownDigit = DigitOf(Basis, State, Down);
       if (Down == Up || DownDigit == 0 || System.J(Up, Down) == 0.0) continue;
-      const bool Crosses = Basis.SplitFar && System.Observed[Up] != System.Observed[Down];
+      const bool Crosses = Basis.Group[Up] != Basis.Group[Down];
       if (Crosses != Across) continue;
       const double DownFactor = RaisingFactor(System.TwiceSpin[Down], DownDigit - 1);
       Flips.push_back({State + Basis.Stride[Up] - Basis.Stride[Down], 0.5 * System.J(Up, Down) * UpFactor * DownFactor,
@@ -105,40 +105,62 @@ std::vector<std::vector<double>> CountBlocks(const SpinSystem& System, bool Spli
   return Counts;
 }
 
-BlockBasis BuildBasis(const SpinSystem& System, bool SplitFar) {
-  BlockBasis Basis{.SplitFar = SplitFar};
+BlockBasis BuildGroupedBasis(const SpinSystem& System, const std::vector<std::size_t>& Group) {
+  BlockBasis Basis{.Group = Group};
   std::uint32_t NumStates = 1;
-  std::size_t FarLevels = 1;
-  std::size_t ObservedLevels = 1;
+  std::map<std::size_t, std::size_t> NumLevels;  // of each group
+  NumLevels[0] = 1;
   for (std::size_t I = 0; I < System.Size(); ++I) {
     Basis.Stride.push_back(NumStates);
     NumStates *= static_cast<std::uint32_t>(System.TwiceSpin[I] + 1);
-    (SplitFar && !System.Observed[I] ? FarLevels : ObservedLevels) += static_cast<std::size_t>(System.TwiceSpin[I]);
+    std::size_t& Own = NumLevels.try_emplace(Group[I], 1).first->second;
+    Own += static_cast<std::size_t>(System.TwiceSpin[I]);
   }
-  Basis.Chains.assign(FarLevels, std::vector<std::vector<std::uint32_t>>(ObservedLevels));
+  std::size_t NumChains = 1;
+  std::map<std::size_t, std::size_t> Step;  // of the number of a chain, by the group
+  for (const auto& [Key, Levels] : NumLevels) {
+    Step[Key] = Key == 0 ? 0 : NumChains;
+    if (Key != 0) NumChains *= Levels;
+  }
+  Basis.Chains.assign(NumChains, std::vector<std::vector<std::uint32_t>>(NumLevels[0]));
   Basis.Digits.resize(std::size_t{NumStates} * System.Size());
   Basis.Position.resize(NumStates);
+  std::vector<std::size_t> StepOfSpin;
+  for (std::size_t I = 0; I < System.Size(); ++I) StepOfSpin.push_back(Step[Group[I]]);
   for (std::uint32_t State = 0; State < NumStates; ++State) {
-    std::size_t Far = 0;
+    std::size_t Chain = 0;
     std::size_t Level = 0;
     for (std::size_t I = 0; I < System.Size(); ++I) {
       const auto Digit = State / Basis.Stride[I] % static_cast<std::uint32_t>(System.TwiceSpin[I] + 1);
       Basis.Digits[State * System.Size() + I] = static_cast<std::uint8_t>(Digit);
-      (SplitFar && !System.Observed[I] ? Far : Level) += Digit;
+      if (Group[I] == 0) {
+        Level += Digit;
+      } else {
+        Chain += Digit * StepOfSpin[I];
+      }
     }
-    Basis.Position[State] = static_cast<std::uint32_t>(Basis.Chains[Far][Level].size());
-    Basis.Chains[Far][Level].push_back(State);
-  }
-  if (SplitFar) {
-    Basis.Energy.resize(NumStates);
-    for (std::uint32_t State = 0; State < NumStates; ++State) {
-      Basis.Energy[State] = DiagonalElement(System, Basis, State, System.Offset);
-    }
+    Basis.Position[State] = static_cast<std::uint32_t>(Basis.Chains[Chain][Level].size());
+    Basis.Block.push_back(static_cast<std::uint32_t>(Chain * NumLevels[0] + Level));
+    Basis.Chains[Chain][Level].push_back(State);
   }
   Basis.ObservedCarrier = Mean(System, true);
-  const double FarCarrier = SplitFar ? Mean(System, false) : Basis.ObservedCarrier;
+  Basis.ReducedOffset = System.Offset;
+  for (double& Offset : Basis.ReducedOffset) Offset -= Basis.ObservedCarrier;
+  return Basis;
+}
+
+BlockBasis BuildBasis(const SpinSystem& System, bool SplitFar) {
+  std::vector<std::size_t> Group(System.Size());
+  for (std::size_t I = 0; SplitFar && I < System.Size(); ++I) Group[I] = System.Observed[I] ? 0 : 1;
+  BlockBasis Basis = BuildGroupedBasis(System, Group);
+  Basis.SplitFar = SplitFar;
+  if (!SplitFar) return Basis;
+  const double FarCarrier = Mean(System, false);
   for (std::size_t I = 0; I < System.Size(); ++I) {
-    Basis.ReducedOffset.push_back(System.Offset[I] - (System.Observed[I] ? Basis.ObservedCarrier : FarCarrier));
+    if (!System.Observed[I]) Basis.ReducedOffset[I] = System.Offset[I] - FarCarrier;
+  }
+  for (std::uint32_t State = 0; State < Basis.Position.size(); ++State) {
+    Basis.Energy.push_back(DiagonalElement(System, Basis, State, System.Offset));
   }
   return Basis;
 }

@@ -10,17 +10,19 @@ namespace nmrcalc {
 
 // Basis of product states |m1 m2 ...> of a spin system, cut into the blocks that the Hamiltonian
 //   H = sum Offset_i I_iz + sum J_ij I_i . I_j        (Hz)
-// leaves apart: by the total Mz or, where far nuclei are taken apart, by the Mz of the observed spins and that of the
-// far ones. A state is coded by one digit d = m + S (0..2S) for each spin.
+// leaves apart: by the total Mz or, where spins are taken apart in groups, by the Mz of each group. A state is coded by
+// one digit d = m + S (0..2S) for each spin.
 
 struct BlockBasis {
-  bool SplitFar = false;                  // blocks by two Mz
+  bool SplitFar = false;                  // the far spins are a group, whose flip-flops enter to second order
+  std::vector<std::size_t> Group{};       // of each spin; the lines are those of group 0
   std::vector<std::uint32_t> Stride{};    // value of a digit in the state's code
   std::vector<std::uint8_t> Digits{};     // states x spins
   std::vector<std::uint32_t> Position{};  // place of a state in its block
+  std::vector<std::uint32_t> Block{};     // of each state: f times the levels of group 0 plus k, see Chains
   std::vector<double> Energy{};           // diagonal element of each state, Hz; with SplitFar only
-  // Chains[f][k]: codes of the states with far level f and observed level k. Levels count raised spins from 0.
-  // I+ of the observed spins leads from [f][k] to [f][k + 1]. Without SplitFar there is one chain over the total.
+  // Chains[f][k]: codes of the states with level k of group 0; f stands for the levels of all other groups. Levels
+  // count raised spins from 0. I+ of group 0 leads from [f][k] to [f][k + 1]. One group is one chain over the total.
   std::vector<std::vector<std::vector<std::uint32_t>>> Chains{};
   // Carriers taken off the offsets so that eigenvalues stay small, in Hz. Every line is ObservedCarrier too low.
   double ObservedCarrier = 0.0;
@@ -30,10 +32,13 @@ struct BlockBasis {
 // The sizes of the blocks without building them; the same order as BlockBasis::Chains. Doubles: they may be huge.
 std::vector<std::vector<double>> CountBlocks(const SpinSystem& System, bool SplitFar);
 
+// With SplitFar the observed spins are group 0, the far ones group 1; else there is one group.
 BlockBasis BuildBasis(const SpinSystem& System, bool SplitFar);
+// Groups that are numbered in any way, one of them 0.
+BlockBasis BuildGroupedBasis(const SpinSystem& System, const std::vector<std::size_t>& Group);
 
-// The Hamiltonian of one block, column-major, both triangles. With SplitFar the flip-flops between observed and far
-// spins enter to second order (Van Vleck), which leaves an error of third order, see FarSplittingError.
+// The Hamiltonian of one block, column-major, both triangles, without the flip-flops between groups. With SplitFar they
+// enter to second order (Van Vleck), which leaves an error of third order, see FarSplittingError.
 std::vector<double> BuildHamiltonian(const SpinSystem& System, const BlockBasis& Basis,
                                      const std::vector<std::uint32_t>& States);
 

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <set>
 #include <type_traits>
 
 #include "nmrcalc/spins/Blocks.h"
+#include "nmrcalc/spins/DroppedFlips.h"
 #include "nmrcalc/spins/LinearAlgebra.h"
 #include "nmrcalc/spins/OutsideFlips.h"
 #include "nmrcalc/spins/SpinSystem.h"
@@ -39,57 +41,69 @@ struct MatrixSpace {
   std::vector<Number> Largest{};           // of them
 };
 
+// Of a block, what is the same in all states of the surroundings.
+struct PreparedBlock {
+  const std::vector<std::uint32_t>& States;
+  std::vector<double> Hamiltonian{};
+  std::vector<double> Mz{};  // spins x states
+};
+
+// The transitions that raise a group: from a block to the one above.
+struct BlockStep {
+  std::size_t Lower = 0;
+  std::size_t Upper = 0;
+  std::vector<std::vector<RaisingElement>> Raising{};  // by spin; of those of the group
+  std::vector<std::vector<RaisingElement>> Own{};      // of each core spin
+};
+
 // What is the same in all states of the surroundings.
 struct ClusterWork {
   const SpinSystem& System;
   const ClusterPlan& Plan;
   std::vector<OuterSite> Outside{};
+  std::vector<DroppedFlip> Dropped{};
   BlockBasis Basis{};
-  // Of each block, what is the same in all states of the surroundings
-  std::vector<std::vector<double>> Hamiltonians{};
-  std::vector<std::vector<double>> Mz{};                            // states x spins
-  std::vector<std::vector<std::vector<RaisingElement>>> Raising{};  // by spin
-  std::vector<std::size_t> CoreSpins{};                             // spins of the system
-  std::vector<std::size_t> CorePlaces{};                            // their places in Plan.Cores
+  std::vector<PreparedBlock> Blocks{};
+  std::vector<BlockStep> Steps{};
+  std::vector<std::size_t> LastStep{};    // of each block
+  std::vector<std::size_t> CoreSpins{};   // spins of the system
+  std::vector<std::size_t> CorePlaces{};  // their places in Plan.Cores
 };
 
 // <Iz> of each spin in each eigenstate.
 template <class Number>
-void ComputePolarization(const ClusterWork& Work, std::size_t Level, MatrixSpace<Number>& Space,
+void ComputePolarization(const ClusterWork& Work, const PreparedBlock& Prepared, MatrixSpace<Number>& Space,
                          SolvedBlock<Number>& Block) {
   const std::size_t Size = Block.Energies.size();
   const std::size_t NumSpins = Work.System.Size();
   Space.Squares.resize(Size * Size);
   for (std::size_t K = 0; K < Size * Size; ++K) Space.Squares[K] = Block.Vectors[K] * Block.Vectors[K];
-  const std::vector<Number> Mz(Work.Mz[Level].begin(), Work.Mz[Level].end());
+  const std::vector<Number> Mz(Prepared.Mz.begin(), Prepared.Mz.end());
   Space.Polarization.resize(Size * NumSpins);
   MultiplyTransposed(Mz.data(), Space.Squares.data(), Space.Polarization.data(), NumSpins, Size, Size);
   Block.Polarization.assign(Space.Polarization.begin(), Space.Polarization.end());
 }
 
-BlockInField InField(const ClusterWork& Work, std::size_t Level, const FieldState& Field) {
-  return {.System = Work.System,
-          .Basis = Work.Basis,
-          .States = Work.Basis.Chains[0][Level],
-          .Outside = Work.Outside,
-          .Field = Field};
+BlockInField InField(const ClusterWork& Work, const PreparedBlock& Block, const FieldState& Field) {
+  return {.System = Work.System, .Basis = Work.Basis, .States = Block.States, .Outside = Work.Outside, .Field = Field};
 }
 
 template <class Number>
-void SolveBlock(const ClusterWork& Work, std::size_t Level, const FieldState& Field, MatrixSpace<Number>& Space,
-                SolvedBlock<Number>& Block) {
-  const auto& States = Work.Basis.Chains[0][Level];
-  Space.Hamiltonian = Work.Hamiltonians[Level];
+void SolveBlock(const ClusterWork& Work, const PreparedBlock& Prepared, const FieldState& Field,
+                MatrixSpace<Number>& Space, SolvedBlock<Number>& Block) {
+  const auto& States = Prepared.States;
+  Space.Hamiltonian = Prepared.Hamiltonian;
   for (std::size_t K = 0; K < States.size(); ++K) {
     double& Diagonal = Space.Hamiltonian[K * States.size() + K];
     for (std::size_t Spin = 0; Spin < Work.System.Size(); ++Spin) {
-      Diagonal += Field.Field[Work.System.Sites[Spin]] * Work.Mz[Level][Spin * States.size() + K];
+      Diagonal += Field.Field[Work.System.Sites[Spin]] * Prepared.Mz[Spin * States.size() + K];
     }
   }
-  AddOutsideFlips(InField(Work, Level, Field), Space.Hamiltonian);
+  AddOutsideFlips(InField(Work, Prepared, Field), Space.Hamiltonian);
+  AddDroppedFlips(InField(Work, Prepared, Field), Work.Dropped, Space.Hamiltonian);
   Block.Vectors.assign(Space.Hamiltonian.begin(), Space.Hamiltonian.end());
   DiagonalizeSymmetric(Block.Vectors, States.size(), Block.Energies);
-  if (!Work.Outside.empty()) ComputePolarization(Work, Level, Space, Block);
+  if (!Work.Outside.empty()) ComputePolarization(Work, Prepared, Space, Block);
 }
 
 // V_upper^T I+ V_lower, columns by the lower states.
@@ -134,26 +148,27 @@ void ComputeMomentsOfSpin(const std::vector<RaisingElement>& Raising, const Solv
 }
 
 template <class Number>
-void AddLinesOfOutside(ClusterWork& Work, std::size_t Level, const FieldState& State, const SolvedBlock<Number>& Block,
-                       ClusterTask& Task) {
+void AddLinesOfOutside(const ClusterWork& Work, const PreparedBlock& Prepared, const FieldState& State,
+                       const SolvedBlock<Number>& Block, ClusterTask& Task) {
+  const BlockInField Own = InField(Work, Prepared, State);
+  const double Weight = Work.System.Weight * State.Weight;
   for (std::size_t Core = 0; Core < Work.CoreSpins.size(); ++Core) {
-    AddOutsideLines(InField(Work, Level, State), Block.Polarization, Work.CoreSpins[Core],
-                    Work.System.Weight * State.Weight, Task.Lines[Work.CorePlaces[Core]]);
+    AddOutsideLines(Own, Block.Polarization, Work.CoreSpins[Core], Weight, Task.Lines[Work.CorePlaces[Core]]);
   }
 }
 
-// The intensities of the core spins' lines from a block to the one above.
+// The intensities of the core spins' lines in a step.
 template <class Number>
-void ComputeIntensities(const ClusterWork& Work, const FieldState& State, std::size_t Level,
+void ComputeIntensities(const ClusterWork& Work, const FieldState& State, const BlockStep& Step,
                         const SolvedBlock<Number>& Lower, const SolvedBlock<Number>& Upper,
                         MatrixSpace<Number>& Space) {
-  const auto& Raising = Work.Raising[Level];
-  ComputeMoments(AddLean(InField(Work, Level, State), Raising), Lower, Upper, Space.Raised, Space.Whole);
+  const BlockInField Block = InField(Work, Work.Blocks[Step.Lower], State);
+  ComputeMoments(AddLean(Block, Step.Raising), Lower, Upper, Space.Raised, Space.Whole);
   Space.Largest.assign(Space.Whole.size(), 0);
   Space.Own.resize(Work.CoreSpins.size());
   for (std::size_t Core = 0; Core < Work.CoreSpins.size(); ++Core) {
     std::vector<Number>& Intensities = Space.Own[Core];
-    ComputeMomentsOfSpin(Raising[Work.CoreSpins[Core]], Lower, Upper, Space, Intensities);
+    ComputeMomentsOfSpin(Step.Own[Core], Lower, Upper, Space, Intensities);
     for (std::size_t Place = 0; Place < Space.Whole.size(); ++Place) {
       Intensities[Place] *= Space.Whole[Place];
       Space.Largest[Place] = std::max(Space.Largest[Place], std::abs(Intensities[Place]));
@@ -162,8 +177,8 @@ void ComputeIntensities(const ClusterWork& Work, const FieldState& State, std::s
 }
 
 template <class Number>
-void AddPairLines(ClusterWork& Work, const SolvedBlock<Number>& Lower, const SolvedBlock<Number>& Upper, double Weight,
-                  const MatrixSpace<Number>& Space, ClusterTask& Task) {
+void AddStepLines(const ClusterWork& Work, const SolvedBlock<Number>& Lower, const SolvedBlock<Number>& Upper,
+                  double Weight, const MatrixSpace<Number>& Space, ClusterTask& Task) {
   const std::size_t NumRows = Upper.Energies.size();
   for (std::size_t Column = 0; Column < Lower.Energies.size(); ++Column) {
     for (std::size_t Row = 0; Row < NumRows; ++Row) {
@@ -178,34 +193,73 @@ void AddPairLines(ClusterWork& Work, const SolvedBlock<Number>& Lower, const Sol
   }
 }
 
+// The step from a block that raises a group; nothing where that is at its end or no core has a share in it.
+void PrepareStep(ClusterWork& Work, std::size_t Lower, std::size_t Group) {
+  const SpinSystem& System = Work.System;
+  const auto& States = Work.Blocks[Lower].States;
+  BlockStep Step{.Lower = Lower, .Raising = std::vector<std::vector<RaisingElement>>(System.Size())};
+  bool AnyOwn = false;
+  for (const std::size_t Core : Work.CoreSpins) {
+    Step.Own.push_back(Group == 0 ? BuildRaisingOfSpin(System, Work.Basis, States, Core)
+                                  : BuildShareInGroup(System, Work.Basis, States, Work.Dropped, Core, Group));
+    AnyOwn = AnyOwn || !Step.Own.back().empty();
+  }
+  for (std::size_t Spin = 0; AnyOwn && Spin < System.Size(); ++Spin) {
+    if (Work.Basis.Group[Spin] != Group) continue;
+    Step.Raising[Spin] = BuildRaisingOfSpin(System, Work.Basis, States, Spin);
+    if (Step.Raising[Spin].empty()) continue;
+    Step.Upper = Work.Basis.Block[States[Step.Raising[Spin][0].From] + Work.Basis.Stride[Spin]];
+    AddDroppedLean(System, Work.Basis, States, Work.Dropped, Spin, Step.Raising[Spin]);
+  }
+  if (Step.Upper == 0) return;
+  Work.LastStep[Step.Lower] = Work.LastStep[Step.Upper] = Work.Steps.size();
+  Work.Steps.push_back(std::move(Step));
+}
+
 void PrepareBlocks(ClusterWork& Work) {
-  for (const auto& States : Work.Basis.Chains[0]) {
-    Work.Hamiltonians.push_back(BuildHamiltonian(Work.System, Work.Basis, States));
-    Work.Mz.emplace_back();
-    Work.Raising.emplace_back();
-    for (std::size_t Spin = 0; Spin < Work.System.Size(); ++Spin) {
-      for (const std::uint32_t State : States) Work.Mz.back().push_back(MzOf(Work.System, Work.Basis, State, Spin));
-      Work.Raising.back().push_back(BuildRaisingOfSpin(Work.System, Work.Basis, States, Spin));
+  for (const auto& Chain : Work.Basis.Chains) {
+    for (const auto& States : Chain) {
+      PreparedBlock& Block = Work.Blocks.emplace_back(
+          PreparedBlock{.States = States, .Hamiltonian = BuildHamiltonian(Work.System, Work.Basis, States)});
+      for (std::size_t Spin = 0; Spin < Work.System.Size(); ++Spin) {
+        for (const std::uint32_t State : States) Block.Mz.push_back(MzOf(Work.System, Work.Basis, State, Spin));
+      }
     }
+  }
+  Work.LastStep.resize(Work.Blocks.size());
+  const std::set<std::size_t> Groups(Work.Basis.Group.begin(), Work.Basis.Group.end());
+  for (std::size_t Block = 0; Block < Work.Blocks.size(); ++Block) {
+    for (const std::size_t Group : Groups) PrepareStep(Work, Block, Group);
   }
 }
 
+// Blocks are solved when a step needs them first, and their storage goes to others after the last one.
 template <class Number>
-void SimulateFields(ClusterWork& Work, ClusterTask& Task, const std::atomic<bool>& Stop) {
+void SimulateFields(const ClusterWork& Work, ClusterTask& Task, const std::atomic<bool>& Stop) {
   MatrixSpace<Number> Space;
-  SolvedBlock<Number> Lower;
-  SolvedBlock<Number> Upper;
+  std::vector<SolvedBlock<Number>> Solved(Work.Blocks.size());
+  std::vector<SolvedBlock<Number>> Spare;
   for (std::size_t Field = Task.FirstField; Field < Task.EndField; ++Field) {
     const FieldState& State = Work.Plan.Fields[Field];
-    SolveBlock(Work, 0, State, Space, Lower);
-    AddLinesOfOutside(Work, 0, State, Lower, Task);
-    for (std::size_t Level = 1; Level < Work.Basis.Chains[0].size(); ++Level) {
+    for (std::size_t K = 0; K < Work.Steps.size(); ++K) {
       if (Stop) return;
-      SolveBlock(Work, Level, State, Space, Upper);
-      AddLinesOfOutside(Work, Level, State, Upper, Task);
-      ComputeIntensities(Work, State, Level - 1, Lower, Upper, Space);
-      AddPairLines(Work, Lower, Upper, Work.System.Weight * State.Weight, Space, Task);
-      std::swap(Lower, Upper);
+      const BlockStep& Step = Work.Steps[K];
+      for (const std::size_t Block : {Step.Lower, Step.Upper}) {
+        if (!Solved[Block].Energies.empty()) continue;
+        if (!Spare.empty()) {
+          std::swap(Solved[Block], Spare.back());
+          Spare.pop_back();
+        }
+        SolveBlock(Work, Work.Blocks[Block], State, Space, Solved[Block]);
+        AddLinesOfOutside(Work, Work.Blocks[Block], State, Solved[Block], Task);
+      }
+      ComputeIntensities(Work, State, Step, Solved[Step.Lower], Solved[Step.Upper], Space);
+      AddStepLines(Work, Solved[Step.Lower], Solved[Step.Upper], Work.System.Weight * State.Weight, Space, Task);
+      for (const std::size_t Block : {Step.Lower, Step.Upper}) {
+        if (Work.LastStep[Block] != K) continue;
+        Spare.push_back(std::move(Solved[Block]));
+        Solved[Block] = {};
+      }
     }
   }
 }
@@ -220,7 +274,10 @@ void SimulateSystem(const SpectrumInput& Input, const SpinSystem& System, const 
     Work.CorePlaces.push_back(static_cast<std::size_t>(Place - Plan.Cores.begin()));
   }
   if (Work.CoreSpins.empty()) return;
-  Work.Basis = BuildBasis(System, false);
+  std::vector<std::size_t> Group;
+  for (const std::size_t Site : System.Sites) Group.push_back(Plan.Groups[Site]);
+  Work.Dropped = FindDroppedFlips(System, Group);
+  Work.Basis = BuildGroupedBasis(System, Group);
   PrepareBlocks(Work);
   if (Task.IsExact) {
     SimulateFields<double>(Work, Task, Stop);

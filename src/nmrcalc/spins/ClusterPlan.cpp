@@ -256,6 +256,16 @@ std::vector<std::size_t> FindOutside(const SpectrumInput& Input, const SpinPart&
   return Outside;
 }
 
+// The members by rising site, each with its group; groups are numbered as they come, that of the core 0.
+std::vector<std::pair<std::size_t, std::size_t>> SortMembers(const Growth& Members) {
+  std::vector<std::pair<std::size_t, std::size_t>> Result;
+  for (std::size_t K = 0; K < Members.Sites.size(); ++K) Result.emplace_back(Members.Sites[K], Members.Groups[K]);
+  std::sort(Result.begin(), Result.end());
+  std::map<std::size_t, std::size_t> Numbers{{0, 0}};
+  for (auto& [Site, Group] : Result) Group = Numbers.try_emplace(Group, Numbers.size()).first->second;
+  return Result;
+}
+
 }  // namespace
 
 std::vector<std::vector<std::size_t>> FindCores(const SpectrumInput& Input, const SpinPart& Part) {
@@ -296,12 +306,10 @@ std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart
     std::vector<std::size_t> Cores{};
     std::size_t Refused = NoSite;
   };
-  std::map<std::vector<std::size_t>, Shared> Clusters;  // by the members
+  std::map<std::vector<std::pair<std::size_t, std::size_t>>, Shared> Clusters;  // by the members and their groups
   for (const auto& Core : Cores) {
     const Growth Members = GrowCluster(Input, Near, Core, LargestCost);
-    std::vector<std::size_t> Key = Members.Sites;
-    std::sort(Key.begin(), Key.end());
-    Shared& Cluster = Clusters[Key];
+    Shared& Cluster = Clusters[SortMembers(Members)];
     if (Cluster.Cores.empty()) Cluster.Refused = Members.Refused;
     Cluster.Cores.insert(Cluster.Cores.end(), Core.begin(), Core.end());
     for (std::size_t I = 0; I < Members.Sites.size(); ++I) {
@@ -311,18 +319,23 @@ std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart
   }
   std::vector<ClusterPlan> Plans;
   for (const auto& [Key, Cluster] : Clusters) {
-    ClusterPlan Plan{.Sites = Key, .Refused = Cluster.Refused};
-    Growth Members{.Sites = Key};
+    ClusterPlan Plan{.Refused = Cluster.Refused};
+    Growth Members;
     std::vector<int> Degeneracies;
-    for (std::size_t I = 0; I < Key.size(); ++I) {
-      Members.Influence.push_back(Cluster.Influences.at(Key[I]));
-      Degeneracies.push_back(Input.Sites[Key[I]].Degeneracy);
-      if (std::find(Cluster.Cores.begin(), Cluster.Cores.end(), Key[I]) != Cluster.Cores.end()) Plan.Cores.push_back(I);
+    for (const auto& [Site, Group] : Key) {
+      const auto& Own = Cluster.Cores;
+      if (std::find(Own.begin(), Own.end(), Site) != Own.end()) Plan.Cores.push_back(Plan.Sites.size());
+      Plan.Sites.push_back(Site);
+      Plan.Groups.push_back(Group);
+      Members.Influence.push_back(Cluster.Influences.at(Site));
+      Degeneracies.push_back(Input.Sites[Site].Degeneracy);
     }
-    Plan.Outside = FindOutside(Input, Part, Key);
-    Plan.IsWhole = Plan.Outside.empty();
+    Members.Sites = Plan.Sites;
+    Plan.Outside = FindOutside(Input, Part, Plan.Sites);
+    const auto IsCoreGroup = [](std::size_t Group) { return Group == 0; };
+    Plan.IsWhole = Plan.Outside.empty() && std::all_of(Plan.Groups.begin(), Plan.Groups.end(), IsCoreGroup);
     AddFields(FindSurroundings(Input, Near, Members, Plan.Outside), Plan);
-    Plan.Operations = SimulationCost(Degeneracies) * double(Plan.Fields.size()) *
+    Plan.Operations = GroupedCost(Degeneracies, Plan.Groups) * double(Plan.Fields.size()) *
                       (OperationsPerCube + OperationsPerMoment * double(1 + Plan.Cores.size()));
     Plans.push_back(std::move(Plan));
   }

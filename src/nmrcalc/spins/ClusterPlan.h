@@ -21,8 +21,9 @@ struct FieldState {
 };
 
 struct ClusterPlan {
-  std::vector<std::size_t> Sites{};    // indices into SpectrumInput::Sites, rising
-  std::vector<std::size_t> Cores{};    // places in Sites
+  std::vector<std::size_t> Sites{};   // indices into SpectrumInput::Sites, rising
+  std::vector<std::size_t> Groups{};  // as Sites; flip-flops between groups enter to second order. 0: that of the cores
+  std::vector<std::size_t> Cores{};   // places in Sites
   std::vector<std::size_t> Outside{};  // sites that are coupled to members
   // States of the outside: the cluster is diagonalised in each. All there are, or a sample. The weights add up to 1.
   std::vector<FieldState> Fields{};

@@ -46,6 +46,7 @@ struct GrowingCore {
   std::size_t NumStages = 0;  // clusters simulated
   // Of the cluster of this level
   std::vector<std::size_t> Members{};
+  std::vector<std::size_t> Groups{};
   std::size_t NumFields = 0;
   double Operations = 0.0;
   bool IsWhole = false;
@@ -213,7 +214,7 @@ void SkipUnchanged(CutWork& Work, std::vector<LevelPlan>& Plans) {
     const auto IsSame = [&](std::size_t K) {
       const GrowingCore& Core = Work.Cores[K];
       return Core.NumStages > 1 && Item.Plan.Refused != NoSite && Core.Members == Item.Plan.Sites &&
-             Core.NumFields == Item.Plan.Fields.size();
+             Core.Groups == Item.Plan.Groups && Core.NumFields == Item.Plan.Fields.size();
     };
     if (!std::all_of(Cores.begin(), Cores.end(), IsSame)) return false;
     for (const std::size_t Core : Cores) Work.Cores[Core].Level = Item.Level;
@@ -247,6 +248,7 @@ bool RunRound(CutWork& Work, std::vector<LevelPlan>& Items) {
       Moves.emplace_back(Core, K);
       Work.Cores[Core].Level = Items[K].Level;
       Work.Cores[Core].Members = Plans[K].Sites;
+      Work.Cores[Core].Groups = Plans[K].Groups;
       Work.Cores[Core].NumFields = Plans[K].Fields.size();
       Work.Cores[Core].Operations = Plans[K].Operations / double(Cores.size());
     }
@@ -287,7 +289,8 @@ void GrowClusters(CutWork& Work) {
   const int LastLevel = Work.Limits.LastLevel > 0 ? Work.Limits.LastLevel : HighestLevel;
   while (true) {
     const std::vector<std::size_t> Chosen = ChooseCores(Work);
-    if (Chosen.empty()) return;
+    const bool IsAnswered = Work.Operations > 0.0;
+    if (Chosen.empty() || (IsAnswered && SecondsUntil(Work.Limits.Deadline) <= 0.0)) return;
     std::vector<LevelPlan> Plans = PlanRound(Work, Chosen);
     SkipUnchanged(Work, Plans);
     if (!KeepWhatFits(Work, Plans)) return;

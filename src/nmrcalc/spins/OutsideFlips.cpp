@@ -11,44 +11,6 @@ constexpr double SmallestCoupling = 0.02;  // Hz; less does nothing that can be 
 constexpr double SmallestShare = 1e-6;     // of the outer spins in a state
 constexpr double LargestLean = 0.5;        // of the intensity that all sites outside together may take or add
 
-// One over the distance, as far as perturbation holds.
-double Inverse(double Distance, double Element) {
-  const double Square = Distance * Distance + Element * Element;
-  return Square > 0.0 ? Distance / Square : 0.0;
-}
-
-// The sine of twice the angle by which two spins mix, with the sign of the distance; it goes to nothing where they are
-// too close for perturbation.
-double SineOf(double J, double Distance) {
-  return std::copysign(J, J * Distance) / std::hypot(Distance, J) * std::min(1.0, std::fabs(Distance / J));
-}
-
-// A product state of the cluster.
-struct ProductState {
-  std::size_t Place = 0;
-  std::vector<double> Mz{};
-  std::vector<double> Resonance{};  // Hz, of each spin, in the fields of all others
-};
-
-void FillState(const BlockInField& Block, std::size_t Place, ProductState& Result) {
-  const SpinSystem& System = Block.System;
-  Result.Place = Place;
-  for (std::size_t Spin = 0; Spin < System.Size(); ++Spin) {
-    Result.Mz[Spin] = MzOf(System, Block.Basis, Block.States[Place], Spin);
-  }
-  for (std::size_t Spin = 0; Spin < System.Size(); ++Spin) {
-    double Sum = System.Offset[Spin] + Block.Field.Field[System.Sites[Spin]];
-    for (std::size_t Other = 0; Other < System.Size(); ++Other) Sum += System.J(Spin, Other) * Result.Mz[Other];
-    Result.Resonance[Spin] = Sum;
-  }
-}
-
-// <m + Step| I+- |m>, 0 where the spin ends.
-double StepFactor(int TwiceSpin, double Mz, int Step) {
-  const double Spin = 0.5 * TwiceSpin;
-  return std::sqrt(std::max(0.0, Spin * (Spin + 1.0) - Mz * (Mz + Step)));
-}
-
 // An outer site that flips, and its field as the rest of the outside makes it.
 struct Flipper {
   const OuterSite& Site;
@@ -77,7 +39,7 @@ void AddFlips(const BlockInField& Block, const ProductState& State, const Flippe
     for (const std::size_t Second : Outer.Site.Spins) {
       if (Second == First || !IsPolarized) continue;
       const double Back = 0.5 * Outer.Site.J[Second] * StepFactor(System.TwiceSpin[Second], State.Mz[Second], Step);
-      if (Back == 0.0) continue;
+      if (Back == 0.0 || Block.Basis.Group[First] != Block.Basis.Group[Second]) continue;
       const double Distance = DistanceOf(Outer, State, Second) - Step * (System.J(Second, First) - Outer.Site.J[First]);
       const std::uint32_t Target = Block.States[State.Place] +
                                    static_cast<std::uint32_t>(Step) * Block.Basis.Stride[Second] -
@@ -96,6 +58,33 @@ double FieldOn(const BlockInField& Block, const OuterSite& Site) {
 }
 
 }  // namespace
+
+double Inverse(double Distance, double Element) {
+  const double Square = Distance * Distance + Element * Element;
+  return Square > 0.0 ? Distance / Square : 0.0;
+}
+
+double SineOf(double J, double Distance) {
+  return std::copysign(J, J * Distance) / std::hypot(Distance, J) * std::min(1.0, std::fabs(Distance / J));
+}
+
+void FillState(const BlockInField& Block, std::size_t Place, ProductState& Result) {
+  const SpinSystem& System = Block.System;
+  Result.Place = Place;
+  for (std::size_t Spin = 0; Spin < System.Size(); ++Spin) {
+    Result.Mz[Spin] = MzOf(System, Block.Basis, Block.States[Place], Spin);
+  }
+  for (std::size_t Spin = 0; Spin < System.Size(); ++Spin) {
+    double Sum = System.Offset[Spin] + Block.Field.Field[System.Sites[Spin]];
+    for (std::size_t Other = 0; Other < System.Size(); ++Other) Sum += System.J(Spin, Other) * Result.Mz[Other];
+    Result.Resonance[Spin] = Sum;
+  }
+}
+
+double StepFactor(int TwiceSpin, double Mz, int Step) {
+  const double Spin = 0.5 * TwiceSpin;
+  return std::sqrt(std::max(0.0, Spin * (Spin + 1.0) - Mz * (Mz + Step)));
+}
 
 std::vector<OuterSite> FindOuterSites(const SpectrumInput& Input, const ClusterPlan& Plan, const SpinSystem& System) {
   std::vector<OuterSite> Result;

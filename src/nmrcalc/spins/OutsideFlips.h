@@ -38,6 +38,24 @@ struct BlockInField {
   const FieldState& Field;
 };
 
+// A product state of the block.
+struct ProductState {
+  std::size_t Place = 0;
+  std::vector<double> Mz{};
+  std::vector<double> Resonance{};  // Hz, of each spin, in the fields of all others
+};
+void FillState(const BlockInField& Block, std::size_t Place, ProductState& Result);
+
+// <m + Step| I+- |m>, 0 where the spin ends.
+double StepFactor(int TwiceSpin, double Mz, int Step);
+
+// One over the distance, as far as perturbation by the matrix element holds.
+double Inverse(double Distance, double Element);
+
+// The sine of twice the angle by which two spins mix, with the sign of the distance; it goes to nothing where they are
+// too close for perturbation.
+double SineOf(double J, double Distance);
+
 double MzOf(const SpinSystem& System, const BlockBasis& Basis, std::uint32_t State, std::size_t Spin);
 
 // Adds to the Hamiltonian of the block what the flip-flops with the outside do in second order.
