@@ -59,11 +59,6 @@ double FieldOn(const BlockInField& Block, const OuterSite& Site) {
 
 }  // namespace
 
-double Inverse(double Distance, double Element) {
-  const double Square = Distance * Distance + Element * Element;
-  return Square > 0.0 ? Distance / Square : 0.0;
-}
-
 double SineOf(double J, double Distance) {
   return std::copysign(J, J * Distance) / std::hypot(Distance, J) * std::min(1.0, std::fabs(Distance / J));
 }
@@ -79,11 +74,6 @@ void FillState(const BlockInField& Block, std::size_t Place, ProductState& Resul
     for (std::size_t Other = 0; Other < System.Size(); ++Other) Sum += System.J(Spin, Other) * Result.Mz[Other];
     Result.Resonance[Spin] = Sum;
   }
-}
-
-double StepFactor(int TwiceSpin, double Mz, int Step) {
-  const double Spin = 0.5 * TwiceSpin;
-  return std::sqrt(std::max(0.0, Spin * (Spin + 1.0) - Mz * (Mz + Step)));
 }
 
 std::vector<OuterSite> FindOuterSites(const SpectrumInput& Input, const ClusterPlan& Plan, const SpinSystem& System) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -47,10 +49,16 @@ struct ProductState {
 void FillState(const BlockInField& Block, std::size_t Place, ProductState& Result);
 
 // <m + Step| I+- |m>, 0 where the spin ends.
-double StepFactor(int TwiceSpin, double Mz, int Step);
+inline double StepFactor(int TwiceSpin, double Mz, int Step) {
+  const double Spin = 0.5 * TwiceSpin;
+  return std::sqrt(std::max(0.0, Spin * (Spin + 1.0) - Mz * (Mz + Step)));
+}
 
 // One over the distance, as far as perturbation by the matrix element holds.
-double Inverse(double Distance, double Element);
+inline double Inverse(double Distance, double Element) {
+  const double Square = Distance * Distance + Element * Element;
+  return Square > 0.0 ? Distance / Square : 0.0;
+}
 
 // The sine of twice the angle by which two spins mix, with the sign of the distance; it goes to nothing where they are
 // too close for perturbation.
