@@ -66,8 +66,14 @@ std::string FormatMap(const std::vector<Line>& Lines, const LineOrigins& Origins
                       const std::vector<std::vector<std::size_t>>& Members, const std::vector<int>& Degeneracies) {
   std::vector<std::vector<SiteShare>> Shares(Lines.size());
   std::size_t First = 0;
+  std::size_t Place = 0;
   for (const LineOrigins::Item& Item : Origins.Items) {
-    const std::size_t Place = NearestLine(Lines, Item.Frequency);
+    // Origins come by site, and those of a site by rising frequency: millions of steps upwards, and few searches.
+    if (Item.Frequency < Lines[Place].Frequency) Place = NearestLine(Lines, Item.Frequency);
+    while (Place + 1 < Lines.size() &&
+           Lines[Place + 1].Frequency - Item.Frequency < Item.Frequency - Lines[Place].Frequency) {
+      ++Place;
+    }
     if (std::fabs(Lines[Place].Frequency - Item.Frequency) <= Reach) {
       Shares[Place].insert(Shares[Place].end(), Origins.Shares.begin() + static_cast<std::ptrdiff_t>(First),
                            Origins.Shares.begin() + static_cast<std::ptrdiff_t>(Item.End));
