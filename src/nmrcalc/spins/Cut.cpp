@@ -18,7 +18,7 @@ namespace {
 constexpr int FirstLevel = 2;
 constexpr int CommonLevel = 5;  // to which all clusters grow; before, what moves says little
 constexpr int HighestLevel = 16;
-constexpr double RoundShare = 0.1;         // of the work so far that a round adds at least, so that rounds are few
+constexpr double RoundShare = 0.05;        // of the work so far that a round adds at least, so that rounds are few
 constexpr double RoughChange = 0.06;       // of the area; where as much moves, errors of sites may not cancel
 constexpr double UsualShare = 0.37;        // of what moves that is true, in the middle of many networks
 constexpr double ShareScatter = 2.34;      // of its logarithm by one cluster: 2.3 times the standard deviation
