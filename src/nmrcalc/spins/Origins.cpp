@@ -16,6 +16,13 @@ std::size_t NearestLine(const std::vector<Line>& Lines, double Frequency) {
   return Above->Frequency - Frequency < Frequency - Lines[Index - 1].Frequency ? Index : Index - 1;
 }
 
+bool IsNearest(const std::vector<Line>& Lines, std::size_t Place, double Frequency) {
+  if (Place >= Lines.size()) return false;
+  const double Distance = std::fabs(Lines[Place].Frequency - Frequency);
+  return (Place == 0 || Frequency - Lines[Place - 1].Frequency > Distance) &&
+         (Place + 1 == Lines.size() || std::fabs(Lines[Place + 1].Frequency - Frequency) >= Distance);
+}
+
 // The sum of the shares of each site, by falling share; sites whose shares add up to nothing are left out.
 std::vector<SiteShare> SumShares(std::vector<SiteShare> Shares) {
   std::sort(Shares.begin(), Shares.end(), [](const SiteShare& A, const SiteShare& B) { return A.Site < B.Site; });
@@ -68,12 +75,8 @@ std::string FormatMap(const std::vector<Line>& Lines, const LineOrigins& Origins
   std::size_t First = 0;
   std::size_t Place = 0;
   for (const LineOrigins::Item& Item : Origins.Items) {
-    // Origins come by site, and those of a site by rising frequency: millions of steps upwards, and few searches.
-    if (Item.Frequency < Lines[Place].Frequency) Place = NearestLine(Lines, Item.Frequency);
-    while (Place + 1 < Lines.size() &&
-           Lines[Place + 1].Frequency - Item.Frequency < Item.Frequency - Lines[Place].Frequency) {
-      ++Place;
-    }
+    if (!IsNearest(Lines, Place, Item.Frequency)) ++Place;  // those of a cut site come one behind the other
+    if (!IsNearest(Lines, Place, Item.Frequency)) Place = NearestLine(Lines, Item.Frequency);
     if (std::fabs(Lines[Place].Frequency - Item.Frequency) <= Reach) {
       Shares[Place].insert(Shares[Place].end(), Origins.Shares.begin() + static_cast<std::ptrdiff_t>(First),
                            Origins.Shares.begin() + static_cast<std::ptrdiff_t>(Item.End));
