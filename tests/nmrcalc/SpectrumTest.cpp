@@ -362,23 +362,26 @@ TEST(Cut, TakesGroupsApart) {
   struct Row {
     double Distance;      // ppm
     double LargestError;  // percent
+    std::vector<int> Degeneracies{};
   };
-  for (const Row& Item : {Row{0.5, 0.3}, Row{2.0, 0.03}}) {
-    const auto Input = MakeInput(400.0, {1.0, 1.03, 1.0 + Item.Distance, 1.3 + Item.Distance}, {},
+  for (const Row& Item : {Row{0.5, 0.3}, Row{2.0, 0.03}, Row{2.0, 0.2, {1, 1, 3, 2}}, Row{8.0, 0.02, {1, 1, 3, 2}}}) {
+    const auto Input = MakeInput(400.0, {1.0, 1.03, 1.0 + Item.Distance, 1.3 + Item.Distance}, Item.Degeneracies,
                                  {{0, 1, 10.0}, {2, 3, 2.0}, {0, 2, 8.0}, {0, 3, 2.0}, {1, 2, 1.0}, {1, 3, 7.0}});
-    std::vector<std::vector<Line>> Found;
-    for (const std::size_t Second : {0, 1}) {
-      const ClusterPlan Plan{.Sites = {0, 1, 2, 3},
-                             .Groups = {0, 0, Second, Second},
-                             .Cores = {0, 1},
-                             .Fields = {{.Field = std::vector<double>(4)}}};
-      ClusterTask Task{.EndField = 1};
-      SimulateCluster(Input, Plan, Task, std::atomic<bool>{false});
-      for (const BinnedLines& Own : Task.Lines) Found.push_back(TakeLines(Own, 1.0, 1e-8));
-    }
-    for (std::size_t Core : {0, 1}) {
-      EXPECT_LT(100.0 * CompareLines(Found[Core], Found[Core + 2]), Item.LargestError) << Core;
-      EXPECT_GT(Found[Core + 2].size(), 8u);
+    for (const std::size_t Core : {0, 1, 2, 3}) {
+      std::vector<std::vector<Line>> Found;
+      for (const std::size_t Other : {0, 1}) {
+        const bool IsFirst = Core < 2;
+        const ClusterPlan Plan{
+            .Sites = {0, 1, 2, 3},
+            .Groups = {IsFirst ? 0 : Other, IsFirst ? 0 : Other, IsFirst ? Other : 0, IsFirst ? Other : 0},
+            .Cores = {Core},
+            .Fields = {{.Field = std::vector<double>(4)}}};
+        ClusterTask Task{.EndField = 1};
+        SimulateCluster(Input, Plan, Task, std::atomic<bool>{false});
+        Found.push_back(TakeLines(Task.Lines[0], 1.0, 1e-8));
+      }
+      EXPECT_LT(100.0 * CompareLines(Found[0], Found[1]), Item.LargestError) << Item.Distance << ", " << Core;
+      EXPECT_GT(Found[1].size(), 4u);
     }
   }
 }
