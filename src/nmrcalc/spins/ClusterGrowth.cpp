@@ -20,11 +20,11 @@ constexpr double ShareOfMixing = 0.3;    // of the amplitude that two sites mix 
 constexpr double SmallestShare = 1e-9;   // of the core that is followed
 constexpr double SmallestScore = 1e-12;  // of a coupling that is looked at
 constexpr double SmallestIndirectMixing = 1e-3;
-constexpr double ShareBeside = 0.2;  // of a coupling's score that goes to those beside it, times their mixing
-constexpr double CoreWeight = 5.0;   // of the core's own couplings when groups join
-constexpr double SlowSize = 1000.0;  // of blocks that are diagonalised at half the speed of the largest
-constexpr double StateCost = 2e3;    // of a product state, where a multiplication of the largest block costs 1
-constexpr double MostStates = 65536.0 * 2.0;
+constexpr double ShareBeside = 0.2;      // of a coupling's score that goes to those beside it, times their mixing
+constexpr double CoreWeight = 5.0;       // of the core's own couplings when groups join
+constexpr double SlowSize = 1000.0;      // of blocks that are diagonalised at half the speed of the largest
+constexpr double StateCost = 2e3;        // of a product state, where a multiplication of the largest block costs 1
+constexpr double MostStates = 131072.0;  // product states of a cluster; groups of one make many blocks of little cost
 constexpr double LargestCombination = 4096.0;
 
 // The sites that each site is coupled to.

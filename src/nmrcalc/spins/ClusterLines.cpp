@@ -124,8 +124,8 @@ void ComputeMoments(const std::vector<RaisingElement>& Raising, const SolvedBloc
   MultiplyTransposed(Upper.Vectors.data(), Raised.data(), Moments.data(), NumRows, NumColumns, NumRows);
 }
 
-// The same for one spin, whose raising operator takes each state to one other: half of the states have none to come
-// from, and their rows take no part in the product.
+// The same for few elements, such as those of one spin, whose raising operator takes each state to one other: half of
+// the states have none to come from, and their rows take no part in the product.
 template <class Number>
 void ComputeMomentsOfSpin(const std::vector<RaisingElement>& Raising, const SolvedBlock<Number>& Lower,
                           const SolvedBlock<Number>& Upper, MatrixSpace<Number>& Space, std::vector<Number>& Moments) {

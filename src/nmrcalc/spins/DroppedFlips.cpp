@@ -7,7 +7,7 @@ namespace nmrcalc {
 
 namespace {
 
-constexpr double LargestLean = 0.5;  // of the intensity of a line
+constexpr double LargestLean = 0.5;  // of the intensity of a line in one state, by all partners together
 
 // The flip-flops of a product state of the block.
 struct FlipWork {
