@@ -6,7 +6,6 @@
 #include <map>
 #include <optional>
 #include <queue>
-#include <set>
 #include <unordered_map>
 #include <utility>
 
@@ -154,10 +153,13 @@ struct CouplingQueue {
   std::priority_queue<RankedCoupling> Open{};
 };
 
+std::size_t PairOf(const CouplingQueue& Queue, const RankedCoupling& Item) {
+  return std::min(Item.A, Item.B) * Queue.NumSites + std::max(Item.A, Item.B);
+}
+
 void Offer(CouplingQueue& Queue, const RankedCoupling& Item) {
   if (Item.Score <= SmallestScore) return;
-  const auto [First, Second] = std::minmax(Item.A, Item.B);
-  double& Known = Queue.Scores[First * Queue.NumSites + Second];
+  double& Known = Queue.Scores[PairOf(Queue, Item)];
   if (Item.Score <= Known) return;
   Known = Item.Score;
   Queue.Open.push(Item);
@@ -187,11 +189,10 @@ CouplingQueue RankCouplings(const SpectrumInput& Input, const Neighbourhood& Nea
 // those beside it.
 std::vector<RankedCoupling> OrderCouplings(const Neighbourhood& Near, CouplingQueue Queue) {
   std::vector<RankedCoupling> Order;
-  std::set<std::pair<std::size_t, std::size_t>> Done;
   while (!Queue.Open.empty()) {
     const RankedCoupling Best = Queue.Open.top();
     Queue.Open.pop();
-    if (!Done.insert(std::minmax(Best.A, Best.B)).second) continue;
+    if (Best.Score < Queue.Scores.at(PairOf(Queue, Best))) continue;
     Order.push_back(Best);
     for (const std::size_t End : {Best.A, Best.B}) {
       for (const MixedSite& Next : Near[End]) {
