@@ -68,22 +68,36 @@ void MergeFaintLines(std::vector<Line>& Lines, double Limit) {
   Lines = std::move(Kept);
 }
 
-std::vector<Line> TakeLines(const BinnedLines& Bins, double Area, double Faintest) {
+std::vector<Line> ReadLines(const BinnedLines& Bins, double Faintest) {
+  const auto IsKept = [Faintest](const BinnedLines::Bin& Bin) {
+    return Bin.Intensity != 0.0 && std::fabs(Bin.Intensity) >= Faintest;
+  };
+  std::ptrdiff_t NumLines = 0;
+  for (const auto& Page : Bins.Pages) {
+    if (Page) NumLines += std::count_if(Page.get(), Page.get() + BinnedLines::PageSize, IsKept);
+  }
   std::vector<Line> Lines;
-  double Sum = 0.0;
+  Lines.reserve(static_cast<std::size_t>(NumLines));
   for (std::size_t Slot = 0; Slot < Bins.Pages.size(); ++Slot) {
+    const auto First = (Bins.FirstPage + static_cast<std::int64_t>(Slot)) * BinnedLines::PageSize;
     for (std::int64_t K = 0; Bins.Pages[Slot] && K < BinnedLines::PageSize; ++K) {
       const BinnedLines::Bin& Bin = Bins.Pages[Slot][K];
-      if (Bin.Intensity == 0.0) continue;
-      const double Middle =
-          (double((Bins.FirstPage + static_cast<std::int64_t>(Slot)) * BinnedLines::PageSize + K) + 0.5) * BinWidth;
+      if (!IsKept(Bin)) continue;
+      const double Middle = (double(First + K) + 0.5) * BinWidth;
       const double Mean = std::clamp(Bin.Moment / Bin.Intensity, -0.5 * BinWidth, 0.5 * BinWidth);
       Lines.push_back({Middle + Mean, Bin.Intensity, Bin.Count});
-      Sum += Bin.Intensity;
     }
   }
+  return Lines;
+}
+
+std::vector<Line> TakeLines(const BinnedLines& Bins, double Area, double Faintest) {
+  double Sum = 0.0;
+  for (const auto& Page : Bins.Pages) {
+    for (std::int64_t K = 0; Page && K < BinnedLines::PageSize; ++K) Sum += Page[K].Intensity;
+  }
   if (!(Sum > 0.0)) return {};
-  std::erase_if(Lines, [&](const Line& Item) { return std::fabs(Item.Intensity) < Faintest * Sum; });
+  std::vector<Line> Lines = ReadLines(Bins, Faintest * Sum);
   double Kept = 0.0;
   for (const Line& Item : Lines) Kept += Item.Intensity;
   for (Line& Item : Lines) Item.Intensity *= Area / Kept;

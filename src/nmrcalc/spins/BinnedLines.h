@@ -31,7 +31,8 @@ struct BinnedLines {
 // Makes the page of the bin, or returns null when it is too far out.
 BinnedLines::Bin* OpenPage(BinnedLines& Target, std::int64_t Page);
 
-inline void AddLine(BinnedLines& Target, double Frequency, double Intensity, double Count) {
+// False when the line is too far out and was left out.
+inline bool AddLine(BinnedLines& Target, double Frequency, double Intensity, double Count) {
   constexpr double Offset = 1e15;  // makes cutting off the decimals a rounding down, without a call
   const auto Index =
       static_cast<std::int64_t>(Frequency * (1.0 / BinWidth) + Offset) - static_cast<std::int64_t>(Offset);
@@ -40,17 +41,20 @@ inline void AddLine(BinnedLines& Target, double Frequency, double Intensity, dou
   const auto Slot = static_cast<std::size_t>(Page - Target.FirstPage);
   BinnedLines::Bin* Bins = Slot < Target.Pages.size() ? Target.Pages[Slot].get() : nullptr;
   if (Bins == nullptr) Bins = OpenPage(Target, Page);
-  if (Bins == nullptr) return;
+  if (Bins == nullptr) return false;
   BinnedLines::Bin& Bin = Bins[Index & (BinnedLines::PageSize - 1)];
   Bin.Intensity += Intensity;
   Bin.Moment += Intensity * (Frequency - (Place + 0.5) * BinWidth);
   Bin.Count += Count;
+  return true;
 }
 
 void AddBins(BinnedLines& Target, const BinnedLines& Source);
 
-// The lines by rising frequency, scaled to the area; those below Faintest times the area are left out. Negative ones
-// stay: another site that is strongly coupled to this one has what they take away.
+// The lines by rising frequency; those fainter than Faintest are left out. Negative ones stay: another site that is
+// strongly coupled to this one has what they take away.
+std::vector<Line> ReadLines(const BinnedLines& Bins, double Faintest);
+// The same scaled to the area, with Faintest in terms of it; none when there is no area.
 std::vector<Line> TakeLines(const BinnedLines& Bins, double Area, double Faintest);
 
 // Lets every line that is fainter than the limit join the nearest stronger one within MergeReach, at their mean place;

@@ -406,7 +406,7 @@ std::optional<std::vector<Line>> SimulateExact(const std::vector<SpinSystem>& Sy
   ForEachWorker(NumWorkers, true, [&Group](std::size_t Worker) { RunWorker(Group, Worker); });
   if (Group.Error) std::rethrow_exception(Group.Error);
   if (Group.IsLate) return std::nullopt;
-  for (WorkerLines& Found : Group.Found) AddOriginsOf(Origins, Found.Origins);
+  for (WorkerLines& Found : Group.Found) AddOriginsOf(Origins, std::move(Found.Origins));
   return GatherLines(Group);
 }
 

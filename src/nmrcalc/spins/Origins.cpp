@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace nmrcalc {
 
@@ -16,11 +17,28 @@ std::size_t NearestLine(const std::vector<Line>& Lines, double Frequency) {
   return Above->Frequency - Frequency < Frequency - Lines[Index - 1].Frequency ? Index : Index - 1;
 }
 
-bool IsNearest(const std::vector<Line>& Lines, std::size_t Place, double Frequency) {
-  if (Place >= Lines.size()) return false;
-  const double Distance = std::fabs(Lines[Place].Frequency - Frequency);
-  return (Place == 0 || Frequency - Lines[Place - 1].Frequency > Distance) &&
-         (Place + 1 == Lines.size() || std::fabs(Lines[Place + 1].Frequency - Frequency) >= Distance);
+// The same from the line that was nearest before, for frequencies that rise for the most part.
+std::size_t MoveToNearest(const std::vector<Line>& Lines, std::size_t Place, double Frequency) {
+  const double Distance = Lines[Place].Frequency - Frequency;
+  if (Place > 0 && Frequency - Lines[Place - 1].Frequency <= Distance) return NearestLine(Lines, Frequency);
+  while (Place + 1 < Lines.size() && Lines[Place + 1].Frequency - Frequency < Frequency - Lines[Place].Frequency) {
+    ++Place;
+  }
+  return Place;
+}
+
+// Adds what comes from one site to the shares of the lines.
+void AddOwnLines(const std::vector<Line>& Lines, const OwnLines& Own, double Reach,
+                 std::vector<std::vector<SiteShare>>& Shares) {
+  const auto Site = static_cast<std::uint32_t>(Own.Site);
+  std::size_t Place = 0;
+  for (const Line& Item : Own.Lines) {
+    Place = MoveToNearest(Lines, Place, Item.Frequency);
+    if (std::fabs(Lines[Place].Frequency - Item.Frequency) > Reach) continue;
+    std::vector<SiteShare>& Target = Shares[Place];
+    if (Target.empty() || Target.back().Site != Site) Target.push_back({Site, 0.0F});
+    Target.back().Intensity += static_cast<float>(Item.Intensity * Own.Scale);
+  }
 }
 
 // The sum of the shares of each site, by falling share; sites whose shares add up to nothing are left out.
@@ -63,26 +81,32 @@ bool AppendShares(std::string& Text, const std::vector<SiteShare>& Groups,
 
 }  // namespace
 
-void AddOriginsOf(LineOrigins& Target, const LineOrigins& Source) {
+void ScaleOrigins(LineOrigins& Origins, double Scale) {
+  for (SiteShare& Share : Origins.Shares) Share.Intensity *= static_cast<float>(Scale);
+  for (OwnLines& Own : Origins.Lists) Own.Scale *= Scale;
+}
+
+void AddOriginsOf(LineOrigins& Target, LineOrigins Source) {
   const std::size_t Offset = Target.Shares.size();
   Target.Shares.insert(Target.Shares.end(), Source.Shares.begin(), Source.Shares.end());
+  Target.Items.reserve(Target.Items.size() + Source.Items.size());
   for (const LineOrigins::Item& Item : Source.Items) Target.Items.push_back({Item.Frequency, Item.End + Offset});
+  std::move(Source.Lists.begin(), Source.Lists.end(), std::back_inserter(Target.Lists));
 }
 
 std::string FormatMap(const std::vector<Line>& Lines, const LineOrigins& Origins, double Reach,
                       const std::vector<std::vector<std::size_t>>& Members, const std::vector<int>& Degeneracies) {
   std::vector<std::vector<SiteShare>> Shares(Lines.size());
   std::size_t First = 0;
-  std::size_t Place = 0;
   for (const LineOrigins::Item& Item : Origins.Items) {
-    if (!IsNearest(Lines, Place, Item.Frequency)) ++Place;  // those of a cut site come one behind the other
-    if (!IsNearest(Lines, Place, Item.Frequency)) Place = NearestLine(Lines, Item.Frequency);
+    const std::size_t Place = NearestLine(Lines, Item.Frequency);
     if (std::fabs(Lines[Place].Frequency - Item.Frequency) <= Reach) {
       Shares[Place].insert(Shares[Place].end(), Origins.Shares.begin() + static_cast<std::ptrdiff_t>(First),
                            Origins.Shares.begin() + static_cast<std::ptrdiff_t>(Item.End));
     }
     First = Item.End;
   }
+  for (const OwnLines& Own : Origins.Lists) AddOwnLines(Lines, Own, Reach, Shares);
   std::string Text = "map 1 " + std::to_string(Lines.size()) + "\n";
   std::string
       Last;  // a line of which nothing is known is one among many faint ones: it has the shares of its neighbour

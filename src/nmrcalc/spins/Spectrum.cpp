@@ -126,17 +126,33 @@ std::optional<std::vector<Line>> SimulatePartExactly(RunState& Run, const Planne
   return SimulateExact(Plan.Systems, Limits, Origins);
 }
 
-// One list of the lists of all sites, and where its lines come from.
-std::vector<Line> JoinSites(const SpinPart& Part, const std::vector<std::vector<Line>>& SiteLines,
-                            LineOrigins& Origins) {
-  std::vector<Line> All;
+// Keeps the lists of the sites, as where the lines come from.
+void KeepLists(const SpinPart& Part, std::vector<std::vector<Line>> SiteLines, LineOrigins& Origins) {
   for (std::size_t K = 0; K < SiteLines.size(); ++K) {
-    All.insert(All.end(), SiteLines[K].begin(), SiteLines[K].end());
-    for (const Line& Item : SiteLines[K]) {
-      AddShare(Origins, Part.Sites[K], Item.Intensity);
-      EndOrigin(Origins, Item.Frequency);
+    Origins.Lists.push_back({.Site = Part.Sites[K], .Lines = std::move(SiteLines[K])});
+  }
+}
+
+std::vector<Line> JoinLists(const std::vector<OwnLines>& Lists) {
+  std::size_t NumLines = 0;
+  for (const OwnLines& Own : Lists) NumLines += Own.Lines.size();
+  std::vector<Line> All;
+  All.reserve(NumLines);
+  for (const OwnLines& Own : Lists) All.insert(All.end(), Own.Lines.begin(), Own.Lines.end());
+  return All;
+}
+
+// The same in bins. Hundreds of sites have millions of lines together, which would take seconds to sort.
+std::vector<Line> JoinInBins(const std::vector<OwnLines>& Lists) {
+  BinnedLines Bins;
+  std::vector<Line> FarLines;
+  for (const OwnLines& Own : Lists) {
+    for (const Line& Item : Own.Lines) {
+      if (!AddLine(Bins, Item.Frequency, Item.Intensity, Item.Count)) FarLines.push_back(Item);
     }
   }
+  std::vector<Line> All = ReadLines(Bins, 0.0);
+  All.insert(All.end(), FarLines.begin(), FarLines.end());
   return All;
 }
 
@@ -192,13 +208,13 @@ PartLines SimulatePart(RunState& Run, const PlannedPart& Plan, double Share) {
            "part of " + std::to_string(Plan.Part.NumSpins) + " spins in " + std::to_string(Plan.Part.Sites.size()) +
                " sites, first site " + std::to_string(Plan.Part.Sites[0] + 1));
   if (Run.Input.WeakCoupling) {
-    Result.Lines = JoinSites(Plan.Part, SimulateWeak(Run.Input, Plan.Part), Result.Origins);
-  } else {
-    if (const auto Cut = ChooseSimulation(Run, Plan, Share, Result)) {
-      TellCut(Run, Plan, *Cut);
-      Result.IsCut = true;
-      Result.Lines = JoinSites(Plan.Part, Cut->SiteLines, Result.Origins);
-    }
+    KeepLists(Plan.Part, SimulateWeak(Run.Input, Plan.Part), Result.Origins);
+    Result.Lines = JoinLists(Result.Origins.Lists);
+  } else if (auto Cut = ChooseSimulation(Run, Plan, Share, Result)) {
+    TellCut(Run, Plan, *Cut);
+    Result.IsCut = true;
+    KeepLists(Plan.Part, std::move(Cut->SiteLines), Result.Origins);
+    Result.Lines = JoinInBins(Result.Origins.Lists);
   }
   Run.SpinSum += SpinsObserved(Run.Input, Plan.Part);
   return Result;
@@ -206,7 +222,7 @@ PartLines SimulatePart(RunState& Run, const PlannedPart& Plan, double Share) {
 
 void ScaleLines(PartLines& Part, double Scale) {
   for (Line& Item : Part.Lines) Item.Intensity *= Scale;
-  for (SiteShare& Share : Part.Origins.Shares) Share.Intensity *= static_cast<float>(Scale);
+  ScaleOrigins(Part.Origins, Scale);
 }
 
 // Negative lines of a cut spectrum that met no stronger one go, and what they hold is taken from all others.
@@ -314,7 +330,7 @@ Spectrum SimulateSpectrum(const SpectrumInput& Input, const SpinSettings& Settin
   for (PartLines& Part : Parts) {
     FinishPart(Run, Part);
     Result.Lines.insert(Result.Lines.end(), Part.Lines.begin(), Part.Lines.end());
-    AddOriginsOf(Result.Origins, Part.Origins);
+    AddOriginsOf(Result.Origins, std::move(Part.Origins));
   }
   if (Result.Lines.empty()) {
     throw zelvanor::Failure("No line of the spectrum reaches the minimal intensity " +
