@@ -7,6 +7,7 @@
 #include <numeric>
 
 #include "nmrcalc/spins/LinearAlgebra.h"
+#include "nmrcalc/spins/Workers.h"
 
 namespace nmrcalc {
 
@@ -256,14 +257,55 @@ std::vector<std::size_t> FindOutside(const SpectrumInput& Input, const SpinPart&
   return Outside;
 }
 
-// The members by rising site, each with its group; groups are numbered as they come, that of the core 0.
-std::vector<std::pair<std::size_t, std::size_t>> SortMembers(const Growth& Members) {
-  std::vector<std::pair<std::size_t, std::size_t>> Result;
+// The members of a cluster by rising site, each with its group; groups are numbered as they come, that of the core 0.
+using MembersByGroup = std::vector<std::pair<std::size_t, std::size_t>>;
+
+MembersByGroup SortMembers(const Growth& Members) {
+  MembersByGroup Result;
   for (std::size_t K = 0; K < Members.Sites.size(); ++K) Result.emplace_back(Members.Sites[K], Members.Groups[K]);
   std::sort(Result.begin(), Result.end());
   std::map<std::size_t, std::size_t> Numbers{{0, 0}};
   for (auto& [Site, Group] : Result) Group = Numbers.try_emplace(Group, Numbers.size()).first->second;
   return Result;
+}
+
+// What the cores whose clusters are equal have in common.
+struct SharedCluster {
+  std::map<std::size_t, double> Influences{};  // of each member the largest on any of the cores
+  std::vector<std::size_t> Cores{};            // sites
+  std::size_t Refused = NoSite;                // by the first of the cores
+};
+
+void ShareCluster(const std::vector<std::size_t>& Core, const Growth& Members, SharedCluster& Cluster) {
+  if (Cluster.Cores.empty()) Cluster.Refused = Members.Refused;
+  Cluster.Cores.insert(Cluster.Cores.end(), Core.begin(), Core.end());
+  for (std::size_t I = 0; I < Members.Sites.size(); ++I) {
+    double& Influence = Cluster.Influences[Members.Sites[I]];
+    Influence = std::max(Influence, Members.Influence[I]);
+  }
+}
+
+ClusterPlan PlanCluster(const SpectrumInput& Input, const SpinPart& Part, const Neighbourhood& Near,
+                        const MembersByGroup& Sorted, const SharedCluster& Cluster) {
+  ClusterPlan Plan{.Refused = Cluster.Refused};
+  Growth Members;
+  std::vector<int> Degeneracies;
+  for (const auto& [Site, Group] : Sorted) {
+    const auto& Own = Cluster.Cores;
+    if (std::find(Own.begin(), Own.end(), Site) != Own.end()) Plan.Cores.push_back(Plan.Sites.size());
+    Plan.Sites.push_back(Site);
+    Plan.Groups.push_back(Group);
+    Members.Influence.push_back(Cluster.Influences.at(Site));
+    Degeneracies.push_back(Input.Sites[Site].Degeneracy);
+  }
+  Members.Sites = Plan.Sites;
+  Plan.Outside = FindOutside(Input, Part, Plan.Sites);
+  const auto IsCoreGroup = [](std::size_t Group) { return Group == 0; };
+  Plan.IsWhole = Plan.Outside.empty() && std::all_of(Plan.Groups.begin(), Plan.Groups.end(), IsCoreGroup);
+  AddFields(FindSurroundings(Input, Near, Members, Plan.Outside), Plan);
+  Plan.Operations = GroupedCost(Degeneracies, Plan.Groups) * double(Plan.Fields.size()) *
+                    (OperationsPerCube + OperationsPerMoment * double(1 + Plan.Cores.size()));
+  return Plan;
 }
 
 }  // namespace
@@ -301,44 +343,14 @@ std::vector<std::vector<std::size_t>> FindCores(const SpectrumInput& Input, cons
 std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart& Part, const Neighbourhood& Near,
                                       const std::vector<std::vector<std::size_t>>& Cores, int Level) {
   const double LargestCost = SimulationCost(std::vector<int>(static_cast<std::size_t>(Level), 1));
-  struct Shared {
-    std::map<std::size_t, double> Influences{};  // of each member the largest on any of the cores
-    std::vector<std::size_t> Cores{};
-    std::size_t Refused = NoSite;
-  };
-  std::map<std::vector<std::pair<std::size_t, std::size_t>>, Shared> Clusters;  // by the members and their groups
-  for (const auto& Core : Cores) {
-    const Growth Members = GrowCluster(Input, Near, Core, LargestCost);
-    Shared& Cluster = Clusters[SortMembers(Members)];
-    if (Cluster.Cores.empty()) Cluster.Refused = Members.Refused;
-    Cluster.Cores.insert(Cluster.Cores.end(), Core.begin(), Core.end());
-    for (std::size_t I = 0; I < Members.Sites.size(); ++I) {
-      double& Influence = Cluster.Influences[Members.Sites[I]];
-      Influence = std::max(Influence, Members.Influence[I]);
-    }
-  }
-  std::vector<ClusterPlan> Plans;
-  for (const auto& [Key, Cluster] : Clusters) {
-    ClusterPlan Plan{.Refused = Cluster.Refused};
-    Growth Members;
-    std::vector<int> Degeneracies;
-    for (const auto& [Site, Group] : Key) {
-      const auto& Own = Cluster.Cores;
-      if (std::find(Own.begin(), Own.end(), Site) != Own.end()) Plan.Cores.push_back(Plan.Sites.size());
-      Plan.Sites.push_back(Site);
-      Plan.Groups.push_back(Group);
-      Members.Influence.push_back(Cluster.Influences.at(Site));
-      Degeneracies.push_back(Input.Sites[Site].Degeneracy);
-    }
-    Members.Sites = Plan.Sites;
-    Plan.Outside = FindOutside(Input, Part, Plan.Sites);
-    const auto IsCoreGroup = [](std::size_t Group) { return Group == 0; };
-    Plan.IsWhole = Plan.Outside.empty() && std::all_of(Plan.Groups.begin(), Plan.Groups.end(), IsCoreGroup);
-    AddFields(FindSurroundings(Input, Near, Members, Plan.Outside), Plan);
-    Plan.Operations = GroupedCost(Degeneracies, Plan.Groups) * double(Plan.Fields.size()) *
-                      (OperationsPerCube + OperationsPerMoment * double(1 + Plan.Cores.size()));
-    Plans.push_back(std::move(Plan));
-  }
+  std::vector<Growth> Grown(Cores.size());
+  ForEachItem(Cores.size(), [&](std::size_t K) { Grown[K] = GrowCluster(Input, Near, Cores[K], LargestCost); });
+  std::map<MembersByGroup, SharedCluster> Clusters;
+  for (std::size_t K = 0; K < Cores.size(); ++K) ShareCluster(Cores[K], Grown[K], Clusters[SortMembers(Grown[K])]);
+  const std::vector<std::pair<MembersByGroup, SharedCluster>> Items(Clusters.begin(), Clusters.end());
+  std::vector<ClusterPlan> Plans(Items.size());
+  ForEachItem(Items.size(),
+              [&](std::size_t K) { Plans[K] = PlanCluster(Input, Part, Near, Items[K].first, Items[K].second); });
   return Plans;
 }
 

@@ -1,7 +1,6 @@
 #include "nmrcalc/spins/Cut.h"
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <map>
@@ -253,11 +252,8 @@ bool RunRound(CutWork& Work, std::vector<LevelPlan>& Items) {
       Work.Cores[Core].Operations = Plans[K].Operations / double(Cores.size());
     }
   }
-  std::atomic<std::size_t> Next{0};
-  ForEachWorker(std::min(NumUsableCores(), Moves.size()), true, [&](std::size_t) {
-    for (std::size_t K = Next++; K < Moves.size(); K = Next++) {
-      AdvanceCore(Work.Cores[Moves[K].first], Plans[Moves[K].second], Answer->SiteLines);
-    }
+  ForEachItem(Moves.size(), [&](std::size_t K) {
+    AdvanceCore(Work.Cores[Moves[K].first], Plans[Moves[K].second], Answer->SiteLines);
   });
   return true;
 }

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <exception>
+#include <mutex>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -26,6 +30,26 @@ void ForEachWorker(std::size_t NumWorkers, bool InParallel, Action Act) {
   Act(std::size_t{0});
   for (; Next < NumWorkers; ++Next) Act(Next);
   for (std::thread& Thread : Threads) Thread.join();
+}
+
+// Runs the action for each item, counted from 0, on all usable cores, which take the next one when they are done.
+// Throws what the first action that failed has thrown; items not yet begun are left out then.
+template <class Action>
+void ForEachItem(std::size_t NumItems, Action Act) {
+  std::atomic<std::size_t> Next{0};
+  std::mutex Lock;
+  std::exception_ptr Error;
+  const std::size_t NumWorkers = std::min(NumUsableCores(), NumItems);
+  ForEachWorker(NumWorkers, NumWorkers > 1, [&](std::size_t) {
+    try {
+      for (std::size_t Item = Next++; Item < NumItems; Item = Next++) Act(Item);
+    } catch (...) {
+      const std::lock_guard<std::mutex> Guard(Lock);
+      if (!Error) Error = std::current_exception();
+      Next = NumItems;
+    }
+  });
+  if (Error) std::rethrow_exception(Error);
 }
 
 }  // namespace nmrcalc
