@@ -1,10 +1,11 @@
 #include "nmrcalc/spins/LinearAlgebra.h"
 
-#include <Eigen/Eigenvalues>
+#include <Eigen/Core>
 #include <memory>
 #include <string>
 
 #include "basic/Failure.h"
+#include "nmrcalc/spins/SmallEigen.h"
 
 extern "C" {
 void dsyevd_(const char* Job, const char* Triangle, const int* Size, double* Matrix, const int* Leading, double* Values,
@@ -39,6 +40,16 @@ bool IsThere(Function* Entry) {
   return Entry != nullptr;
 }
 
+#ifdef NMRCALC_AVX2
+bool HasAvx2() {
+  static const bool Has = __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0;
+  return Has;
+}
+#else
+constexpr bool HasAvx2() { return false; }
+constexpr auto SolveSmallMatrixByAvx2 = SolveSmallMatrix;
+#endif
+
 template <class Number>
 using Multiply = void(const char*, const char*, const int*, const int*, const int*, const Number*, const Number*,
                       const int*, const Number*, const int*, const Number*, Number*, const int*);
@@ -46,6 +57,17 @@ using Multiply = void(const char*, const char*, const int*, const int*, const in
 template <class Number>
 void MultiplyBy(Multiply<Number> Routine, const Number* Left, const Number* Right, Number* Target, std::size_t Rows,
                 std::size_t Columns, std::size_t Inner) {
+  constexpr std::size_t SmallProduct = 512;  // below, a call costs more than the work: the library locks its memory
+  if (Rows * Columns * Inner <= SmallProduct) {
+    using Matrix = Eigen::Matrix<Number, Eigen::Dynamic, Eigen::Dynamic>;
+    const auto Shared = static_cast<Eigen::Index>(Inner);
+    const auto Height = static_cast<Eigen::Index>(Rows);
+    const auto Width = static_cast<Eigen::Index>(Columns);
+    const Eigen::Map<const Matrix> First(Left, Shared, Height);
+    const Eigen::Map<const Matrix> Second(Right, Shared, Width);
+    Eigen::Map<Matrix>(Target, Height, Width).noalias() = First.transpose().lazyProduct(Second);
+    return;
+  }
   const int NumRows = static_cast<int>(Rows);
   const int NumColumns = static_cast<int>(Columns);
   const int NumInner = static_cast<int>(Inner);
@@ -101,17 +123,16 @@ void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::ve
 }
 
 void DiagonalizeSymmetric(std::vector<float>& Matrix, std::size_t Size, std::vector<float>& Eigenvalues) {
-  constexpr std::size_t SmallSize = 64;  // below, the QR iterations of Eigen are up to twice as fast
-  if (Size >= SmallSize) {
+  // Up to these sizes QR iterations are faster than divide and conquer.
+  constexpr std::size_t SmallSize = 63;
+  constexpr std::size_t SmallSizeByAvx2 = 100;
+  if (Size > (HasAvx2() ? SmallSizeByAvx2 : SmallSize)) {
     Diagonalize(ssyevd_, Matrix, Size, Eigenvalues);
     return;
   }
-  const auto Order = static_cast<Eigen::Index>(Size);
-  Eigen::Map<Eigen::MatrixXf> Target(Matrix.data(), Order, Order);
-  const Eigen::SelfAdjointEigenSolver<Eigen::MatrixXf> Solver(Target);
-  if (Solver.info() != Eigen::Success) ThrowNoConvergence(Size);
-  Eigenvalues.assign(Solver.eigenvalues().begin(), Solver.eigenvalues().end());
-  Target = Solver.eigenvectors();
+  Eigenvalues.resize(Size);
+  const auto Solve = HasAvx2() ? SolveSmallMatrixByAvx2 : SolveSmallMatrix;
+  if (!Solve(Matrix.data(), Size, Eigenvalues.data())) ThrowNoConvergence(Size);
 }
 
 void MultiplyTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows, std::size_t Columns,
