@@ -45,6 +45,7 @@ struct MatrixSpace {
 struct PreparedBlock {
   const std::vector<std::uint32_t>& States;
   std::vector<double> Hamiltonian{};
+  BlockResonances Resonances{};
   std::vector<double> Mz{};  // spins x states
 };
 
@@ -85,7 +86,12 @@ void ComputePolarization(const ClusterWork& Work, const PreparedBlock& Prepared,
 }
 
 BlockInField InField(const ClusterWork& Work, const PreparedBlock& Block, const FieldState& Field) {
-  return {.System = Work.System, .Basis = Work.Basis, .States = Block.States, .Outside = Work.Outside, .Field = Field};
+  return {.System = Work.System,
+          .Basis = Work.Basis,
+          .States = Block.States,
+          .Resonances = Block.Resonances,
+          .Outside = Work.Outside,
+          .Field = Field};
 }
 
 template <class Number>
@@ -219,8 +225,10 @@ void PrepareStep(ClusterWork& Work, std::size_t Lower, std::size_t Group) {
 void PrepareBlocks(ClusterWork& Work) {
   for (const auto& Chain : Work.Basis.Chains) {
     for (const auto& States : Chain) {
-      PreparedBlock& Block = Work.Blocks.emplace_back(
-          PreparedBlock{.States = States, .Hamiltonian = BuildHamiltonian(Work.System, Work.Basis, States)});
+      PreparedBlock& Block =
+          Work.Blocks.emplace_back(PreparedBlock{.States = States,
+                                                 .Hamiltonian = BuildHamiltonian(Work.System, Work.Basis, States),
+                                                 .Resonances = FindResonances(Work.System, Work.Basis, States)});
       for (std::size_t Spin = 0; Spin < Work.System.Size(); ++Spin) {
         for (const std::uint32_t State : States) Block.Mz.push_back(MzOf(Work.System, Work.Basis, State, Spin));
       }

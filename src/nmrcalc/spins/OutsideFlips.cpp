@@ -36,10 +36,11 @@ void AddFlips(const BlockInField& Block, const ProductState& State, const Flippe
     if (There == 0.0) continue;
     const double Own = There * There * Inverse(Step * DistanceOf(Outer, State, First), There);
     Column[State.Place] += Share * Own;
+    if (!IsPolarized) continue;
     for (const std::size_t Second : Outer.Site.Spins) {
-      if (Second == First || !IsPolarized) continue;
+      if (Second == First || Block.Basis.Group[First] != Block.Basis.Group[Second]) continue;
       const double Back = 0.5 * Outer.Site.J[Second] * StepFactor(System.TwiceSpin[Second], State.Mz[Second], Step);
-      if (Back == 0.0 || Block.Basis.Group[First] != Block.Basis.Group[Second]) continue;
+      if (Back == 0.0) continue;
       const double Distance = DistanceOf(Outer, State, Second) - Step * (System.J(Second, First) - Outer.Site.J[First]);
       const std::uint32_t Target = Block.States[State.Place] +
                                    static_cast<std::uint32_t>(Step) * Block.Basis.Stride[Second] -
@@ -63,16 +64,29 @@ double SineOf(double J, double Distance) {
   return std::copysign(J, J * Distance) / std::hypot(Distance, J) * std::min(1.0, std::fabs(Distance / J));
 }
 
-void FillState(const BlockInField& Block, std::size_t Place, ProductState& Result) {
-  const SpinSystem& System = Block.System;
-  Result.Place = Place;
-  for (std::size_t Spin = 0; Spin < System.Size(); ++Spin) {
-    Result.Mz[Spin] = MzOf(System, Block.Basis, Block.States[Place], Spin);
+BlockResonances FindResonances(const SpinSystem& System, const BlockBasis& Basis,
+                               const std::vector<std::uint32_t>& States) {
+  BlockResonances Result;
+  for (const std::uint32_t State : States) {
+    const std::size_t First = Result.Mz.size();
+    for (std::size_t Spin = 0; Spin < System.Size(); ++Spin) Result.Mz.push_back(MzOf(System, Basis, State, Spin));
+    for (std::size_t Spin = 0; Spin < System.Size(); ++Spin) {
+      double Sum = System.Offset[Spin];
+      for (std::size_t Other = 0; Other < System.Size(); ++Other) {
+        Sum += System.J(Spin, Other) * Result.Mz[First + Other];
+      }
+      Result.Hz.push_back(Sum);
+    }
   }
-  for (std::size_t Spin = 0; Spin < System.Size(); ++Spin) {
-    double Sum = System.Offset[Spin] + Block.Field.Field[System.Sites[Spin]];
-    for (std::size_t Other = 0; Other < System.Size(); ++Other) Sum += System.J(Spin, Other) * Result.Mz[Other];
-    Result.Resonance[Spin] = Sum;
+  return Result;
+}
+
+void FillState(const BlockInField& Block, std::size_t Place, ProductState& Result) {
+  const std::size_t NumSpins = Block.System.Size();
+  Result.Place = Place;
+  for (std::size_t Spin = 0; Spin < NumSpins; ++Spin) {
+    Result.Mz[Spin] = Block.Resonances.Mz[Place * NumSpins + Spin];
+    Result.Resonance[Spin] = Block.Resonances.Hz[Place * NumSpins + Spin] + Block.Field.Field[Block.System.Sites[Spin]];
   }
 }
 

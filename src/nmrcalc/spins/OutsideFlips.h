@@ -31,25 +31,35 @@ struct OuterSite {
 
 std::vector<OuterSite> FindOuterSites(const SpectrumInput& Input, const ClusterPlan& Plan, const SpinSystem& System);
 
+// The product states of a block without its surroundings, states x spins.
+struct BlockResonances {
+  std::vector<double> Mz{};
+  std::vector<double> Hz{};  // of each spin, in the fields of all others
+};
+BlockResonances FindResonances(const SpinSystem& System, const BlockBasis& Basis,
+                               const std::vector<std::uint32_t>& States);
+
 // One block of a system in one state of its surroundings.
 struct BlockInField {
   const SpinSystem& System;
   const BlockBasis& Basis;
   const std::vector<std::uint32_t>& States;
+  const BlockResonances& Resonances;
   const std::vector<OuterSite>& Outside;
   const FieldState& Field;
 };
 
-// A product state of the block.
+// A product state of the block in its surroundings.
 struct ProductState {
   std::size_t Place = 0;
   std::vector<double> Mz{};
-  std::vector<double> Resonance{};  // Hz, of each spin, in the fields of all others
+  std::vector<double> Resonance{};  // Hz, of each spin, in the fields of all others and of the surroundings
 };
 void FillState(const BlockInField& Block, std::size_t Place, ProductState& Result);
 
 // <m + Step| I+- |m>, 0 where the spin ends.
 inline double StepFactor(int TwiceSpin, double Mz, int Step) {
+  if (TwiceSpin == 1) return Mz * Step < 0.0 ? 1.0 : 0.0;
   const double Spin = 0.5 * TwiceSpin;
   return std::sqrt(std::max(0.0, Spin * (Spin + 1.0) - Mz * (Mz + Step)));
 }
