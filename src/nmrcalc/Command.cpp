@@ -20,6 +20,7 @@
 #include "nmrcalc/input/SpinSettings.h"
 #include "nmrcalc/spins/LinearAlgebra.h"
 #include "nmrcalc/spins/Spectrum.h"
+#include "nmrcalc/spins/Workers.h"
 
 namespace nmrcalc {
 
@@ -163,7 +164,7 @@ void KeepFreedMemory() {
   constexpr int LargestKept = 32 << 20;
   mallopt(M_MMAP_THRESHOLD, LargestKept);
   mallopt(M_TRIM_THRESHOLD, 4 * LargestKept);
-  mallopt(M_ARENA_MAX, 1);  // what one thread frees, the next may use
+  mallopt(M_ARENA_MAX, static_cast<int>(NumUsableCores()));  // more would hold what no thread uses, fewer wait
 #endif
 }
 
