@@ -24,7 +24,7 @@ constexpr double FaintestMoment = std::is_same_v<Number, float> ? 1e-5 : 1e-7;
 template <class Number>
 struct SolvedBlock {
   std::vector<Number> Energies{};
-  std::vector<Number> Vectors{};
+  std::vector<Number> Vectors{};  // eigenstates x product states, so that what operators do runs along the eigenstates
   std::vector<double> Polarization{};  // <Iz>, spins x eigenstates
 };
 
@@ -32,6 +32,7 @@ struct SolvedBlock {
 template <class Number>
 struct MatrixSpace {
   std::vector<double> Hamiltonian{};
+  std::vector<Number> Matrix{};
   std::vector<Number> Squares{};
   std::vector<Number> Polarization{};
   std::vector<Number> Reached{};
@@ -46,7 +47,6 @@ struct PreparedBlock {
   const std::vector<std::uint32_t>& States;
   std::vector<double> Hamiltonian{};
   BlockResonances Resonances{};
-  std::vector<double> Mz{};  // spins x states
 };
 
 // The transitions that raise a group: from a block to the one above.
@@ -79,9 +79,9 @@ void ComputePolarization(const ClusterWork& Work, const PreparedBlock& Prepared,
   const std::size_t NumSpins = Work.System.Size();
   Space.Squares.resize(Size * Size);
   for (std::size_t K = 0; K < Size * Size; ++K) Space.Squares[K] = Block.Vectors[K] * Block.Vectors[K];
-  const std::vector<Number> Mz(Prepared.Mz.begin(), Prepared.Mz.end());
+  const std::vector<Number> Mz(Prepared.Resonances.Mz.begin(), Prepared.Resonances.Mz.end());
   Space.Polarization.resize(Size * NumSpins);
-  MultiplyTransposed(Mz.data(), Space.Squares.data(), Space.Polarization.data(), NumSpins, Size, Size);
+  MultiplyByTransposed(Mz.data(), Space.Squares.data(), Space.Polarization.data(), NumSpins, Size, Size);
   Block.Polarization.assign(Space.Polarization.begin(), Space.Polarization.end());
 }
 
@@ -95,20 +95,30 @@ BlockInField InField(const ClusterWork& Work, const PreparedBlock& Block, const 
 }
 
 template <class Number>
+void Transpose(const std::vector<Number>& Matrix, std::size_t Size, std::vector<Number>& Target) {
+  Target.resize(Size * Size);
+  for (std::size_t Row = 0; Row < Size; ++Row) {
+    for (std::size_t Column = 0; Column < Size; ++Column) Target[Row * Size + Column] = Matrix[Column * Size + Row];
+  }
+}
+
+template <class Number>
 void SolveBlock(const ClusterWork& Work, const PreparedBlock& Prepared, const FieldState& Field,
                 MatrixSpace<Number>& Space, SolvedBlock<Number>& Block) {
   const auto& States = Prepared.States;
   Space.Hamiltonian = Prepared.Hamiltonian;
   for (std::size_t K = 0; K < States.size(); ++K) {
     double& Diagonal = Space.Hamiltonian[K * States.size() + K];
+    const double* Mz = Prepared.Resonances.Mz.data() + K * Work.System.Size();
     for (std::size_t Spin = 0; Spin < Work.System.Size(); ++Spin) {
-      Diagonal += Field.Field[Work.System.Sites[Spin]] * Prepared.Mz[Spin * States.size() + K];
+      Diagonal += Field.Field[Work.System.Sites[Spin]] * Mz[Spin];
     }
   }
   AddOutsideFlips(InField(Work, Prepared, Field), Space.Hamiltonian);
   AddDroppedFlips(InField(Work, Prepared, Field), Work.Dropped, Space.Hamiltonian);
-  Block.Vectors.assign(Space.Hamiltonian.begin(), Space.Hamiltonian.end());
-  DiagonalizeSymmetric(Block.Vectors, States.size(), Block.Energies);
+  Space.Matrix.assign(Space.Hamiltonian.begin(), Space.Hamiltonian.end());
+  DiagonalizeSymmetric(Space.Matrix, States.size(), Block.Energies);
+  Transpose(Space.Matrix, States.size(), Block.Vectors);
   if (!Work.Outside.empty()) ComputePolarization(Work, Prepared, Space, Block);
 }
 
@@ -119,38 +129,35 @@ void ComputeMoments(const std::vector<RaisingElement>& Raising, const SolvedBloc
   const std::size_t NumRows = Upper.Energies.size();
   const std::size_t NumColumns = Lower.Energies.size();
   Raised.assign(NumRows * NumColumns, 0);
-  for (std::size_t Column = 0; Column < NumColumns; ++Column) {
-    const Number* Source = Lower.Vectors.data() + Column * NumColumns;
-    Number* Target = Raised.data() + Column * NumRows;
-    for (const RaisingElement& Element : Raising) {
-      Target[Element.To] += static_cast<Number>(Element.Value) * Source[Element.From];
-    }
+  for (const RaisingElement& Element : Raising) {
+    const Number* Source = Lower.Vectors.data() + Element.From * NumColumns;
+    Number* Target = Raised.data() + Element.To * NumColumns;
+    const auto Value = static_cast<Number>(Element.Value);
+    for (std::size_t Column = 0; Column < NumColumns; ++Column) Target[Column] += Value * Source[Column];
   }
   Moments.resize(NumRows * NumColumns);
-  MultiplyTransposed(Upper.Vectors.data(), Raised.data(), Moments.data(), NumRows, NumColumns, NumRows);
+  MultiplyByTransposed(Upper.Vectors.data(), Raised.data(), Moments.data(), NumRows, NumColumns, NumRows);
 }
 
 // The same for few elements, such as those of one spin, whose raising operator takes each state to one other: half of
-// the states have none to come from, and their rows take no part in the product.
+// the states have none to come from, and take no part in the product.
 template <class Number>
-void ComputeMomentsOfSpin(const std::vector<RaisingElement>& Raising, const SolvedBlock<Number>& Lower,
-                          const SolvedBlock<Number>& Upper, MatrixSpace<Number>& Space, std::vector<Number>& Moments) {
+void ComputeMomentsOfFew(const std::vector<RaisingElement>& Raising, const SolvedBlock<Number>& Lower,
+                         const SolvedBlock<Number>& Upper, MatrixSpace<Number>& Space, std::vector<Number>& Moments) {
   const std::size_t NumRows = Upper.Energies.size();
   const std::size_t NumColumns = Lower.Energies.size();
   Space.Reached.resize(NumRows * Raising.size());
   Space.Raised.resize(NumColumns * Raising.size());
-  Number* Target = Space.Reached.data();
-  for (std::size_t Row = 0; Row < NumRows; ++Row) {
-    const Number* Source = Upper.Vectors.data() + Row * NumRows;
-    for (const RaisingElement& Element : Raising) *Target++ = Source[Element.To];
-  }
-  Target = Space.Raised.data();
-  for (std::size_t Column = 0; Column < NumColumns; ++Column) {
-    const Number* Source = Lower.Vectors.data() + Column * NumColumns;
-    for (const RaisingElement& Element : Raising) *Target++ = static_cast<Number>(Element.Value) * Source[Element.From];
+  Number* Reached = Space.Reached.data();
+  Number* Raised = Space.Raised.data();
+  for (const RaisingElement& Element : Raising) {
+    Reached = std::copy_n(Upper.Vectors.data() + Element.To * NumRows, NumRows, Reached);
+    const Number* Source = Lower.Vectors.data() + Element.From * NumColumns;
+    const auto Value = static_cast<Number>(Element.Value);
+    for (std::size_t Column = 0; Column < NumColumns; ++Column) *Raised++ = Value * Source[Column];
   }
   Moments.resize(NumRows * NumColumns);
-  MultiplyTransposed(Space.Reached.data(), Space.Raised.data(), Moments.data(), NumRows, NumColumns, Raising.size());
+  MultiplyByTransposed(Space.Reached.data(), Space.Raised.data(), Moments.data(), NumRows, NumColumns, Raising.size());
 }
 
 template <class Number>
@@ -174,7 +181,7 @@ void ComputeIntensities(const ClusterWork& Work, const FieldState& State, const 
   Space.Own.resize(Work.CoreSpins.size());
   for (std::size_t Core = 0; Core < Work.CoreSpins.size(); ++Core) {
     std::vector<Number>& Intensities = Space.Own[Core];
-    ComputeMomentsOfSpin(Step.Own[Core], Lower, Upper, Space, Intensities);
+    ComputeMomentsOfFew(Step.Own[Core], Lower, Upper, Space, Intensities);
     for (std::size_t Place = 0; Place < Space.Whole.size(); ++Place) {
       Intensities[Place] *= Space.Whole[Place];
       Space.Largest[Place] = std::max(Space.Largest[Place], std::abs(Intensities[Place]));
@@ -225,13 +232,9 @@ void PrepareStep(ClusterWork& Work, std::size_t Lower, std::size_t Group) {
 void PrepareBlocks(ClusterWork& Work) {
   for (const auto& Chain : Work.Basis.Chains) {
     for (const auto& States : Chain) {
-      PreparedBlock& Block =
-          Work.Blocks.emplace_back(PreparedBlock{.States = States,
-                                                 .Hamiltonian = BuildHamiltonian(Work.System, Work.Basis, States),
-                                                 .Resonances = FindResonances(Work.System, Work.Basis, States)});
-      for (std::size_t Spin = 0; Spin < Work.System.Size(); ++Spin) {
-        for (const std::uint32_t State : States) Block.Mz.push_back(MzOf(Work.System, Work.Basis, State, Spin));
-      }
+      Work.Blocks.push_back(PreparedBlock{.States = States,
+                                          .Hamiltonian = BuildHamiltonian(Work.System, Work.Basis, States),
+                                          .Resonances = FindResonances(Work.System, Work.Basis, States)});
     }
   }
   Work.LastStep.resize(Work.Blocks.size());

@@ -54,26 +54,43 @@ template <class Number>
 using Multiply = void(const char*, const char*, const int*, const int*, const int*, const Number*, const Number*,
                       const int*, const Number*, const int*, const Number*, Number*, const int*);
 
+// The sizes of a product, Rows x Columns over Inner, as the library counts them.
+struct ProductSizes {
+  int Rows = 0;
+  int Columns = 0;
+  int Inner = 0;
+};
+
+ProductSizes SizesOf(std::size_t Rows, std::size_t Columns, std::size_t Inner) {
+  return {.Rows = static_cast<int>(Rows), .Columns = static_cast<int>(Columns), .Inner = static_cast<int>(Inner)};
+}
+
 template <class Number>
-void MultiplyBy(Multiply<Number> Routine, const Number* Left, const Number* Right, Number* Target, std::size_t Rows,
-                std::size_t Columns, std::size_t Inner) {
-  constexpr std::size_t SmallProduct = 512;  // below, a call costs more than the work: the library locks its memory
-  if (Rows * Columns * Inner <= SmallProduct) {
-    using Matrix = Eigen::Matrix<Number, Eigen::Dynamic, Eigen::Dynamic>;
-    const auto Shared = static_cast<Eigen::Index>(Inner);
-    const auto Height = static_cast<Eigen::Index>(Rows);
-    const auto Width = static_cast<Eigen::Index>(Columns);
-    const Eigen::Map<const Matrix> First(Left, Shared, Height);
-    const Eigen::Map<const Matrix> Second(Right, Shared, Width);
-    Eigen::Map<Matrix>(Target, Height, Width).noalias() = First.transpose().lazyProduct(Second);
-    return;
-  }
-  const int NumRows = static_cast<int>(Rows);
-  const int NumColumns = static_cast<int>(Columns);
-  const int NumInner = static_cast<int>(Inner);
+void MultiplyLeftTransposed(Multiply<Number> Routine, const Number* Left, const Number* Right, Number* Target,
+                            const ProductSizes& Size) {
   const Number One = 1;
   const Number Zero = 0;
-  Routine("T", "N", &NumRows, &NumColumns, &NumInner, &One, Left, &NumInner, Right, &NumInner, &Zero, Target, &NumRows);
+  Routine("T", "N", &Size.Rows, &Size.Columns, &Size.Inner, &One, Left, &Size.Inner, Right, &Size.Inner, &Zero, Target,
+          &Size.Rows);
+}
+
+// Clusters have hundreds of thousands of tiny products, where a call costs more than the work: the library locks its
+// memory for each.
+template <class Number>
+void MultiplyRightTransposed(Multiply<Number> Routine, const Number* Left, const Number* Right, Number* Target,
+                             const ProductSizes& Size) {
+  constexpr double TinyProduct = 512.0;
+  if (double(Size.Rows) * Size.Columns * Size.Inner <= TinyProduct) {
+    using Matrix = Eigen::Matrix<Number, Eigen::Dynamic, Eigen::Dynamic>;
+    const Eigen::Map<const Matrix> First(Left, Size.Rows, Size.Inner);
+    const Eigen::Map<const Matrix> Second(Right, Size.Columns, Size.Inner);
+    Eigen::Map<Matrix>(Target, Size.Rows, Size.Columns).noalias() = First.lazyProduct(Second.transpose());
+    return;
+  }
+  const Number One = 1;
+  const Number Zero = 0;
+  Routine("N", "T", &Size.Rows, &Size.Columns, &Size.Inner, &One, Left, &Size.Rows, Right, &Size.Columns, &Zero, Target,
+          &Size.Rows);
 }
 
 [[noreturn]] void ThrowNoConvergence(std::size_t Size) {
@@ -137,12 +154,22 @@ void DiagonalizeSymmetric(std::vector<float>& Matrix, std::size_t Size, std::vec
 
 void MultiplyTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows, std::size_t Columns,
                         std::size_t Inner) {
-  MultiplyBy(dgemm_, Left, Right, Target, Rows, Columns, Inner);
+  MultiplyLeftTransposed(dgemm_, Left, Right, Target, SizesOf(Rows, Columns, Inner));
 }
 
 void MultiplyTransposed(const float* Left, const float* Right, float* Target, std::size_t Rows, std::size_t Columns,
                         std::size_t Inner) {
-  MultiplyBy(sgemm_, Left, Right, Target, Rows, Columns, Inner);
+  MultiplyLeftTransposed(sgemm_, Left, Right, Target, SizesOf(Rows, Columns, Inner));
+}
+
+void MultiplyByTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows,
+                          std::size_t Columns, std::size_t Inner) {
+  MultiplyRightTransposed(dgemm_, Left, Right, Target, SizesOf(Rows, Columns, Inner));
+}
+
+void MultiplyByTransposed(const float* Left, const float* Right, float* Target, std::size_t Rows, std::size_t Columns,
+                          std::size_t Inner) {
+  MultiplyRightTransposed(sgemm_, Left, Right, Target, SizesOf(Rows, Columns, Inner));
 }
 
 }  // namespace nmrcalc

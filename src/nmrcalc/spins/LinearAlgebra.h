@@ -29,4 +29,10 @@ void MultiplyTransposed(const double* Left, const double* Right, double* Target,
 void MultiplyTransposed(const float* Left, const float* Right, float* Target, std::size_t Rows, std::size_t Columns,
                         std::size_t Inner);
 
+// Target (Rows x Columns) = Left (Rows x Inner) times the transpose of Right (Columns x Inner). Fast for tiny ones too.
+void MultiplyByTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows,
+                          std::size_t Columns, std::size_t Inner);
+void MultiplyByTransposed(const float* Left, const float* Right, float* Target, std::size_t Rows, std::size_t Columns,
+                          std::size_t Inner);
+
 }  // namespace nmrcalc
