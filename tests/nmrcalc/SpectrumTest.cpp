@@ -377,7 +377,8 @@ TEST(Cut, TakesGroupsApart) {
             .Cores = {Core},
             .Fields = {{.Field = std::vector<double>(4)}}};
         ClusterTask Task{.EndField = 1};
-        SimulateCluster(Input, Plan, Task, std::atomic<bool>{false});
+        StopSign NoStop;
+        SimulateCluster(Input, Plan, Task, NoStop);
         Found.push_back(TakeLines(Task.Lines[0], 1.0, 1e-8));
       }
       EXPECT_LT(100.0 * CompareLines(Found[0], Found[1]), Item.LargestError) << Item.Distance << ", " << Core;

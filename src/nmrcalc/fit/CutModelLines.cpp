@@ -34,7 +34,7 @@ struct CutTeam {
 
 void AddPlan(const SpectrumInput& System, const ClusterPlan& Plan, const LineAxis& Axis, double Factor,
              std::vector<double>& Nodes) {
-  const std::atomic<bool> NoStop{false};
+  StopSign NoStop;
   ClusterTask Task{.EndField = Plan.Fields.size()};
   SimulateCluster(System, Plan, Task, NoStop);
   for (std::size_t Core = 0; Core < Plan.Cores.size(); ++Core) {

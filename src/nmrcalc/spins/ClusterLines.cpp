@@ -246,14 +246,14 @@ void PrepareBlocks(ClusterWork& Work) {
 
 // Blocks are solved when a step needs them first, and their storage goes to others after the last one.
 template <class Number>
-void SimulateFields(const ClusterWork& Work, ClusterTask& Task, const std::atomic<bool>& Stop) {
+void SimulateFields(const ClusterWork& Work, ClusterTask& Task, StopSign& Stop) {
   MatrixSpace<Number> Space;
   std::vector<SolvedBlock<Number>> Solved(Work.Blocks.size());
   std::vector<SolvedBlock<Number>> Spare;
   for (std::size_t Field = Task.FirstField; Field < Task.EndField; ++Field) {
     const FieldState& State = Work.Plan.Fields[Field];
     for (std::size_t K = 0; K < Work.Steps.size(); ++K) {
-      if (Stop) return;
+      if (MustStop(Stop)) return;
       const BlockStep& Step = Work.Steps[K];
       for (const std::size_t Block : {Step.Lower, Step.Upper}) {
         if (!Solved[Block].Energies.empty()) continue;
@@ -276,7 +276,7 @@ void SimulateFields(const ClusterWork& Work, ClusterTask& Task, const std::atomi
 }
 
 void SimulateSystem(const SpectrumInput& Input, const SpinSystem& System, const ClusterPlan& Plan, ClusterTask& Task,
-                    const std::atomic<bool>& Stop) {
+                    StopSign& Stop) {
   ClusterWork Work{.System = System, .Plan = Plan, .Outside = FindOuterSites(Input, Plan, System)};
   for (std::size_t Spin = 0; Spin < System.Size(); ++Spin) {
     const auto Place = std::find(Plan.Cores.begin(), Plan.Cores.end(), System.Sites[Spin]);
@@ -299,8 +299,7 @@ void SimulateSystem(const SpectrumInput& Input, const SpinSystem& System, const 
 
 }  // namespace
 
-void SimulateCluster(const SpectrumInput& Input, const ClusterPlan& Plan, ClusterTask& Task,
-                     const std::atomic<bool>& Stop) {
+void SimulateCluster(const SpectrumInput& Input, const ClusterPlan& Plan, ClusterTask& Task, StopSign& Stop) {
   const std::size_t NumSites = Plan.Sites.size();
   SpectrumInput Own;
   SpinPart Part;

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <atomic>
 #include <cstddef>
 #include <vector>
 
 #include "nmrcalc/input/SpectrumInput.h"
 #include "nmrcalc/spins/BinnedLines.h"
 #include "nmrcalc/spins/ClusterPlan.h"
+#include "nmrcalc/spins/Workers.h"
 
 namespace nmrcalc {
 
@@ -25,8 +25,7 @@ struct ClusterTask {
   std::vector<BinnedLines> Lines{};
 };
 
-// Fills Task.Lines; gives up in between when Stop is set.
-void SimulateCluster(const SpectrumInput& Input, const ClusterPlan& Plan, ClusterTask& Task,
-                     const std::atomic<bool>& Stop);
+// Fills Task.Lines; gives up from one block to the next when it must stop.
+void SimulateCluster(const SpectrumInput& Input, const ClusterPlan& Plan, ClusterTask& Task, StopSign& Stop);
 
 }  // namespace nmrcalc

@@ -1,7 +1,6 @@
 #include "nmrcalc/spins/ClusterTeam.h"
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <exception>
@@ -55,7 +54,7 @@ struct ClusterTeam {
   std::size_t NextTask = 0;
   std::size_t DoneTasks = 0;
   std::mutex Lock{};
-  std::atomic<bool> Stop{false};
+  StopSign Stop{};
   std::exception_ptr Error{};
 };
 
@@ -79,8 +78,7 @@ void FinishPlan(ClusterTeam& Team, std::size_t PlanIndex) {
 // The next task; nothing when there is none or the team has stopped.
 std::optional<std::size_t> TakeTask(ClusterTeam& Team) {
   const std::lock_guard<std::mutex> Guard(Team.Lock);
-  if (Team.Job.MayStop && RunClock::now() > Team.Job.Deadline) Team.Stop = true;
-  if (Team.Error || Team.Stop || Team.NextTask == Team.Tasks.size()) return std::nullopt;
+  if (Team.Error || MustStop(Team.Stop) || Team.NextTask == Team.Tasks.size()) return std::nullopt;
   ReportProgress(static_cast<long>(Team.DoneTasks), static_cast<long>(Team.Tasks.size()), Team.Job.Doing);
   return Team.NextTask++;
 }
@@ -99,12 +97,12 @@ void RunWorker(ClusterTeam& Team) {
         Team.Answer.Seconds[Task.Plan] += Seconds;
         IsLast = --Team.TasksLeft[Task.Plan] == 0;
       }
-      if (IsLast && !Team.Stop) FinishPlan(Team, Task.Plan);
+      if (IsLast && !Team.Stop.IsSet) FinishPlan(Team, Task.Plan);
     }
   } catch (...) {
     const std::lock_guard<std::mutex> Guard(Team.Lock);
     if (!Team.Error) Team.Error = std::current_exception();
-    Team.Stop = true;
+    Team.Stop.IsSet = true;
   }
 }
 
@@ -114,12 +112,13 @@ std::optional<ClusterAnswer> RunClusters(const ClusterJob& Job) {
   ClusterAnswer Answer{.SiteLines = std::vector<std::vector<Line>>(Job.Input.Sites.size()),
                        .Seconds = std::vector<double>(Job.Plans.size())};
   ClusterTeam Team{.Job = Job, .Answer = Answer, .Tasks = MakeTasks(Job.Plans, Job.IsExact)};
+  if (Job.MayStop) Team.Stop.Deadline = Job.Deadline;
   Team.TasksLeft.assign(Job.Plans.size(), 0);
   for (const ClusterTask& Task : Team.Tasks) ++Team.TasksLeft[Task.Plan];
   const std::size_t NumWorkers = std::min(NumUsableCores(), Team.Tasks.size());
   ForEachWorker(NumWorkers, NumWorkers > 1, [&Team](std::size_t) { RunWorker(Team); });
   if (Team.Error) std::rethrow_exception(Team.Error);
-  if (Team.Stop) return std::nullopt;
+  if (Team.Stop.IsSet) return std::nullopt;
   return Answer;
 }
 

@@ -14,6 +14,17 @@ namespace nmrcalc {
 
 using RunClock = std::chrono::steady_clock;
 
+// Tells workers to give up: one of them does it for all, or the clock does.
+struct StopSign {
+  RunClock::time_point Deadline = RunClock::time_point::max();
+  std::atomic<bool> IsSet{false};
+};
+
+inline bool MustStop(StopSign& Sign) {
+  if (!Sign.IsSet && RunClock::now() > Sign.Deadline) Sign.IsSet = true;
+  return Sign.IsSet;
+}
+
 // Cores that may be used: one when the library cannot be called from several threads.
 std::size_t NumUsableCores();
 
