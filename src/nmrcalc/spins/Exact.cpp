@@ -7,6 +7,7 @@
 #include <limits>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include "basic/Failure.h"
 #include "nmrcalc/Progress.h"
@@ -22,11 +23,13 @@ constexpr double BytesPerNumber = 8.0;
 constexpr std::size_t LinesPerThread = 5000;        // fewer are sorted sooner than a thread is started
 constexpr double LargestStateCount = 2147483648.0;  // codes of states have 32 bits
 constexpr double LineShare = 0.25;                  // of the memory, for lines; sorting and growing take as much again
-constexpr double OperationsPerThread = 4e6;         // less is done sooner than a thread is started
-constexpr std::size_t PanelColumns = 1024;          // columns of transition moments formed at a time
+constexpr double OperationsPerThread = 3e7;         // less is done sooner than a thread is started
+constexpr double OperationsPerCube = 5.0;           // of the eigenvectors, measured
+constexpr double OperationsPerMoment = 2.0;         // for each product of moments
+constexpr std::size_t PanelColumns = 128;           // columns of transition moments formed at a time
 constexpr std::size_t LinesBeforeMerge = 4000000;   // per worker
 constexpr double LargestUnordered = 32.0 * 1024.0 * 1024.0;  // bytes of eigenvectors of a system
-constexpr double TellingShare = 0.05;                        // of the work, from which its speed is known
+constexpr double TellingShare = 0.1;                         // of the work, from which its speed is known
 constexpr double NoiseWidth = 1e-7;  // Hz; transitions nearer than this differ by rounding alone
 
 // The eigenstates of a block, kept until both neighbours have met it.
@@ -72,8 +75,9 @@ struct Team {
   int Solving = 0;
   std::size_t NumSolved = 0;
   RunClock::time_point Start = RunClock::now();
-  double Operations = 0.0;      // of all blocks, the sum of their cubes
-  double DoneOperations = 0.0;  // of those that are done
+  double Operations = 0.0;  // of all blocks and their moments
+  double DoneOperations = 0.0;
+  double RunningOperations = 0.0;  // of the blocks that are being solved
   bool IsLate = false;
   std::exception_ptr Error{};
 };
@@ -173,9 +177,32 @@ void AddOrigins(const Team& Group, const BlockPair& Pair, const OriginColumn& Co
   }
 }
 
+double SolveOperations(double Size) { return OperationsPerCube * Size * Size * Size; }
+
+// Of the moments between two blocks.
+double MomentOperations(double A, double B) { return OperationsPerMoment * A * B * std::min(A, B); }
+
+// Whether the work will not be done by the deadline at the speed so far. The first blocks are too small to tell.
+bool WillBeLate(const Team& Group) {
+  if (Group.Limits.Deadline == RunClock::time_point::max()) return false;
+  const auto Now = RunClock::now();
+  if (Now > Group.Limits.Deadline) return true;
+  const double Done = Group.DoneOperations + 0.5 * Group.RunningOperations;
+  if (Done < TellingShare * Group.Operations) return false;
+  return (Now - Group.Start) * (Group.Operations / Done) > Group.Limits.Deadline - Group.Start;
+}
+
+// Counts moments that have been formed; false when the rest is in vain.
+bool CountMoments(Team& Group, double Operations) {
+  const std::lock_guard<std::mutex> Guard(Group.Lock);
+  Group.DoneOperations += Operations;
+  Group.IsLate = Group.IsLate || WillBeLate(Group);
+  return !Group.IsLate;
+}
+
 // Moments of all transitions from the block at Level to the one above it: V_upper^T I+ V_lower, in panels of columns.
 // The side that is contracted densely is the smaller one.
-void ComputeTransitions(const Team& Group, const SpinSystem& System, const SystemWork& Work, std::size_t Chain,
+void ComputeTransitions(Team& Group, const SpinSystem& System, const SystemWork& Work, std::size_t Chain,
                         std::size_t Level, WorkerLines& Found) {
   const BlockStates& Lower = Work.Blocks[Chain][Level];
   const BlockStates& Upper = Work.Blocks[Chain][Level + 1];
@@ -216,6 +243,8 @@ void ComputeTransitions(const Team& Group, const SpinSystem& System, const Syste
     for (std::size_t Column = 0; Column < Width; ++Column) {
       AddOrigins(Group, Pair, Context, First + Column, Moments.data() + Column * NumRows, Found);
     }
+    const double Share = double(Width) / double(NumColumns);
+    if (!CountMoments(Group, Share * MomentOperations(double(NumRows), double(NumColumns)))) return;
   }
 }
 
@@ -233,15 +262,6 @@ std::shared_ptr<SystemWork> StartSystem(const SpinSystem& System) {
   return Work;
 }
 
-// Whether the work will not be done by the deadline at the speed so far. The first blocks are too small to tell.
-bool WillBeLate(const Team& Group) {
-  if (Group.Limits.Deadline == RunClock::time_point::max()) return false;
-  const auto Now = RunClock::now();
-  if (Now > Group.Limits.Deadline) return true;
-  if (Group.DoneOperations < TellingShare * Group.Operations) return false;
-  return (Now - Group.Start) * (Group.Operations / Group.DoneOperations) > Group.Limits.Deadline - Group.Start;
-}
-
 // Waits until there is memory for the next block or nobody is solving one; nothing when no task is left or time is up.
 const BlockTask* TakeTask(Team& Group, std::shared_ptr<SystemWork>& Work) {
   std::unique_lock<std::mutex> Guard(Group.Lock);
@@ -254,6 +274,7 @@ const BlockTask* TakeTask(Team& Group, std::shared_ptr<SystemWork>& Work) {
   if (Group.Error || Group.IsLate || Group.NextTask == Group.Tasks.size()) return nullptr;
   const BlockTask& Task = Group.Tasks[Group.NextTask++];
   Group.BytesInUse += VectorBytes(Task.Size) + WorkspaceBytes(Task.Size);
+  Group.RunningOperations += SolveOperations(Task.Size);
   ++Group.Solving;
   if (!Group.Works[Task.System]) Group.Works[Task.System] = StartSystem(Group.Systems[Task.System]);
   Work = Group.Works[Task.System];
@@ -269,6 +290,8 @@ std::vector<std::size_t> StoreBlock(Team& Group, const BlockTask& Task, SystemWo
   Chain[Task.Level].Solved = true;
   Group.BytesInUse -= WorkspaceBytes(Task.Size);
   --Group.Solving;
+  Group.RunningOperations -= SolveOperations(Task.Size);
+  Group.DoneOperations += SolveOperations(Task.Size);
   ReportProgress(static_cast<long>(++Group.NumSolved), static_cast<long>(Group.Tasks.size()), "blocks of states");
   Group.Changed.notify_all();
   std::vector<std::size_t> Ready;
@@ -291,7 +314,6 @@ void ReleasePair(Team& Group, const BlockTask& Task, SystemWork& Work, std::size
 
 void FinishTask(Team& Group, const BlockTask& Task) {
   const std::lock_guard<std::mutex> Guard(Group.Lock);
-  Group.DoneOperations += Task.Size * Task.Size * Task.Size;
   if (--Group.TasksLeft[Task.System] == 0) Group.Works[Task.System].reset();
 }
 
@@ -317,7 +339,7 @@ void RunWorker(Team& Group, std::size_t Worker) {
   }
 }
 
-// Lists the blocks in the order in which they are to be solved and returns the sum of their cubes. Systems that fit
+// Lists the blocks in the order in which they are to be solved and returns the operations of all. Systems that fit
 // into the cache's neighbourhood start with their largest blocks, which balances the cores best; the others go from
 // level to level, so that only neighbours are in memory at a time.
 double PlanTasks(Team& Group) {
@@ -331,9 +353,11 @@ double PlanTasks(Team& Group) {
       for (std::size_t Level = 0; Level < Counts[Chain].size(); ++Level) {
         const double Size = Counts[Chain][Level];
         Group.Tasks.push_back({System, Chain, Level, Size});
-        Operations += Size * Size * Size;
+        Operations += SolveOperations(Size);
         Bytes += VectorBytes(Size);
-        if (Level > 0) Transitions += Size * Counts[Chain][Level - 1];
+        if (Level == 0) continue;
+        Transitions += Size * Counts[Chain][Level - 1];
+        Operations += MomentOperations(Size, Counts[Chain][Level - 1]);
       }
     }
     if (Bytes < LargestUnordered) {
@@ -378,10 +402,12 @@ ExactCost EstimateExactCost(const std::vector<SpinSystem>& Systems) {
     double States = 0.0;
     double Largest = 0.0;
     for (const auto& Chain : CountBlocks(System, TakesFarApart(System))) {
+      double Below = 0.0;
       for (const double Size : Chain) {
+        Cost.Transitions += Size * std::exchange(Below, Size);
         States += Size;
         Largest = std::max(Largest, Size);
-        Cost.Operations += 7.0 * Size * Size * Size;  // measured: 5 n^3 for the eigenvectors, 2 n^3 for the moments
+        Cost.Operations += SolveOperations(Size) + OperationsPerMoment * Size * Size * Size;
       }
     }
     if (States > LargestStateCount) Cost.Bytes = std::numeric_limits<double>::infinity();

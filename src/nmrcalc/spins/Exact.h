@@ -18,6 +18,7 @@ struct ExactCost {
   double LargestBlock = 0.0;  // states
   double Bytes = 0.0;         // peak with one worker, without the lines
   double Operations = 0.0;    // floating point operations
+  double Transitions = 0.0;
 };
 
 struct ExactLimits {
