@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <numeric>
 
@@ -347,10 +348,11 @@ std::vector<ClusterPlan> PlanClusters(const SpectrumInput& Input, const SpinPart
   ForEachItem(Cores.size(), [&](std::size_t K) { Grown[K] = GrowCluster(Input, Near, Cores[K], LargestCost); });
   std::map<MembersByGroup, SharedCluster> Clusters;
   for (std::size_t K = 0; K < Cores.size(); ++K) ShareCluster(Cores[K], Grown[K], Clusters[SortMembers(Grown[K])]);
-  const std::vector<std::pair<MembersByGroup, SharedCluster>> Items(Clusters.begin(), Clusters.end());
-  std::vector<ClusterPlan> Plans(Items.size());
-  ForEachItem(Items.size(),
-              [&](std::size_t K) { Plans[K] = PlanCluster(Input, Part, Near, Items[K].first, Items[K].second); });
+  std::vector<ClusterPlan> Plans(Clusters.size());
+  ForEachItem(Plans.size(), [&](std::size_t K) {
+    const auto& [Members, Cluster] = *std::next(Clusters.begin(), static_cast<std::ptrdiff_t>(K));
+    Plans[K] = PlanCluster(Input, Part, Near, Members, Cluster);
+  });
   return Plans;
 }
 
