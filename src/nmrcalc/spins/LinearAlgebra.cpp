@@ -40,15 +40,20 @@ bool IsThere(Function* Entry) {
   return Entry != nullptr;
 }
 
+// Up to LargestSize rows QR iterations are faster than divide and conquer.
+struct SmallSolver {
+  bool (*Solve)(float* Matrix, std::size_t Size, float* Eigenvalues) = SolveSmallMatrix;
+  std::size_t LargestSize = 63;
+};
+
+SmallSolver ChooseSmallSolver() {
 #ifdef NMRCALC_AVX2
-bool HasAvx2() {
-  static const bool Has = __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0;
-  return Has;
-}
-#else
-constexpr bool HasAvx2() { return false; }
-constexpr auto SolveSmallMatrixByAvx2 = SolveSmallMatrix;
+  if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) {
+    return {.Solve = SolveSmallMatrixByAvx2, .LargestSize = 100};
+  }
 #endif
+  return {};
+}
 
 template <class Number>
 using Multiply = void(const char*, const char*, const int*, const int*, const int*, const Number*, const Number*,
@@ -140,16 +145,13 @@ void DiagonalizeSymmetric(std::vector<double>& Matrix, std::size_t Size, std::ve
 }
 
 void DiagonalizeSymmetric(std::vector<float>& Matrix, std::size_t Size, std::vector<float>& Eigenvalues) {
-  // Up to these sizes QR iterations are faster than divide and conquer.
-  constexpr std::size_t SmallSize = 63;
-  constexpr std::size_t SmallSizeByAvx2 = 100;
-  if (Size > (HasAvx2() ? SmallSizeByAvx2 : SmallSize)) {
+  static const SmallSolver Small = ChooseSmallSolver();
+  if (Size > Small.LargestSize) {
     Diagonalize(ssyevd_, Matrix, Size, Eigenvalues);
     return;
   }
   Eigenvalues.resize(Size);
-  const auto Solve = HasAvx2() ? SolveSmallMatrixByAvx2 : SolveSmallMatrix;
-  if (!Solve(Matrix.data(), Size, Eigenvalues.data())) ThrowNoConvergence(Size);
+  if (!Small.Solve(Matrix.data(), Size, Eigenvalues.data())) ThrowNoConvergence(Size);
 }
 
 void MultiplyTransposed(const double* Left, const double* Right, double* Target, std::size_t Rows, std::size_t Columns,
